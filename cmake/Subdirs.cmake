@@ -10,10 +10,11 @@ function(vexil_add_subdirectories)
   endforeach()
 endfunction()
 
-# vexil_gtest(name SOURCES... LIBS...) : a GoogleTest executable registered with CTest.
+# vexil_gtest(name SOURCES... LIBS...) : a GoogleTest executable registered with CTest; each test is
+# named "<name>.<Suite>.<Test>", so CI can pick families by executable prefix (zelmar_, maths_, simplify_).
 function(vexil_gtest name)
   cmake_parse_arguments(T "" "" "SOURCES;LIBS;ENV" ${ARGN})
   add_executable(${name} ${T_SOURCES})
   target_link_libraries(${name} PRIVATE ${T_LIBS} GTest::gtest GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${T_ENV}")
+  gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60 PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${T_ENV}")
 endfunction()
