@@ -1,0 +1,204 @@
+// The engine's scene data: every entity kind the C API hands out handles for.
+// Points live inside their polygon (no allocation per point); every other entity is
+// an object with a stable address, reached from its handle in O(1) through the
+// HandleTable. Geometry is kept in world space.
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zelmar {
+
+using Handle = int32_t;
+
+enum class Kind : uint8_t {
+    None,
+    Group,
+    Polygon,
+    Point,
+    Camera,
+    Light,
+    Track,
+    Background,
+    Bitmap,
+    Animation
+};
+
+struct Group;
+struct Polygon;
+
+struct Vec3 {
+    double x = 0, y = 0, z = 0;
+};
+
+struct PointData {
+    Handle handle = 0;
+    double xyz[3] = {0, 0, 0};
+    double uv[2] = {0, 0};
+    double uv2[2] = {0, 0};          // second bitmap (light map) coordinates
+    double brightness = 100.0;       // percent
+    double rgb[3] = {255, 255, 255}; // per-vertex colour
+    double normal[3] = {0, 0, 0};
+};
+
+// Everything that says how a polygon is filled and lit.
+struct Fill {
+    int32_t color[3] = {255, 255, 255};
+    Handle bitmap = 0;    // primary bitmap, 0 = colour fill
+    Handle animation = 0; // 2D animation, 0 = none
+    int32_t animationFrame = 0;
+    Handle secondBitmap = 0; // light map
+    int32_t translucent = 0; // blending filter number, 0 = opaque
+    int32_t rotated = 0;
+    double bitmapRotation = 0;
+    double lightDiminution = 0;
+    int32_t bilinear = 1;
+    double brightness = 100.0;
+    double ambient[3] = {0, 0, 0};
+    double diffuse[3] = {0, 0, 0};
+    double specular[3] = {0, 0, 0};
+    double specularShining = 0;
+};
+
+struct Polygon {
+    Handle handle = 0;
+    Group* group = nullptr;         // owner, nullptr while not yet owned
+    Polygon* prevInGroup = nullptr; // the owner's polygon list
+    Polygon* nextInGroup = nullptr;
+    Polygon* prevInWorld = nullptr; // every live polygon in creation order
+    Polygon* nextInWorld = nullptr;
+    std::vector<PointData> points; // ring order
+    std::string name;
+    Fill fill;
+    int32_t orientation = 0; // 0 seen from both sides, 1 front only
+    bool disabled = false;
+    bool collisional = true;
+    int32_t releaseSaveFlag = 0;
+    bool addedToWorld = false; // engine_add_polygon was called
+    int64_t ownData = 0;
+    uint32_t version = 0; // bumped on any geometry change; caches compare against it
+};
+
+struct Group {
+    Handle handle = 0;
+    std::string name;
+    Group* father = nullptr;
+    Group* firstChild = nullptr;
+    Group* lastChild = nullptr;
+    Group* prevSibling = nullptr;
+    Group* nextSibling = nullptr;
+    Group* prevInWorld = nullptr; // every live group in creation order
+    Group* nextInWorld = nullptr;
+    Polygon* firstPolygon = nullptr;
+    Polygon* lastPolygon = nullptr;
+    int64_t ownPolygons = 0;
+    bool disabled = false;
+    bool loadAsDisabled = false;
+    bool isStatic = true;
+    double referencePoint[3] = {0, 0, 0};                  // rotate reference point, world space
+    double axis[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}; // group's own axis system (rows x, y, z)
+    // Behaviour parameters kept for the player.
+    int32_t chaseType = 0;
+    std::string chasedName;
+    double chaseDistance = 0, chaseSoftness = 0;
+    double chaseOffset[3] = {0, 0, 0};
+    std::string trackName;
+    double trackOffset[3] = {0, 0, 0};
+    double speed = 0, absoluteSpeed = 0;
+    double physicsRotation[3] = {0, 0, 0};
+    double physicsForce[3] = {0, 0, 0};
+    double physicsFriction = 0, physicsElasticity = 0, physicsMaxSpeed = 0;
+    int32_t controlNumber = 0;
+    int32_t fallingFromTrack = 0;
+    double fallingHeight = 0;
+    uint32_t version = 0;
+};
+
+struct Camera {
+    Handle handle = 0;
+    uint32_t listPos = 0; // position in the world's list of its kind, for O(1) walks
+    std::string name;
+    double location[3] = {0, 0, 0};
+    double axis[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}; // rows: x (right), y (up), z (view direction)
+    double zoom = 60.0;                                    // field of view in degrees
+    double distanceFromEye = 1.0;
+    bool perspective = true;
+    double parallelWidth = 0, parallelHeight = 0;
+    int32_t saveFlag = 0;
+    // Chase and track behaviour, kept for the player.
+    int32_t chaseType = 0;
+    std::string chasedName;
+    Handle chasedCamera = 0, chasedGroup = 0, chasedObject = 0;
+    double chaseDistance = 0, chaseSoftness = 0;
+    double chaseOffset[3] = {0, 0, 0};
+    Handle track = 0;
+    std::string trackName;
+    double trackOffset[3] = {0, 0, 0};
+    int32_t nextPointOnTrack = 0;
+    double speed = 0, absoluteSpeed = 0, maxSpeed = 0;
+    double force = 0, friction = 0, elasticity = 0;
+    double focus = 0;
+};
+
+struct Light {
+    Handle handle = 0;
+    uint32_t listPos = 0; // position in the world's list of its kind, for O(1) walks
+    std::string name;
+    double location[3] = {0, 0, 0};
+    double direction[3] = {0, 0, -1};
+    double color[3] = {255, 255, 255};
+    double ambient = 0, diffuse = 0, specular = 0, specularShining = 0;
+    int32_t type = 0; // bit set of light type and decay
+    double distanceReach = 0;
+    Handle entityToLight = 0; // 0 = the whole world
+    int32_t rayTracing = 0;
+    int32_t activateBeforeRender = 0;
+    bool disabled = false;
+    int32_t saveFlag = 0;
+};
+
+struct Track {
+    Handle handle = 0;
+    uint32_t listPos = 0; // position in the world's list of its kind, for O(1) walks
+    std::string name;
+    std::vector<double> points; // x, y, z triples
+    int32_t cyclic = 0;
+    int32_t saveFlag = 0;
+};
+
+struct Bitmap {
+    Handle handle = 0;
+    uint32_t listPos = 0; // position in the world's list of its kind, for O(1) walks
+    std::string name;     // file name without folder
+    std::string path;     // where it was loaded from
+    int32_t width = 0, height = 0;
+    std::vector<uint8_t> rgba;    // width * height * 4
+    std::vector<uint8_t> indices; // palette indices when the source was paletted, else empty
+    std::vector<uint8_t> palette; // rgb triples
+    int32_t transparentIndex = -1;
+    int32_t transparentRgb[3] = {-1, -1, -1};
+    uint32_t version = 0;
+};
+
+struct Background {
+    Handle handle = 0;
+    uint32_t listPos = 0; // position in the world's list of its kind, for O(1) walks
+    std::string name;
+    Handle bitmap = 0;
+    double bottom = 0, bottomIntensity = 0, distance = 0, intensityStep = 0;
+    int32_t saveFlag = 0;
+};
+
+struct Animation {
+    Handle handle = 0;
+    uint32_t listPos = 0; // position in the world's list of its kind, for O(1) walks
+    std::string name;
+    int32_t viewDirections = 1;
+    std::vector<Handle> bitmaps;             // frames x view directions
+    std::vector<int32_t> frameTimes;         // milliseconds per frame
+    std::vector<int32_t> transparentIndices; // per bitmap
+    int32_t saveFlag = 0;
+};
+
+} // namespace zelmar

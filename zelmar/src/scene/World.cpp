@@ -1,0 +1,302 @@
+#include "scene/World.h"
+#include <algorithm>
+
+namespace zelmar {
+
+World& world() {
+    static World w;
+    return w;
+}
+
+World::World() {
+    slots_.reserve(1024);
+    slots_.emplace_back();
+} // handle 0 is never issued
+
+World::~World() {
+    clear();
+}
+
+Kind World::kindOf(Handle h) const {
+    if (h <= 0 || static_cast<size_t>(h) >= slots_.size()) return Kind::None;
+    return slots_[h].kind;
+}
+
+Handle World::issue(Kind k, void* ptr, uint32_t index) {
+    if (slots_.size() >= static_cast<size_t>(INT32_MAX)) return 0; // handle space exhausted
+    slots_.push_back(Slot{ptr, index, k});
+    return static_cast<Handle>(slots_.size() - 1);
+}
+
+void World::retire(Handle h) {
+    if (h > 0 && static_cast<size_t>(h) < slots_.size()) slots_[h] = Slot{};
+}
+
+PointData* World::point(Handle h, Polygon** owner, uint32_t* index) const {
+    if (h <= 0 || static_cast<size_t>(h) >= slots_.size()) return nullptr;
+    const Slot& s = slots_[h];
+    if (s.kind != Kind::Point) return nullptr;
+    auto* p = static_cast<Polygon*>(s.ptr);
+    if (owner) *owner = p;
+    if (index) *index = s.index;
+    return &p->points[s.index];
+}
+
+template <class T> void World::eraseFrom(std::vector<T*>& v, T* x) {
+    const uint32_t pos = x->listPos;
+    v.erase(v.begin() + pos);
+    for (uint32_t i = pos; i < v.size(); ++i)
+        v[i]->listPos = i;
+}
+
+namespace {
+template <class T> T* makeNamed(std::vector<T*>& list, const std::string& name) {
+    T* x = new T();
+    x->name = name;
+    x->listPos = static_cast<uint32_t>(list.size());
+    list.push_back(x);
+    return x;
+}
+} // namespace
+
+Group* World::createGroup(const std::string& name) {
+    auto* g = new Group();
+    g->name = name;
+    g->handle = issue(Kind::Group, g);
+    g->prevInWorld = groupsTail_;
+    (groupsTail_ ? groupsTail_->nextInWorld : groupsHead_) = g;
+    groupsTail_ = g;
+    ++groupCount_;
+    touch();
+    return g;
+}
+
+Polygon* World::createPolygon() {
+    auto* p = new Polygon();
+    p->handle = issue(Kind::Polygon, p);
+    p->prevInWorld = polygonsTail_;
+    (polygonsTail_ ? polygonsTail_->nextInWorld : polygonsHead_) = p;
+    polygonsTail_ = p;
+    ++polygonCount_;
+    touch();
+    return p;
+}
+
+void World::reindexPoints(Polygon& p, uint32_t from) {
+    for (uint32_t i = from; i < p.points.size(); ++i)
+        slots_[p.points[i].handle].index = i;
+}
+
+PointData& World::addPoint(Polygon& p, const PointData& data, bool atHead) {
+    PointData d = data;
+    const uint32_t index = atHead ? 0 : static_cast<uint32_t>(p.points.size());
+    d.handle = issue(Kind::Point, &p, index);
+    if (atHead) {
+        p.points.insert(p.points.begin(), d);
+        reindexPoints(p, 1);
+    } else {
+        p.points.push_back(d);
+    }
+    ++p.version;
+    touch();
+    return p.points[index];
+}
+
+void World::deletePoint(Polygon& p, uint32_t index) {
+    if (index >= p.points.size()) return;
+    retire(p.points[index].handle);
+    p.points.erase(p.points.begin() + index);
+    reindexPoints(p, index);
+    ++p.version;
+    touch();
+}
+
+Camera* World::createCamera(const std::string& name) {
+    Camera* c = makeNamed(camerasV_, name);
+    c->handle = issue(Kind::Camera, c);
+    return c;
+}
+Light* World::createLight(const std::string& name) {
+    Light* l = makeNamed(lights_, name);
+    l->handle = issue(Kind::Light, l);
+    touch();
+    return l;
+}
+Track* World::createTrack(const std::string& name) {
+    Track* t = makeNamed(tracks_, name);
+    t->handle = issue(Kind::Track, t);
+    return t;
+}
+Background* World::createBackground(const std::string& name) {
+    Background* b = makeNamed(backgrounds_, name);
+    b->handle = issue(Kind::Background, b);
+    return b;
+}
+Bitmap* World::createBitmap(const std::string& name) {
+    Bitmap* b = makeNamed(bitmaps_, name);
+    b->handle = issue(Kind::Bitmap, b);
+    return b;
+}
+Animation* World::createAnimation(const std::string& name) {
+    Animation* a = makeNamed(animations_, name);
+    a->handle = issue(Kind::Animation, a);
+    return a;
+}
+
+void World::setPolygonGroup(Polygon& p, Group* g) {
+    if (p.group == g) return;
+    if (Group* old = p.group) {
+        (p.prevInGroup ? p.prevInGroup->nextInGroup : old->firstPolygon) = p.nextInGroup;
+        (p.nextInGroup ? p.nextInGroup->prevInGroup : old->lastPolygon) = p.prevInGroup;
+        p.prevInGroup = p.nextInGroup = nullptr;
+        --old->ownPolygons;
+        ++old->version;
+    }
+    p.group = g;
+    if (g) {
+        p.prevInGroup = g->lastPolygon;
+        (g->lastPolygon ? g->lastPolygon->nextInGroup : g->firstPolygon) = &p;
+        g->lastPolygon = &p;
+        ++g->ownPolygons;
+        ++g->version;
+    }
+    touch();
+}
+
+void World::destroyPolygon(Polygon& p) {
+    setPolygonGroup(p, nullptr);
+    for (const PointData& d : p.points)
+        retire(d.handle);
+    (p.prevInWorld ? p.prevInWorld->nextInWorld : polygonsHead_) = p.nextInWorld;
+    (p.nextInWorld ? p.nextInWorld->prevInWorld : polygonsTail_) = p.prevInWorld;
+    retire(p.handle);
+    --polygonCount_;
+    touch();
+    delete &p;
+}
+
+void World::unlinkFromFather(Group& g) {
+    Group* f = g.father;
+    if (!f) return;
+    (g.prevSibling ? g.prevSibling->nextSibling : f->firstChild) = g.nextSibling;
+    (g.nextSibling ? g.nextSibling->prevSibling : f->lastChild) = g.prevSibling;
+    g.prevSibling = g.nextSibling = nullptr;
+    g.father = nullptr;
+}
+
+bool World::isIncludedIn(const Group& a, const Group& b) const {
+    for (const Group* f = a.father; f; f = f->father)
+        if (f == &b) return true;
+    return false;
+}
+
+void World::setFather(Group& g, Group* father) {
+    if (father == &g || (father && isIncludedIn(*father, g))) return; // would make a cycle
+    unlinkFromFather(g);
+    if (father) {
+        g.father = father;
+        g.prevSibling = father->lastChild;
+        (father->lastChild ? father->lastChild->nextSibling : father->firstChild) = &g;
+        father->lastChild = &g;
+    }
+    touch();
+}
+
+Group* World::nextInSubtree(const Group* g, const Group* root) {
+    if (g->firstChild) return g->firstChild;
+    for (const Group* n = g; n && n != root; n = n->father)
+        if (n->nextSibling) return n->nextSibling;
+    return nullptr;
+}
+
+void World::destroyGroupTree(Group& root) {
+    // Iterative post-order: file-made trees can be deeper than the stack.
+    Group* g = &root;
+    for (;;) {
+        while (g->firstChild)
+            g = g->firstChild;
+        Group* up = (g == &root) ? nullptr : g->father;
+        while (g->firstPolygon)
+            destroyPolygon(*g->firstPolygon);
+        unlinkFromFather(*g);
+        (g->prevInWorld ? g->prevInWorld->nextInWorld : groupsHead_) = g->nextInWorld;
+        (g->nextInWorld ? g->nextInWorld->prevInWorld : groupsTail_) = g->prevInWorld;
+        retire(g->handle);
+        --groupCount_;
+        delete g;
+        if (!up) break;
+        g = up;
+    }
+    touch();
+}
+
+void World::destroyCamera(Camera& c) {
+    eraseFrom(camerasV_, &c);
+    retire(c.handle);
+    delete &c;
+}
+void World::destroyLight(Light& l) {
+    eraseFrom(lights_, &l);
+    retire(l.handle);
+    touch();
+    delete &l;
+}
+void World::destroyTrack(Track& t) {
+    eraseFrom(tracks_, &t);
+    retire(t.handle);
+    delete &t;
+}
+void World::destroyBackground(Background& b) {
+    eraseFrom(backgrounds_, &b);
+    retire(b.handle);
+    delete &b;
+}
+void World::destroyBitmap(Bitmap& b) {
+    eraseFrom(bitmaps_, &b);
+    retire(b.handle);
+    touch();
+    delete &b;
+}
+void World::destroyAnimation(Animation& a) {
+    eraseFrom(animations_, &a);
+    retire(a.handle);
+    delete &a;
+}
+
+void World::clear() {
+    // Polygons not yet owned by a group go too.
+    while (groupsHead_) {
+        Group* top = groupsHead_;
+        while (top->father)
+            top = top->father;
+        destroyGroupTree(*top);
+    }
+    while (polygonsHead_)
+        destroyPolygon(*polygonsHead_);
+    while (!camerasV_.empty())
+        destroyCamera(*camerasV_.back());
+    while (!lights_.empty())
+        destroyLight(*lights_.back());
+    while (!tracks_.empty())
+        destroyTrack(*tracks_.back());
+    while (!backgrounds_.empty())
+        destroyBackground(*backgrounds_.back());
+    while (!animations_.empty())
+        destroyAnimation(*animations_.back());
+    while (!bitmaps_.empty())
+        destroyBitmap(*bitmaps_.back());
+    touch();
+}
+
+bool World::empty() const {
+    return !groupsHead_ && !polygonsHead_ && camerasV_.empty() && lights_.empty() && tracks_.empty() &&
+           backgrounds_.empty() && bitmaps_.empty() && animations_.empty();
+}
+
+Group* World::groupByName(const std::string& name) const {
+    for (Group* g = groupsHead_; g; g = g->nextInWorld)
+        if (g->name == name) return g;
+    return nullptr;
+}
+
+} // namespace zelmar

@@ -1,0 +1,136 @@
+// The one world the engine holds: owns every entity and maps handles to them.
+// Handles come from a monotonic counter and are never reused, so a stale handle
+// can never name a newer entity; lookups are O(1) through a slot vector.
+#pragma once
+#include "scene/Entities.h"
+#include <string>
+
+namespace zelmar {
+
+class World {
+  public:
+    World();
+    ~World();
+    World(const World&) = delete;
+    World& operator=(const World&) = delete;
+
+    // Lookups: nullptr when the handle is not a live entity of that kind. Safe for any integer.
+    Kind kindOf(Handle h) const;
+    Group* group(Handle h) const { return get<Group>(h, Kind::Group); }
+    Polygon* polygon(Handle h) const { return get<Polygon>(h, Kind::Polygon); }
+    Camera* camera(Handle h) const { return get<Camera>(h, Kind::Camera); }
+    Light* light(Handle h) const { return get<Light>(h, Kind::Light); }
+    Track* track(Handle h) const { return get<Track>(h, Kind::Track); }
+    Background* background(Handle h) const { return get<Background>(h, Kind::Background); }
+    Bitmap* bitmap(Handle h) const { return get<Bitmap>(h, Kind::Bitmap); }
+    Animation* animation(Handle h) const { return get<Animation>(h, Kind::Animation); }
+    // A point: its polygon and index in the ring, or nullptr.
+    PointData* point(Handle h, Polygon** owner = nullptr, uint32_t* index = nullptr) const;
+
+    // Creation: the new entity is live and has a fresh handle.
+    Group* createGroup(const std::string& name);
+    Polygon* createPolygon();
+    PointData& addPoint(Polygon& p, const PointData& data, bool atHead = false);
+    void deletePoint(Polygon& p, uint32_t index);
+    Camera* createCamera(const std::string& name);
+    Light* createLight(const std::string& name);
+    Track* createTrack(const std::string& name);
+    Background* createBackground(const std::string& name);
+    Bitmap* createBitmap(const std::string& name);
+    Animation* createAnimation(const std::string& name);
+
+    // Destruction: the handle dies; the kinds with children take them along.
+    void destroyGroupTree(Group& g); // group, child groups, their polygons and points
+    void destroyPolygon(Polygon& p);
+    void destroyCamera(Camera& c);
+    void destroyLight(Light& l);
+    void destroyTrack(Track& t);
+    void destroyBackground(Background& b);
+    void destroyBitmap(Bitmap& b);
+    void destroyAnimation(Animation& a);
+    void clear(); // empties the world; handles keep counting
+
+    // Hierarchy.
+    void setFather(Group& g, Group* father);                 // refuses cycles (returns silently)
+    bool isIncludedIn(const Group& a, const Group& b) const; // a strictly below b
+    void setPolygonGroup(Polygon& p, Group* g);
+    static Group* nextInSubtree(const Group* g, const Group* root); // pre-order, nullptr at the end
+
+    // Ordered walks (creation order).
+    Group* firstGroup() const { return groupsHead_; }
+    Polygon* firstPolygon() const { return polygonsHead_; }
+
+    template <class T> const std::vector<T*>& list() const;
+    // The entity after x in its kind's list, or nullptr: O(1).
+    template <class T> T* nextOf(const T& x) const {
+        const auto& v = list<T>();
+        return x.listPos + 1 < v.size() ? v[x.listPos + 1] : nullptr;
+    }
+    size_t groupCount() const { return groupCount_; }
+    size_t polygonCount() const { return polygonCount_; }
+    bool empty() const;
+
+    // Names are how entities are found again after a load.
+    Group* groupByName(const std::string& name) const;
+
+    // Bumped on any change of geometry, fills or the tree; render and pick caches compare against it.
+    uint64_t generation = 0;
+    void touch() { ++generation; }
+
+  private:
+    struct Slot {
+        void* ptr = nullptr;
+        uint32_t index = 0; // points: index in the polygon ring
+        Kind kind = Kind::None;
+    };
+    template <class T> T* get(Handle h, Kind k) const {
+        if (h <= 0 || static_cast<size_t>(h) >= slots_.size()) return nullptr;
+        const Slot& s = slots_[h];
+        return s.kind == k ? static_cast<T*>(s.ptr) : nullptr;
+    }
+    Handle issue(Kind k, void* ptr, uint32_t index = 0);
+    void retire(Handle h);
+    void unlinkFromFather(Group& g);
+    void reindexPoints(Polygon& p, uint32_t from);
+
+    std::vector<Slot> slots_;
+    Group* groupsHead_ = nullptr;
+    Group* groupsTail_ = nullptr;
+    Polygon* polygonsHead_ = nullptr;
+    Polygon* polygonsTail_ = nullptr;
+    size_t groupCount_ = 0, polygonCount_ = 0;
+
+    // Small families: vectors of owned pointers in creation order.
+    std::vector<Camera*> camerasV_;
+    std::vector<Light*> lights_;
+    std::vector<Track*> tracks_;
+    std::vector<Background*> backgrounds_;
+    std::vector<Bitmap*> bitmaps_;
+    std::vector<Animation*> animations_;
+
+    template <class T> void eraseFrom(std::vector<T*>& v, T* x);
+};
+
+template <> inline const std::vector<Camera*>& World::list<Camera>() const {
+    return camerasV_;
+}
+template <> inline const std::vector<Light*>& World::list<Light>() const {
+    return lights_;
+}
+template <> inline const std::vector<Track*>& World::list<Track>() const {
+    return tracks_;
+}
+template <> inline const std::vector<Background*>& World::list<Background>() const {
+    return backgrounds_;
+}
+template <> inline const std::vector<Bitmap*>& World::list<Bitmap>() const {
+    return bitmaps_;
+}
+template <> inline const std::vector<Animation*>& World::list<Animation>() const {
+    return animations_;
+}
+
+// The engine's single world (the C API is process-wide).
+World& world();
+
+} // namespace zelmar
