@@ -120,7 +120,9 @@ struct Camera {
     uint32_t listPos = 0; // position in the world's list of its kind, for O(1) walks
     std::string name;
     double location[3] = {0, 0, 0};
-    double axis[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}; // rows: x (right), y (up), z (view direction)
+    // Rows: x = viewing direction, y = left, z = up (right-handed, world up is +z). The viewport
+    // navigator rolls with rotate_x, pans along y (horizontal) and z (vertical).
+    double axis[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
     double zoom = 60.0;                                    // field of view in degrees
     double distanceFromEye = 1.0;
     bool perspective = true;
