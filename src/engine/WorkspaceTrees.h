@@ -1,0 +1,93 @@
+// The workspace trees (spec Part 2.4): trwGroupView (groups and their polygons), trwCamTrackBK (cameras,
+// tracks, backgrounds) and trwLight (lights). Views of the engine, filled again after each load; single
+// changes update single nodes. A node's key is kept in Qt::UserRole, its image name in ImageRole.
+#pragma once
+#include <QIcon>
+#include <QString>
+#include <QTreeWidget>
+
+namespace vexil {
+
+class WorldDocument;
+
+// Images of the trees, drawn in code: "Folder", "Group", "Group Invisible", "Pol", "Cam", "Track",
+// "Background", "Light".
+QIcon TreeImage(const QString& name);
+
+// Common base: keys, images, texts.
+class WorkspaceTree : public QTreeWidget {
+    Q_OBJECT
+public:
+    static constexpr int KeyRole = Qt::UserRole;
+    static constexpr int ImageRole = Qt::UserRole + 1;
+
+    explicit WorkspaceTree(QWidget* parent = nullptr);
+    void SetDocument(WorldDocument* doc) { m_doc = doc; }
+    WorldDocument* Document() const { return m_doc; }
+
+    // Adds a node under the node of key `parentKey` (a top-level node for an empty parent key).
+    QTreeWidgetItem* AddNode(const QString& parentKey, const QString& key, const QString& text, const QString& image);
+    QTreeWidgetItem* Node(const QString& key) const;
+    void RemoveNode(const QString& key);
+    bool SetNodeText(const QString& key, const QString& text);
+    void SetNodeImage(QTreeWidgetItem* node, const QString& image);
+    static QString NodeKey(const QTreeWidgetItem* node);
+    static QString NodeImage(const QTreeWidgetItem* node);
+    // All keys in tree order (tests, diagnostics).
+    QStringList Keys() const;
+    // Collapses a node and its children (trw..._Collapse).
+    void CollapseNode(QTreeWidgetItem* node);
+
+protected:
+    WorldDocument* m_doc = nullptr;
+};
+
+class trwGroupView : public WorkspaceTree {
+    Q_OBJECT
+public:
+    explicit trwGroupView(QWidget* parent = nullptr);
+
+    void trwGroupViewInitialSetup();  // the design-time sample nodes
+    void trwGroupView_Reset();         // empty but for "WORLD"
+    void trwGroupView_Populate();
+    void trwGroupView_PopulateRecursive(int group, const QString& fatherKey);
+    void trwGroupView_PopulateWithPolygons(int group);
+    // Label edit finished (in place or programmatic): returns false when refused (cancel).
+    bool trwGroupView_AfterLabelEdit(QTreeWidgetItem* node, const QString& newText);
+    void trwGroupView_NodeClick(QTreeWidgetItem* node);
+    // The node image of a hidden or shown group ("Group Invisible" / "Group").
+    void GroupHide(int group);
+    void GroupUnhide(int group);
+
+signals:
+    void nodeClicked(const QString& key);
+
+private:
+    void onItemChanged(QTreeWidgetItem* item, int column);
+    void onItemClicked(QTreeWidgetItem* item, int column);
+    bool m_filling = false;
+};
+
+class trwCamTrackBK : public WorkspaceTree {
+    Q_OBJECT
+public:
+    explicit trwCamTrackBK(QWidget* parent = nullptr);
+    void trwCamTrackBKInitialSetup();
+    void trwCamTrackBK_Reset();  // the three folders only
+    void trwCamTrackBK_Populate();
+    void trwCamTrackBK_Collapse(QTreeWidgetItem* node) { CollapseNode(node); }
+    // Node 1, 2, 3 of the spec: the folders "CAMERA", "TRACK", "BACKGROUND".
+    QTreeWidgetItem* FolderNode(int index) const;
+};
+
+class trwLight : public WorkspaceTree {
+    Q_OBJECT
+public:
+    explicit trwLight(QWidget* parent = nullptr);
+    void trwLight_Reset();  // the folder "LIGHT" only
+    void trwLight_Populate();
+    void trwLight_Collapse(QTreeWidgetItem* node) { CollapseNode(node); }
+    QTreeWidgetItem* FolderNode() const;
+};
+
+} // namespace vexil
