@@ -15,6 +15,9 @@ namespace vexil {
 constexpr int VkLButton = 0x01000000 + 0x7f01; // outside Qt's key range
 constexpr int VkRButton = 0x01000000 + 0x7f02;
 constexpr int VkMButton = 0x01000000 + 0x7f03;
+// The numeric pad's + and - (Qt::Key_Plus / Key_Minus with Qt::KeypadModifier).
+constexpr int VkAdd = 0x2b | 0x20000000;
+constexpr int VkSubtract = 0x2d | 0x20000000;
 
 class InputState {
 public:
