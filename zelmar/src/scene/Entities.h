@@ -139,7 +139,8 @@ struct Camera {
     double trackOffset[3] = {0, 0, 0};
     int32_t nextPointOnTrack = 0;
     double speed = 0, absoluteSpeed = 0, maxSpeed = 0;
-    double force = 0, friction = 0, elasticity = 0;
+    double force[3] = {0, 0, 0}; // physics force: direction times magnitude
+    double friction = 0, elasticity = 0;
     double focus = 0;
 };
 
@@ -149,15 +150,21 @@ struct Light {
     std::string name;
     double location[3] = {0, 0, 0};
     double direction[3] = {0, 0, -1};
-    double color[3] = {255, 255, 255};
-    double ambient = 0, diffuse = 0, specular = 0, specularShining = 0;
-    int32_t type = 0; // bit set of light type and decay
-    double distanceReach = 0;
+    double color[3] = {255, 255, 255}; // 0..255
+    double ambient = 0.1, diffuse = 1.0, specular = 0.5, specularShining = 10;
+    int32_t type = 58;        // bits: 1 directional, 2 linear decay, 4 square decay, 8/16/32 lighting terms
+    double distanceReach = 0; // 0 or less: unlimited
     Handle entityToLight = 0; // 0 = the whole world
     int32_t rayTracing = 0;
     int32_t activateBeforeRender = 0;
     bool disabled = false;
     int32_t saveFlag = 0;
+    // Lights relight the world only once activated; a change after that waits for the
+    // next activation unless activateBeforeRender is set. Not saved.
+    bool activated = false;
+    int32_t activationMode = 0;
+    uint32_t version = 0;          // bumped on any change
+    uint32_t activatedVersion = 0; // version at the last activation
 };
 
 struct Track {
@@ -172,8 +179,8 @@ struct Track {
 struct Bitmap {
     Handle handle = 0;
     uint32_t listPos = 0; // position in the world's list of its kind, for O(1) walks
-    std::string name;     // file name without folder
-    std::string path;     // where it was loaded from
+    std::string name;     // file name without folder and extension
+    std::string path;     // where it was loaded from (absolute), empty for generated bitmaps
     int32_t width = 0, height = 0;
     std::vector<uint8_t> rgba;    // width * height * 4
     std::vector<uint8_t> indices; // palette indices when the source was paletted, else empty
@@ -196,10 +203,13 @@ struct Animation {
     Handle handle = 0;
     uint32_t listPos = 0; // position in the world's list of its kind, for O(1) walks
     std::string name;
-    int32_t viewDirections = 1;
-    std::vector<Handle> bitmaps;             // frames x view directions
-    std::vector<int32_t> frameTimes;         // milliseconds per frame
-    std::vector<int32_t> transparentIndices; // per bitmap
+    struct Frame {
+        Handle bitmap = 0;
+        int32_t time = 10;             // hundredths of a second
+        int32_t transparentIndex = -1; // the bitmap's at the time it was added
+    };
+    static constexpr int kViewDirections = 5; // front, front sided, side, back sided, back
+    std::vector<Frame> frames[kViewDirections];
     int32_t saveFlag = 0;
 };
 
