@@ -27,25 +27,25 @@ using IntPoint = std::vector<std::int32_t>;
 using Plane = std::vector<double>;
 
 // Constants as written in the original.
-constexpr double Pi = 3.14159265358979;             // degree conversion (angleBetVectors, RotatePointXY)
-constexpr double PiXY = 3.14159265359;              // AngleFromXY
+constexpr double Pi = 3.14159265358979;              // degree conversion (angleBetVectors, RotatePointXY)
+constexpr double PiXY = 3.14159265359;               // AngleFromXY
 constexpr double ThreeHalfTurns = 9.424777960770001; // three half-turns, AngleFromXY
 
 // ---- Vectors ----
-void VectorCopy(Vector& dest, const Vector& src);                        // elements 0..2
+void VectorCopy(Vector& dest, const Vector& src); // elements 0..2
 void VectorFromValues(Vector& dest, double x, double y, double z);
-void VectorAdd(const Vector& a, const Vector& b, Vector& dest);          // dest may be a or b
-void VectorFromTo(const Vector& from, const Vector& to, Vector& dest);   // dest := to - from
+void VectorAdd(const Vector& a, const Vector& b, Vector& dest);        // dest may be a or b
+void VectorFromTo(const Vector& from, const Vector& to, Vector& dest); // dest := to - from
 void VectorScale(const Vector& src, double factor, Vector& dest);
-void VectorNormalize(const Vector& src, Vector& dest);                   // zero length: division failure
-void VectorNegate(Vector& v);                                            // in place
+void VectorNormalize(const Vector& src, Vector& dest); // zero length: division failure
+void VectorNegate(Vector& v);                          // in place
 double VectorLength(const Vector& v);
 double VectorDot(const Vector& a, const Vector& b);
-void VectorCross(const Vector& a, const Vector& b, Vector& dest);        // dest := a x b
-double DistanceSquared(const Vector& a, const Vector& b);                // always three elements
-double Distance(const Vector& a, const Vector& b);                       // indices 0..size(a)-1
-double DistanceInt(const IntPoint& a, const IntPoint& b);                // indices 0..size(a)-1
-bool SameLocation(const Vector& a, const Vector& b);                     // rounded to 6 decimals, half to even
+void VectorCross(const Vector& a, const Vector& b, Vector& dest); // dest := a x b
+double DistanceSquared(const Vector& a, const Vector& b);         // always three elements
+double Distance(const Vector& a, const Vector& b);                // indices 0..size(a)-1
+double DistanceInt(const IntPoint& a, const IntPoint& b);         // indices 0..size(a)-1
+bool SameLocation(const Vector& a, const Vector& b);              // rounded to 6 decimals, half to even
 // Copies src[0..] into dest without resizing dest. If dest is shorter, the elements that
 // fit are copied, the log gets the failure (type 1), and nothing is raised.
 void CopyLinearArray(Vector& dest, const Vector& src);
@@ -55,7 +55,7 @@ void CopyLinearArray(Vector& dest, const Vector& src);
 double AngleFromXY(double x, double y);
 // Degrees in 0..180. A zero vector: the log gets "angleBetVectors: invalid vector", result 0.
 double angleBetVectors(const Vector& a, const Vector& b);
-double angleBetVectors2D(const Vector& a, const Vector& b);              // 90 - angleBetVectors
+double angleBetVectors2D(const Vector& a, const Vector& b); // 90 - angleBetVectors
 void RotatePointXY(double x, double y, double degrees, double& outX, double& outY);
 // Rotates elements 0 and 1 of point about centre; element 2 is point's. dest may be point.
 void RotatePointAbout(const Vector& point, const Vector& centre, double degrees, Vector& dest);

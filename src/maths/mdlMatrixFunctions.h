@@ -12,9 +12,9 @@
 namespace mdlMatrixFunctions {
 
 class Matrix {
-public:
+  public:
     Matrix() = default; // undimensioned: no elements, bounds raise ErrSubscript
-    Matrix(int upper1, int upper2) { redim(0, upper1, 0, upper2); }          // 0..upper1 x 0..upper2
+    Matrix(int upper1, int upper2) { redim(0, upper1, 0, upper2); } // 0..upper1 x 0..upper2
     Matrix(int lower1, int upper1, int lower2, int upper2) { redim(lower1, upper1, lower2, upper2); }
 
     // ReDim: new bounds, every element 0. An upper bound below its lower bound raises ErrSubscript.
@@ -31,7 +31,7 @@ public:
 
     bool operator==(const Matrix&) const = default;
 
-private:
+  private:
     std::size_t index(int i, int j) const {
         if (i < lb1_ || i > ub1_ || j < lb2_ || j > ub2_) raiseSubscript();
         return static_cast<std::size_t>(i - lb1_) * static_cast<std::size_t>(ub2_ - lb2_ + 1) +
