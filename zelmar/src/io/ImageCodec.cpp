@@ -1,0 +1,375 @@
+#include "io/ImageCodec.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <unistd.h>
+#include <unordered_map>
+
+// stb is compiled here, privately (static functions), so that no other object of the
+// engine can clash with it.
+#define STB_IMAGE_STATIC
+#define STB_IMAGE_IMPLEMENTATION
+#define STBI_ONLY_BMP
+#define STBI_ONLY_JPEG
+#define STBI_NO_STDIO
+#define STBI_MAX_DIMENSIONS 16384
+#define STB_IMAGE_WRITE_STATIC
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#define STBI_WRITE_NO_STDIO
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wunused-function"
+#pragma GCC diagnostic ignored "-Wunused-parameter"
+#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
+#pragma GCC diagnostic ignored "-Wsign-compare"
+#pragma GCC diagnostic ignored "-Wunused-but-set-variable"
+#include <stb_image.h>
+#include <stb_image_write.h>
+#pragma GCC diagnostic pop
+
+namespace zelmar::image {
+namespace {
+
+constexpr size_t kMaxFileBytes = size_t(1) << 30;
+
+uint32_t le16(const uint8_t* p) {
+    return uint32_t(p[0]) | uint32_t(p[1]) << 8;
+}
+uint32_t le32(const uint8_t* p) {
+    return le16(p) | le16(p + 2) << 16;
+}
+void put16(std::vector<uint8_t>& v, uint32_t x) {
+    v.push_back(uint8_t(x)), v.push_back(uint8_t(x >> 8));
+}
+void put32(std::vector<uint8_t>& v, uint32_t x) {
+    put16(v, x & 0xffff), put16(v, x >> 16);
+}
+
+std::string lower(std::string s) {
+    for (char& c : s)
+        c = char(std::tolower(static_cast<unsigned char>(c)));
+    return s;
+}
+
+// The colour table of a 1-, 4- or 8-bit .bmp, read from its header; empty for any other
+// kind. stb decodes the pixels; this only recovers what the file called each colour.
+std::vector<uint8_t> bmpPalette(const uint8_t* data, size_t size) {
+    std::vector<uint8_t> pal;
+    if (size < 26 || data[0] != 'B' || data[1] != 'M') return pal;
+    const uint32_t headerSize = le32(data + 14);
+    uint32_t bpp = 0, used = 0, entryBytes = 4;
+    if (headerSize == 12) {
+        bpp = le16(data + 24);
+        entryBytes = 3;
+    } else if (headerSize >= 40 && size >= 50) {
+        bpp = le16(data + 28);
+        used = le32(data + 46);
+    } else {
+        return pal;
+    }
+    if (bpp != 1 && bpp != 4 && bpp != 8) return pal;
+    uint32_t count = used ? used : (1u << bpp);
+    count = std::min<uint32_t>(count, 1u << bpp);
+    const size_t start = 14 + size_t(headerSize);
+    if (start >= size) return pal;
+    count = uint32_t(std::min<size_t>(count, (size - start) / entryBytes));
+    for (uint32_t i = 0; i < count; ++i) {
+        const uint8_t* e = data + start + size_t(i) * entryBytes;
+        pal.push_back(e[2]), pal.push_back(e[1]), pal.push_back(e[0]);
+    }
+    return pal;
+}
+
+// Gives each pixel the first palette entry of its colour. False if a pixel has a colour
+// the palette lacks, in which case the image is treated as true colour.
+bool indexPixels(Image& img) {
+    std::unordered_map<uint32_t, uint8_t> lookup;
+    for (int i = img.paletteSize() - 1; i >= 0; --i) {
+        const uint8_t* p = &img.palette[size_t(i) * 3];
+        lookup[uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16] = uint8_t(i);
+    }
+    const size_t n = size_t(img.width) * size_t(img.height);
+    img.indices.resize(n);
+    for (size_t i = 0; i < n; ++i) {
+        const uint8_t* p = &img.rgba[i * 4];
+        auto it = lookup.find(uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16);
+        if (it == lookup.end()) return false;
+        img.indices[i] = it->second;
+    }
+    return true;
+}
+
+void appendBytes(void* context, void* data, int size) {
+    auto* out = static_cast<std::vector<uint8_t>*>(context);
+    const auto* bytes = static_cast<const uint8_t*>(data);
+    out->insert(out->end(), bytes, bytes + size);
+}
+
+bool checkImage(const Image& img, std::string& error) {
+    if (img.width <= 0 || img.height <= 0 || img.width > kMaxDimension || img.height > kMaxDimension) {
+        error = "image size " + std::to_string(img.width) + " x " + std::to_string(img.height) +
+                " is not writable";
+        return false;
+    }
+    if (img.rgba.size() != size_t(img.width) * size_t(img.height) * 4) {
+        error = "image pixel buffer does not match its size";
+        return false;
+    }
+    return true;
+}
+
+std::vector<uint8_t> toRgb(const Image& img) {
+    const size_t n = size_t(img.width) * size_t(img.height);
+    std::vector<uint8_t> rgb(n * 3);
+    for (size_t i = 0; i < n; ++i)
+        std::memcpy(&rgb[i * 3], &img.rgba[i * 4], 3);
+    return rgb;
+}
+
+// A hand-built 8-bit .bmp: stb writes only 24 and 32 bits, and a paletted source must
+// keep its indices for transparent indices to survive a save.
+void writeBmp8(const Image& img, std::vector<uint8_t>& out) {
+    const uint32_t colours = uint32_t(img.paletteSize());
+    const uint32_t stride = (uint32_t(img.width) + 3) & ~3u;
+    const uint32_t offset = 14 + 40 + colours * 4;
+    const uint32_t imageBytes = stride * uint32_t(img.height);
+    out.clear();
+    out.reserve(offset + imageBytes);
+    out.push_back('B'), out.push_back('M');
+    put32(out, offset + imageBytes);
+    put32(out, 0);
+    put32(out, offset);
+    put32(out, 40);
+    put32(out, uint32_t(img.width));
+    put32(out, uint32_t(img.height)); // positive: rows bottom to top
+    put16(out, 1);
+    put16(out, 8);
+    put32(out, 0); // no compression
+    put32(out, imageBytes);
+    put32(out, 2835), put32(out, 2835); // 72 dpi
+    put32(out, colours);
+    put32(out, 0);
+    for (uint32_t i = 0; i < colours; ++i) {
+        const uint8_t* p = &img.palette[size_t(i) * 3];
+        out.push_back(p[2]), out.push_back(p[1]), out.push_back(p[0]), out.push_back(0);
+    }
+    for (int y = img.height - 1; y >= 0; --y) {
+        const uint8_t* row = &img.indices[size_t(y) * size_t(img.width)];
+        out.insert(out.end(), row, row + img.width);
+        out.insert(out.end(), stride - uint32_t(img.width), 0);
+    }
+}
+
+} // namespace
+
+Format sniff(const uint8_t* data, size_t size) {
+    if (!data) return Format::Unknown;
+    if (size >= 2 && data[0] == 'B' && data[1] == 'M') return Format::Bmp;
+    if (size >= 3 && data[0] == 0xFF && data[1] == 0xD8 && data[2] == 0xFF) return Format::Jpeg;
+    return Format::Unknown;
+}
+
+Format formatForPath(const std::string& path) {
+    const std::string ext = lower(std::filesystem::path(path).extension().string());
+    if (ext == ".bmp") return Format::Bmp;
+    if (ext == ".jpg" || ext == ".jpeg") return Format::Jpeg;
+    return Format::Unknown;
+}
+
+bool decodeMemory(const uint8_t* data, size_t size, Image& out, std::string& error) {
+    out = Image{};
+    const Format f = sniff(data, size);
+    if (f == Format::Unknown) {
+        error = "not a .bmp or .jpg image";
+        return false;
+    }
+    if (size > size_t(INT32_MAX)) {
+        error = "image data too large";
+        return false;
+    }
+    int w = 0, h = 0, comp = 0;
+    if (!stbi_info_from_memory(data, int(size), &w, &h, &comp)) {
+        error = std::string("cannot decode image: ") + stbi_failure_reason();
+        return false;
+    }
+    if (w <= 0 || h <= 0 || w > kMaxDimension || h > kMaxDimension) {
+        error = "image size " + std::to_string(w) + " x " + std::to_string(h) + " is out of range";
+        return false;
+    }
+    stbi_uc* pixels = stbi_load_from_memory(data, int(size), &w, &h, &comp, 4);
+    if (!pixels) {
+        error = std::string("cannot decode image: ") + stbi_failure_reason();
+        return false;
+    }
+    out.width = w;
+    out.height = h;
+    out.rgba.assign(pixels, pixels + size_t(w) * size_t(h) * 4);
+    stbi_image_free(pixels);
+    for (size_t i = 3; i < out.rgba.size(); i += 4)
+        out.rgba[i] = 255;
+    if (f == Format::Bmp) {
+        out.palette = bmpPalette(data, size);
+        if (!out.palette.empty() && !indexPixels(out)) {
+            out.palette.clear();
+            out.indices.clear();
+        }
+    }
+    return true;
+}
+
+bool readFile(const std::string& path, std::vector<uint8_t>& out, std::string& error) {
+    out.clear();
+    std::error_code ec;
+    if (path.empty()) {
+        error = "no file name given";
+        return false;
+    }
+    if (!std::filesystem::is_regular_file(path, ec)) {
+        error = "file not found: " + path;
+        return false;
+    }
+    const auto size = std::filesystem::file_size(path, ec);
+    if (ec || size > kMaxFileBytes) {
+        error = ec ? "cannot read " + path + ": " + ec.message() : "file too large: " + path;
+        return false;
+    }
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        error = "cannot open " + path + ": " + std::strerror(errno);
+        return false;
+    }
+    out.resize(size_t(size));
+    if (size && !in.read(reinterpret_cast<char*>(out.data()), std::streamsize(size))) {
+        error = "cannot read " + path;
+        out.clear();
+        return false;
+    }
+    return true;
+}
+
+bool decodeFile(const std::string& path, Image& out, std::string& error) {
+    std::vector<uint8_t> bytes;
+    if (!readFile(path, bytes, error)) return false;
+    if (!decodeMemory(bytes.data(), bytes.size(), out, error)) {
+        error = path + ": " + error;
+        return false;
+    }
+    return true;
+}
+
+bool encodeBmp(const Image& img, std::vector<uint8_t>& out, std::string& error) {
+    if (!checkImage(img, error)) return false;
+    out.clear();
+    const bool paletted = img.paletted() && img.indices.size() == img.rgba.size() / 4 &&
+                          img.paletteSize() > 0 && img.paletteSize() <= 256;
+    if (paletted) {
+        writeBmp8(img, out);
+        return true;
+    }
+    const std::vector<uint8_t> rgb = toRgb(img);
+    if (!stbi_write_bmp_to_func(appendBytes, &out, img.width, img.height, 3, rgb.data())) {
+        error = "cannot encode .bmp";
+        return false;
+    }
+    return true;
+}
+
+bool encodeJpeg(const Image& img, int quality, std::vector<uint8_t>& out, std::string& error) {
+    if (!checkImage(img, error)) return false;
+    out.clear();
+    const std::vector<uint8_t> rgb = toRgb(img);
+    if (!stbi_write_jpg_to_func(appendBytes, &out, img.width, img.height, 3, rgb.data(),
+                                std::clamp(quality, 1, 100))) {
+        error = "cannot encode .jpg";
+        return false;
+    }
+    return true;
+}
+
+bool encodeFile(const Image& img, const std::string& path, std::string& error, int jpegQuality) {
+    std::vector<uint8_t> bytes;
+    switch (formatForPath(path)) {
+    case Format::Bmp:
+        if (!encodeBmp(img, bytes, error)) return false;
+        break;
+    case Format::Jpeg:
+        if (!encodeJpeg(img, jpegQuality, bytes, error)) return false;
+        break;
+    default:
+        error = "unsupported image file type (only .bmp and .jpg): " + path;
+        return false;
+    }
+    const std::string scratch = path + ".part" + std::to_string(::getpid());
+    {
+        std::ofstream o(scratch, std::ios::binary | std::ios::trunc);
+        if (!o) {
+            error = "cannot write " + path + ": " + std::strerror(errno);
+            return false;
+        }
+        o.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+        o.flush();
+        if (!o) {
+            error = "cannot write " + path;
+            o.close();
+            std::remove(scratch.c_str());
+            return false;
+        }
+    }
+    std::error_code ec;
+    std::filesystem::rename(scratch, path, ec);
+    if (ec) {
+        error = "cannot write " + path + ": " + ec.message();
+        std::remove(scratch.c_str());
+        return false;
+    }
+    return true;
+}
+
+Image resample(const Image& img, int width, int height) {
+    Image r;
+    if (width <= 0 || height <= 0 || img.width <= 0 || img.height <= 0) return r;
+    r.width = width;
+    r.height = height;
+    r.rgba.resize(size_t(width) * size_t(height) * 4);
+    const bool paletted = img.paletted();
+    if (paletted) {
+        r.palette = img.palette;
+        r.indices.resize(size_t(width) * size_t(height));
+    }
+    const double kx = double(img.width) / width, ky = double(img.height) / height;
+    for (int y = 0; y < height; ++y) {
+        const double fy = std::clamp((y + 0.5) * ky - 0.5, 0.0, double(img.height - 1));
+        const int y0 = int(fy), y1 = std::min(y0 + 1, img.height - 1);
+        const double ty = fy - y0;
+        for (int x = 0; x < width; ++x) {
+            const double fx = std::clamp((x + 0.5) * kx - 0.5, 0.0, double(img.width - 1));
+            const int x0 = int(fx), x1 = std::min(x0 + 1, img.width - 1);
+            const double tx = fx - x0;
+            const size_t o = (size_t(y) * size_t(width) + size_t(x));
+            if (paletted) {
+                // Indices cannot be blended: nearest source pixel, and its colour with it.
+                const int sx = std::min(int((x + 0.5) * kx), img.width - 1);
+                const int sy = std::min(int((y + 0.5) * ky), img.height - 1);
+                const size_t s = size_t(sy) * size_t(img.width) + size_t(sx);
+                r.indices[o] = img.indices[s];
+                std::memcpy(&r.rgba[o * 4], &img.rgba[s * 4], 4);
+                continue;
+            }
+            auto at = [&](int xx, int yy, int c) {
+                return double(img.rgba[(size_t(yy) * size_t(img.width) + size_t(xx)) * 4 + size_t(c)]);
+            };
+            for (int c = 0; c < 4; ++c) {
+                const double top = at(x0, y0, c) * (1 - tx) + at(x1, y0, c) * tx;
+                const double bottom = at(x0, y1, c) * (1 - tx) + at(x1, y1, c) * tx;
+                r.rgba[o * 4 + size_t(c)] =
+                    uint8_t(std::lround(std::clamp(top * (1 - ty) + bottom * ty, 0.0, 255.0)));
+            }
+        }
+    }
+    return r;
+}
+
+} // namespace zelmar::image
