@@ -197,9 +197,12 @@ double focalPixels(const Camera& c, int width) {
 }
 
 namespace {
-// Pixels per world unit of a parallel camera, horizontally and vertically.
+// Pixels per world unit of a parallel camera, horizontally and vertically. Without a
+// stored width the view is as wide as the field of view at the projection plane.
 void parallelScale(const Camera& c, int width, int height, double& sx, double& sy) {
-    const double w = c.parallelWidth > 0 ? c.parallelWidth : 1.0;
+    double w = c.parallelWidth;
+    if (!(w > 0)) w = 2.0 * c.distanceFromEye * std::tan(0.5 * c.zoom * kDeg);
+    if (!(w > 0)) w = 1.0;
     sx = width / w;
     sy = c.parallelHeight > 0 ? height / c.parallelHeight : sx;
 }

@@ -52,7 +52,8 @@ double focalPixels(const Camera& c, int width);
 // distance ahead of the eye along the view direction. False when the point is not in
 // front of the projection plane (depth below distanceFromEye) for perspective cameras.
 // Parallel cameras map parallelWidth (and parallelHeight, or the same scale when 0)
-// onto the target and answer for any depth.
+// onto the target (without a width: the field of view at the projection plane) and
+// answer for any depth.
 bool project(const Camera& c, int width, int height, const double world[3], double& sx, double& sy,
              double& depth);
 

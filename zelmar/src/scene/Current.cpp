@@ -6,6 +6,7 @@ namespace zelmar {
 namespace {
 Handle g_camera = 0;
 Handle g_background = 0;
+int g_normalsAutomatically = 0;
 } // namespace
 
 Camera* currentCamera() {
@@ -22,6 +23,14 @@ Background* activeBackground() {
 
 void setActiveBackground(Handle background) {
     if (background == 0 || world().background(background)) g_background = background;
+}
+
+int lightNormalsAutomatically() {
+    return g_normalsAutomatically;
+}
+
+void setLightNormalsAutomatically(int value) {
+    g_normalsAutomatically = value;
 }
 
 } // namespace zelmar

@@ -1,4 +1,4 @@
-// The world's current camera and active background. Stored as handles and checked on
+// The world's current camera, active background and light settings. Stored as handles and checked on
 // every read, so a deleted entity simply reads as none.
 #pragma once
 #include "scene/Entities.h"
@@ -10,5 +10,9 @@ void setCurrentCamera(Handle camera); // 0 clears; any other non-camera handle i
 
 Background* activeBackground();
 void setActiveBackground(Handle background); // 0 clears
+
+// The value given to light_calcualte_vertices_normals_automatically (0 until called).
+int lightNormalsAutomatically();
+void setLightNormalsAutomatically(int value);
 
 } // namespace zelmar
