@@ -37,6 +37,7 @@ public:
     QStringList Keys() const;
     // Collapses a node and its children (trw..._Collapse).
     void CollapseNode(QTreeWidgetItem* node);
+    QTreeWidgetItem* ItemForIndex(const QModelIndex& index) const { return itemFromIndex(index); }
 
 protected:
     WorldDocument* m_doc = nullptr;
@@ -63,9 +64,7 @@ signals:
     void nodeClicked(const QString& key);
 
 private:
-    void onItemChanged(QTreeWidgetItem* item, int column);
-    void onItemClicked(QTreeWidgetItem* item, int column);
-    bool m_filling = false;
+    void addGroupNode(int group, const QString& fatherKey, const QString& name);
 };
 
 class trwCamTrackBK : public WorkspaceTree {

@@ -115,6 +115,7 @@ private:
     trwCamTrackBK* m_camTree = nullptr;
     trwLight* m_lightTree = nullptr;
     bool m_busy = false;
+    bool m_addRefused = false;
     QString m_appFolder;
     QString m_programFolder;
 };

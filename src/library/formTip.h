@@ -41,6 +41,7 @@ public:
 
 private:
     QString m_file;
+    QLabel* m_heading = nullptr;
 };
 
 } // namespace vexil
