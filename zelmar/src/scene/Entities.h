@@ -97,7 +97,14 @@ struct Group {
     bool loadAsDisabled = false;
     bool isStatic = true;
     double referencePoint[3] = {0, 0, 0};                  // rotate reference point, world space
+    bool referencePointSet = false;                        // until set, the reference point is the location
+    double emptyLocation[3] = {0, 0, 0};                   // location while the subtree has no points
     double axis[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}; // group's own axis system (rows x, y, z)
+    // Boxes of the subtree's points (not saved), valid while boundsGeneration == World::generation.
+    mutable uint64_t boundsGeneration = UINT64_MAX;
+    mutable bool boundsEmpty = true;
+    mutable double orientedMin[3] = {0, 0, 0}, orientedMax[3] = {0, 0, 0}; // along the axis rows
+    mutable double worldMin[3] = {0, 0, 0}, worldMax[3] = {0, 0, 0};
     // Behaviour parameters kept for the player.
     int32_t chaseType = 0;
     std::string chasedName;
@@ -123,7 +130,7 @@ struct Camera {
     // Rows: x = viewing direction, y = left, z = up (right-handed, world up is +z). The viewport
     // navigator rolls with rotate_x, pans along y (horizontal) and z (vertical).
     double axis[3][3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
-    double zoom = 60.0;                                    // field of view in degrees
+    double zoom = 60.0; // field of view in degrees
     double distanceFromEye = 1.0;
     bool perspective = true;
     double parallelWidth = 0, parallelHeight = 0;

@@ -73,6 +73,7 @@ Group* World::createGroup(const std::string& name) {
 
 Polygon* World::createPolygon() {
     auto* p = new Polygon();
+    p->points.reserve(4); // the common quad needs no further allocation
     p->handle = issue(Kind::Polygon, p);
     p->prevInWorld = polygonsTail_;
     (polygonsTail_ ? polygonsTail_->nextInWorld : polygonsHead_) = p;
@@ -190,16 +191,33 @@ bool World::isIncludedIn(const Group& a, const Group& b) const {
     return false;
 }
 
-void World::setFather(Group& g, Group* father) {
-    if (father == &g || (father && isIncludedIn(*father, g))) return; // would make a cycle
+bool World::setFather(Group& g, Group* father) {
+    if (father == &g || (father && isIncludedIn(*father, g))) return false; // would make a cycle
+    if (g.father) ++g.father->version;
     unlinkFromFather(g);
     if (father) {
         g.father = father;
         g.prevSibling = father->lastChild;
         (father->lastChild ? father->lastChild->nextSibling : father->firstChild) = &g;
         father->lastChild = &g;
+        ++father->version;
     }
+    ++g.version;
     touch();
+    return true;
+}
+
+Group* World::topOf(Group* g) {
+    while (g && g->father)
+        g = g->father;
+    return g;
+}
+
+void World::reverseRing(Polygon& p) {
+    if (p.points.size() < 3) return;
+    std::reverse(p.points.begin() + 1, p.points.end());
+    reindexPoints(p, 1);
+    changed(p);
 }
 
 Group* World::nextInSubtree(const Group* g, const Group* root) {

@@ -51,9 +51,18 @@ class World {
     void clear(); // empties the world; handles keep counting
 
     // Hierarchy.
-    void setFather(Group& g, Group* father);                 // refuses cycles (returns silently)
+    bool setFather(Group& g, Group* father);                 // false (and no change) if it would make a cycle
     bool isIncludedIn(const Group& a, const Group& b) const; // a strictly below b
+    bool inSubtree(const Group& g, const Group& root) const { return &g == &root || isIncludedIn(g, root); }
+    static Group* topOf(Group* g); // the fatherless ancestor (g itself if fatherless)
     void setPolygonGroup(Polygon& p, Group* g);
+    void reverseRing(Polygon& p); // ring order reversed, the first point stays first
+    // A polygon's geometry or fill changed: its version, its group's version and the generation move on.
+    void changed(Polygon& p) {
+        ++p.version;
+        if (p.group) ++p.group->version;
+        touch();
+    }
     static Group* nextInSubtree(const Group* g, const Group* root); // pre-order, nullptr at the end
 
     // Ordered walks (creation order).
