@@ -1,0 +1,348 @@
+// Form1, the shell (spec Part 1.1): construction, Form_Initialize, Form_Load, the first activation,
+// MDIForm_Resize, Form_QueryUnload, Form_Unload, ParseCommand.
+#include "Form1.h"
+
+#include "AppPaths.h"
+#include "ErrLog.h"
+#include "InputState.h"
+#include "Locale.h"
+#include "MostRecentUsedFiles.h"
+#include "Preferences.h"
+#include "Settings.h"
+#include "Spinner.h"
+#include "engine/WorkspaceTrees.h"
+#include "engine/WorldDocument.h"
+#include "library/formTip.h"
+#include "undo/ActionUndoRedo_Stack.h"
+
+#include <zelmar/zelmar.h>
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QScreen>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QToolBar>
+#include <dlfcn.h>
+
+namespace vexil {
+
+namespace {
+Form1*& theForm() {
+    static Form1* f = nullptr;
+    return f;
+}
+} // namespace
+
+Form1* Form1::instance() { return theForm(); }
+
+Form1::Form1(QWidget* parent) : QMainWindow(parent) {
+    theForm() = this;
+    setObjectName(QStringLiteral("Form1"));
+    setAttribute(Qt::WA_DeleteOnClose, false);
+    // The form's design: every control exists before Form_Initialize and Form_Load.
+    buildMenus();
+    buildToolbars();
+    buildWorkspace();
+    buildViewports();
+    buildStatusBar();
+    installKeyPreview();
+    Form_Initialize();
+}
+
+Form1::~Form1() {
+    if (m_loaded && !m_unloaded) Form_Unload();
+    if (theForm() == this) theForm() = nullptr;
+}
+
+// ---- geometry ------------------------------------------------------------------------------------
+
+int Form1::TwipsToPixelsX(double twips) const { return int(std::lround(twips * logicalDpiX() / 1440.0)); }
+int Form1::TwipsToPixelsY(double twips) const { return int(std::lround(twips * logicalDpiY() / 1440.0)); }
+double Form1::PixelsToTwipsX(int px) const { return px * 1440.0 / logicalDpiX(); }
+double Form1::PixelsToTwipsY(int px) const { return px * 1440.0 / logicalDpiY(); }
+
+// ---- Form_Initialize -----------------------------------------------------------------------------
+
+void Form1::Form_Initialize() {
+    handleEvent("Form1", "Form_Initialize", [&] { RepositionMeAccordingToLastUsedPos(); });
+}
+
+void Form1::RepositionMeAccordingToLastUsedPos() {
+    propagate("Form1", "RepositionMeAccordingToLastUsedPos", [&] {
+        const double left = ToDouble(GetSetting(SecSettings, QStringLiteral("MainLeft"), QStringLiteral("1000")));
+        const double top = ToDouble(GetSetting(SecSettings, QStringLiteral("MainTop"), QStringLiteral("1000")));
+        const double width = ToDouble(GetSetting(SecSettings, QStringLiteral("MainWidth"), QStringLiteral("6500")));
+        const double height = ToDouble(GetSetting(SecSettings, QStringLiteral("MainHeight"), QStringLiteral("6500")));
+        move(TwipsToPixelsX(left), TwipsToPixelsY(top));
+        resize(TwipsToPixelsX(width), TwipsToPixelsY(height));
+        MDIForm_Resize();
+    });
+}
+
+// ---- Show, Form_Load, first activation ---------------------------------------------------------------
+
+void Form1::Show() {
+    if (!m_loaded) Form_Load();
+    if (m_unloaded) return;
+    show();
+    Form_Activate();
+}
+
+void Form1::Form_Load() {
+    if (m_loaded) return;
+    m_loaded = true;
+    auto load = [&] {
+        // 1. Language strings, caption.
+        ApplyLanguage();
+        setWindowTitle(UiAppTitle());
+        dialogs().parentWindow = this;
+        // 2.
+        spnExtBvl[1]->SetValue(1.0);
+        // 3.
+        ZELMAR_engine_set_speaker_mode(0);
+        // 4.
+        StatusBar2->hide();
+        // 5. The engine version test: the entry point must be present.
+        if (!dlsym(RTLD_DEFAULT, "ZELMAR_engine_set_coordinates_auto_correct_mode"))
+            throw VexilError(ErrEntryPointNotFound,
+                             "Can't find DLL entry point ZELMAR_engine_set_coordinates_auto_correct_mode in zelmar3");
+        ZELMAR_engine_set_coordinates_auto_correct_mode(0);
+        // 6.
+        MouseStepFactor = 1.0;
+        trwModel_InitialSetup();
+        // 7. MultiSel (Part 3.6, CreateSharedObjects), UndoStack.
+        m_undoStack = std::make_unique<ActionUndoRedo_Stack>(ReadMaxUndoRedoText().toStdString(), this);
+        setUndoHost(this);
+        m_document = std::make_unique<WorldDocument>(*this);
+        m_document->AttachTrees(GroupTree, CamTrackBkTree, LightTree);
+        GroupTree->SetDocument(m_document.get());
+        CamTrackBkTree->SetDocument(m_document.get());
+        LightTree->SetDocument(m_document.get());
+        // 8. The twelve pens.
+        const QColor yellow(255, 255, 0), grey(122, 122, 122);
+        Pens = {QPen(Qt::white, 1), QPen(Qt::red, 1), QPen(Qt::red, 2), QPen(Qt::green, 1), QPen(Qt::green, 2),
+                QPen(Qt::blue, 1), QPen(Qt::blue, 2), QPen(yellow, 1), QPen(yellow, 2), QPen(grey, 1),
+                QPen(Qt::black, 1), QPen(Qt::black, 1)};
+        PensCreated = true;
+        // 9.
+        m_mru = std::make_unique<MostRecentUsedFiles>(mnuFile, mnuExit);
+        connect(m_mru.get(), &MostRecentUsedFiles::itemClicked, this, [this](int index, const QString&) { mnuMRU_Click(index); });
+        // 10.
+        cmbTrackPoint_InitialSetup();
+        cmbPolFilter_InitialSetup();
+        picWinSetMousePtr(QStringLiteral("Select"));
+        // 11.
+        ViewLayerFlags = {1, 1, 1};
+        // 12.
+        tabWorkspace->setEnabled(false);
+        cmbNewObjType_InitialSetup();
+        // 13. The popup menus are never in the menu bar (PopupMenus()).
+        // 14., 17., 18. Markers, makers, drawers, gizmos, cameras, grids (their Parts).
+        CreateSharedObjects();
+        // 15.
+        ResetControls();
+        mnu_Update();
+        // 16.
+        LayerGlobalA = 1;
+        LayerGlobalB = 2;
+        ZELMAR_engine_hide_log_window();
+        LayerGlobalC = 0;
+        // 17.
+        ShowGizmoFlag = true;
+        cmbObj_Change();
+        cmbObjEditGeom_Change();
+        // 19.
+        mnuResetViews_Click();
+        InitialiseSpinners();
+        // 20.
+        for (int i = 0; i < 4; ++i) {
+            GridDisplay[size_t(i)] = Prefs().StartUpGrid != 1;
+            GridSnap[size_t(i)] = Prefs().StartUpGridSnap != 1;
+        }
+        // 21.
+        ZELMAR_light_calcualte_vertices_normals_automatically(1002);
+        // 22.
+        if (ReadShowTipsAtStartup() != 0 && formTip::ShouldShowAtStartup()) {
+            TipForm = new formTip(this);
+            TipForm->setAttribute(Qt::WA_DeleteOnClose);
+            TipForm->setModal(false);
+            TipForm->show();
+        }
+        // 23. Tab order: the viewports first, then the new-object controls.
+        setTabOrder(picWindow[0], picWindow[1]);
+        setTabOrder(picWindow[1], picWindow[2]);
+        setTabOrder(picWindow[2], picWindow[3]);
+        setTabOrder(picWindow[3], cmbNewObjType);
+        setTabOrder(cmbNewObjType, cmbObj);
+        setTabOrder(cmbObj, spnBoxDim);
+        // 24.
+        QCoreApplication::processEvents();
+        // 25.
+        LoadPlugins();
+        // 26.
+        const QString path = ParseCommand();
+        if (!path.isEmpty())
+            m_document->LoadWorld(path); // a failure is reported by LoadWorld; the program goes on with no world
+        else
+            m_document->NewWorld(true);
+    };
+    try {
+        load();
+    } catch (VexilError& e) {
+        // The engine version test (Part 1.1, Failure handling): the engine file is older than the program.
+        if (e.description == "Can't find DLL entry point ZELMAR_engine_set_coordinates_auto_correct_mode in zelmar3") {
+            dialogs().msgBox(GetLocaleString(330), MsgOKOnly, MsgCritical);
+            Form_Unload();
+            QCoreApplication::exit(1);
+            return;
+        }
+        e.addSource("Form1", "Form_Load");
+        ReportError(e); // loading stops at the failing statement
+    } catch (const std::exception& e) {
+        ReportError(ErrInvalidCall, FormatErrorSource(QString(), QStringLiteral("Form1"), QStringLiteral("Form_Load")),
+                    QString::fromLocal8Bit(e.what()));
+    }
+}
+
+void Form1::Form_Activate() {
+    if (ToolbarsRestored) return;
+    ToolbarsRestored = true;
+    handleEvent("Form1", "Form_Activate", [&] {
+        SaveOriginalStateOfAllFormTlbrs();
+        RestoreToolbars();
+        if (QAction* select = ToolbarButton(QStringLiteral("Select"))) {
+            select->setChecked(true);
+        }
+        ExpertMode = ReadExpertModeStartup();
+        mnuExpertMode->setChecked(!ExpertMode);
+        mnuExpertMode->trigger(); // the click handler flips it to the wanted state
+    });
+}
+
+void Form1::changeEvent(QEvent* e) {
+    QMainWindow::changeEvent(e);
+    if (e->type() == QEvent::ActivationChange && isActiveWindow() && m_loaded && !ToolbarsRestored) Form_Activate();
+}
+
+// ---- MDIForm_Resize --------------------------------------------------------------------------------
+
+void Form1::MDIForm_Resize() {
+    handleEvent("Form1", "MDIForm_Resize", [&] {
+        if (windowState() & Qt::WindowMinimized) return;
+        const int minWidth = TwipsToPixelsX(MinimumWidthTwips);
+        if (width() < minWidth) resize(minWidth, height());
+        if (!Picture1 || !Picture2) return;
+        const int tabWidth = tabWorkspace->sizeHint().width();
+        Picture1->setFixedWidth(tabWidth + TwipsToPixelsX(100));
+        const int w = Picture1->isVisible() ? width() - Picture1->width() - TwipsToPixelsX(20)
+                                            : width() - TwipsToPixelsX(20);
+        Picture2->setMinimumWidth(0);
+        Picture2->resize(std::max(0, w), Picture2->height());
+        // 4. Refresh CoolBar1.
+        for (QToolBar* t : Toolbar1)
+            if (t) t->update();
+    });
+}
+
+void Form1::resizeEvent(QResizeEvent* e) {
+    QMainWindow::resizeEvent(e);
+    MDIForm_Resize();
+}
+
+// ---- ParseCommand ------------------------------------------------------------------------------------
+
+QString Form1::ParseCommand(const QString& commandLine) {
+    if (commandLine.isEmpty()) return QString();
+    QString s = commandLine;
+    // Trim blanks (spaces only, as VB's Trim) from both ends.
+    while (s.startsWith(QLatin1Char(' '))) s.remove(0, 1);
+    while (s.endsWith(QLatin1Char(' '))) s.chop(1);
+    if (s.startsWith(QLatin1Char('"'))) s.remove(0, 1);
+    if (s.endsWith(QLatin1Char('"'))) s.chop(1);
+    return s;
+}
+
+// ---- ResetControls -----------------------------------------------------------------------------------
+
+void Form1::ResetControls() {
+    const QString newObject = GetLocaleString(322);
+    int i = cmbObj->findText(newObject);
+    if (i < 0) {
+        cmbObj->addItem(newObject);
+        i = cmbObj->findText(newObject);
+    }
+    cmbObj->setCurrentIndex(i);
+    tabWorkspace->setCurrentIndex(TabModelGallery);
+}
+
+// ---- close and unload --------------------------------------------------------------------------------
+
+bool Form1::Form_QueryUnload() {
+    bool cancel = false;
+    handleEvent("Form1", "Form_QueryUnload", [&] {
+        if (TerminatingOnError()) return;
+        if (WorldOpen() && m_undoStack && m_undoStack->SaveRequired()) {
+            switch (dialogs().msgBox(GetLocaleString(332), MsgYesNoCancel, MsgQuestion)) {
+            case vbYes: mnuSave_Click(); break;
+            case vbCancel: cancel = true; break; // the cancel argument is set to 6
+            default: break;
+            }
+        }
+    });
+    return cancel;
+}
+
+void Form1::closeEvent(QCloseEvent* e) {
+    if (m_unloaded) {
+        e->accept();
+        return;
+    }
+    if (Form_QueryUnload()) {
+        e->ignore();
+        return;
+    }
+    Form_Unload();
+    e->accept();
+}
+
+void Form1::Form_Unload() {
+    if (m_unloaded) return;
+    m_unloaded = true;
+    handleEvent("Form1", "Form_Unload", [&] {
+        // 1. Placement, unless minimised.
+        if (!(windowState() & Qt::WindowMinimized)) {
+            const QRect g = (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) ? normalGeometry() : geometry();
+            SaveSetting(SecSettings, QStringLiteral("MainLeft"), QString::number(std::lround(PixelsToTwipsX(g.x()))));
+            SaveSetting(SecSettings, QStringLiteral("MainTop"), QString::number(std::lround(PixelsToTwipsY(g.y()))));
+            SaveSetting(SecSettings, QStringLiteral("MainWidth"), QString::number(std::lround(PixelsToTwipsX(g.width()))));
+            SaveSetting(SecSettings, QStringLiteral("MainHeight"), QString::number(std::lround(PixelsToTwipsY(g.height()))));
+        }
+        // 2. to 4.
+        UnloadPlugins();
+        ReleaseWeldList();
+        if (m_document) m_document->UnloadWorld();
+        // 5.
+        if (ZELMAR_engine_is_engine_empty() == 0) ZELMAR_engine_close();
+        // 6. to 8.
+        if (TipForm) TipForm->close();
+        ReleaseSharedObjects();
+        m_document.reset();
+        if (undoHostIsThis()) setUndoHost(nullptr);
+        m_undoStack.reset();
+        m_mru.reset(); // saves the list
+        // 9.
+        Pens = {};
+        PensCreated = false;
+    });
+    // 10.
+    ExitRequested = true;
+    hide();
+}
+
+bool Form1::undoHostIsThis() const { return &undoHost() == static_cast<const UndoHost*>(this); }
+
+bool Form1::WorldOpen() const { return m_document && m_document->WorldOpen; }
+
+} // namespace vexil

@@ -1,0 +1,385 @@
+// Form1, the main window (spec Part 1.1): menus, toolbar bands, workspace tabs, the four viewports,
+// the status bar; start-up, keyboard, close and unload. It owns everything that lives as long as the
+// process and implements the hosts of the document (DocumentHost) and of the undo stack (UndoHost).
+//
+// The class is split along subsystems into several files:
+//   Form1.cpp           shell: construction, Form_Initialize, Form_Load, activation, resize, close, unload
+//   Form1_Menus.cpp     menus, mnu_Update, menu handlers, the language routine of Form1
+//   Form1_Keys.cpp      Form_KeyDown / Form_KeyUp, the wheel (ScrollCheck)
+//   Form1_Toolbars.cpp  toolbar bands (CoolBar1): build, save, restore, reset
+//   Form1_Workspace.cpp workspace tabs, viewports, status bar, DocumentHost and UndoHost
+//   Form1_Hooks.cpp     the commands that later issues implement (empty bodies until then)
+//
+// To hang code on Form1: add a member function here and its body in your subsystem's folder (a further
+// translation unit of Form1: add it with target_sources(vexil_app PRIVATE ...) from your CMakeLists), or
+// replace a body of Form1_Hooks.cpp by moving it to your folder.
+#pragma once
+#include "Dialogs.h"
+#include "engine/DocumentHost.h"
+#include "undo/UndoHost.h"
+
+#include <QMainWindow>
+#include <QPen>
+#include <QPointer>
+#include <array>
+#include <memory>
+#include <vector>
+
+class QAction;
+class QActionGroup;
+class QComboBox;
+class QFrame;
+class QLabel;
+class QMenu;
+class QProgressBar;
+class QStatusBar;
+class QTabWidget;
+class QToolBar;
+class QToolButton;
+class QTreeWidget;
+
+namespace vexil {
+
+class ActionUndoRedo_Stack;
+class MostRecentUsedFiles;
+class Spinner;
+class WorldDocument;
+class trwGroupView;
+class trwCamTrackBK;
+class trwLight;
+class formTip;
+
+// The viewports are plain placeholder widgets until Part 3.1 gives them rendering.
+class PicWindow : public QWidget {
+    Q_OBJECT
+public:
+    PicWindow(int index, QWidget* parent = nullptr);
+    int Index() const { return m_index; }
+    void Clear(); // mnuCloseFile_Click: a blank surface
+signals:
+    void gotFocus(int index);
+    void lostFocus(int index);
+    void mousePressed(int index);
+protected:
+    void paintEvent(QPaintEvent* e) override;
+    void focusInEvent(QFocusEvent* e) override;
+    void focusOutEvent(QFocusEvent* e) override;
+    void mousePressEvent(QMouseEvent* e) override;
+private:
+    int m_index;
+};
+
+class Form1 : public QMainWindow, public DocumentHost, public UndoHost {
+    Q_OBJECT
+public:
+    // Workspace tab indices (docs/ui.md: the spec's Parts disagree about the texture and gallery tabs).
+    enum WorkspaceTab { TabGroups = 0, TabEditGroup = 1, TabCamTrackBk = 2, TabLight = 3, TabModelGallery = 4, TabTexture = 5 };
+    static constexpr int BandCount = 8;
+    static constexpr int MruMax = 8;
+    static constexpr double MinimumWidthTwips = 10300;
+
+    explicit Form1(QWidget* parent = nullptr);
+    ~Form1() override;
+
+    // The process's main window (null when none exists).
+    static Form1* instance();
+
+    // ---- lifecycle (Part 1.1) ----------------------------------------------------------------------
+    // Shows the window: Form_Load on the first show, then the first activation.
+    void Show();
+    bool IsLoaded() const { return m_loaded; }
+    void Form_Initialize();
+    void RepositionMeAccordingToLastUsedPos();
+    void Form_Load();
+    void Form_Activate();                         // the first activation (guarded by ToolbarsRestored)
+    bool Form_QueryUnload();                      // true: cancel (the window stays)
+    void Form_Unload();
+    void MDIForm_Resize();
+    // The command line given to the program (arguments joined by blanks); read by ParseCommand.
+    void SetCommandLine(const QString& commandLine) { m_commandLine = commandLine; }
+    QString ParseCommand() const { return ParseCommand(m_commandLine); }
+    static QString ParseCommand(const QString& commandLine);
+    void ResetControls();
+    void ScrollCheck();
+    int GetWheelMessages();
+    // Twips and pixels of this screen (1440 twips per inch).
+    int TwipsToPixelsX(double twips) const;
+    int TwipsToPixelsY(double twips) const;
+    double PixelsToTwipsX(int px) const;
+    double PixelsToTwipsY(int px) const;
+
+    // ---- keyboard (Part 1.1) -------------------------------------------------------------------------
+    void Form_KeyDown(int keyCode, Qt::KeyboardModifiers shift);
+    void Form_KeyUp(int keyCode, Qt::KeyboardModifiers shift);
+
+    // ---- menus (Form1_Menus.cpp) --------------------------------------------------------------------
+    void mnu_Update();
+    void mnuFile_Update();
+    void mnuEdit_Update();
+    void mnuView_Update();
+    void mnuGrp_Update();
+    void mnuCreate_Update();
+    void ApplyLanguage(); // the language routine of Form1: menus, tool tips, tabs, labels
+    void mnuNew_Click();
+    void mnuOpenFile_Click();
+    void mnuAddWorld_Click();
+    void mnuCloseFile_Click();
+    void mnuSave_Click();
+    void mnuSaveAs_Click();
+    void mnuExit_Click();
+    void mnuMRU_Click(int index);
+    void mnuImport_Click(int index);
+    void mnuExport_Click(int index);
+    void mnuUndo_Click();
+    void mnuRedo_Click();
+    void mnuSelectAll_Click();
+    void mnuSelectInvert_Click();
+    void mnuHold_Click();
+    void mnuFetch_Click();
+    void mnuPreference_Click();
+    void mnuToolbar_Click();
+    void mnuStatusBar_Click();
+    void mnuWorkspace_Click();
+    void mnuViewerMode_Click();
+    void mnuExpertMode_Click();
+    void mnuResetToolbar_Click();
+    void mnuToolbarBands_Click(int band);
+    void mnuTipOfTheDay_Click();
+    void mnuAbout_Click();
+    void mnuReference_Click();
+    void mnuTutorial_Click();
+    bool ExpertMode = true;
+
+    // ---- toolbar bands (Form1_Toolbars.cpp, Part 1.3) ----------------------------------------------
+    void SaveOriginalStateOfAllFormTlbrs();
+    void SaveToolbars();
+    void RestoreToolbars();
+    void ResetToolbar();
+    // The state value of one band: name, child index, visible, break, width, index; lines joined by LF.
+    QString BandState(int band) const;
+    // The buttons of the bands, by key ("New", "Select", "3D Card Toggle", ...).
+    QAction* ToolbarButton(const QString& key) const;
+    // The current band order (the toolbar index of each band), for tests.
+    std::vector<int> BandOrder() const { return m_bandOrder; }
+    int GetIndxOfNewToolbarPlugin() const;
+
+    // ---- workspace and viewports (Form1_Workspace.cpp) ---------------------------------------------
+    void SetWindowFocus();
+    void picWindow_GotFocus(int index);
+    void picWindow_LostFocus(int index);
+    void cmbTrackPoint_InitialSetup();
+    void cmbPolFilter_InitialSetup();
+    void cmbNewObjType_InitialSetup();
+    void tabWorkspace_Click(int index);
+    void InitialiseSpinners();
+
+    // ---- the commands of later issues (Form1_Hooks.cpp) ---------------------------------------------
+    void ZoomExtentAll();
+    void ZoomExtentSingle(int index);
+    void Toggle3DCard();
+    void MirrorObjects();
+    void SetToolMode(int mode);
+    void picWinSetMousePtr(const QString& pointer);
+    void CenterObjInView();
+    void ShowAtmosphereForm();
+    void ShowSelectionWindow();
+    void DuplicatGrp();
+    void AlignObjects();
+    void DisplaceGrp();
+    void ToggleWireframe();
+    void ToggleWindowMinMax();
+    void DeleteSelected();
+    void ToggleGridVisibility(int index);
+    void UpdateCamerasSingle(int index);
+    void picWindow_Paint(int index);
+    void PointViewCameraAt(int index, int x, int y); // the I key: camera.MouseDown family (Part 3.2)
+    void WheelZoom(int sign, bool shift);              // ScrollCheck steps 2 to 5 (Part 3.2 camera)
+    bool IsLayingCustomTrack();                        // formCreateTrack (Part 10.2)
+    void ResetCustomTrk();
+    void trwModel_InitialSetup();
+    void cmbObj_Change();
+    void cmbObjEditGeom_Change();
+    void mnuResetViews_Click();
+    void LoadPlugins();
+    void UnloadPlugins();
+    void PluginsKeyDown(int keyCode, Qt::KeyboardModifiers shift);
+    void ReleaseWeldList();
+    void SetGridDensity(double density); // the four grids (Part 3.5)
+    double GridDensity() const;
+    void CreateSharedObjects();  // Form_Load 14, 17, 18: markers, makers, drawers, gizmos, cameras, grids
+    void ReleaseSharedObjects(); // Form_Unload 6 to 8
+
+    // ---- state (Part 1.1) ----------------------------------------------------------------------------
+    bool WorldOpen() const;
+    int ActiveWin = 0;
+    bool ExitRequested = false;
+    bool KeyIHeld = false;
+    bool ToolbarsRestored = false;
+    bool ViewHasFocus = false;
+    bool DebugEnabled = false;
+    double MouseStepFactor = 1.0;
+    int ToolMode = 0;
+    double BackspaceValue = 0.0;         // the field that Backspace lowers by 1.0 (viewport layer)
+    std::array<int, 3> ViewLayerFlags{}; // Form_Load step 11
+    int LayerGlobalA = 0, LayerGlobalB = 0, LayerGlobalC = 0; // Form_Load step 16
+    bool ShowGizmoFlag = false;          // Form_Load step 17
+    QPoint IKeyMousePos;                 // the I key's stored mouse position
+    std::array<bool, 4> GridDisplay{};   // Form_Load step 20
+    std::array<bool, 4> GridSnap{};
+    std::array<QPen, 12> Pens;           // white 1; red 1, 2; green 1, 2; blue 1, 2; yellow 1, 2; grey 1; black 1, 1
+    bool PensCreated = false;
+
+    // ---- owned objects -----------------------------------------------------------------------------
+    ActionUndoRedo_Stack* UndoStackPtr() const { return m_undoStack.get(); }
+    WorldDocument* Document() const { return m_document.get(); }
+    MostRecentUsedFiles* MruList() const { return m_mru.get(); }
+
+    // ---- widgets -------------------------------------------------------------------------------------
+    // Menus and items: every item named in the spec (see Form1_Menus.cpp for the arrangement).
+    QMenu *mnuFile = nullptr, *mnuEdit = nullptr, *mnuView = nullptr, *mnuGrp = nullptr, *mnuCreate = nullptr,
+          *mnuHelp = nullptr;
+    QAction *mnuNew = nullptr, *mnuOpenFile = nullptr, *mnuAddWorld = nullptr, *mnuCloseFile = nullptr,
+            *mnuSave = nullptr, *mnuSaveAs = nullptr, *mnuExit = nullptr, *mnuSepMRU = nullptr;
+    QMenu *mnuImportMenu = nullptr, *mnuExportMenu = nullptr;
+    std::vector<QAction*> mnuImport, mnuExport;      // one per file plug-in (Part 12.1)
+    QAction *mnuUndo = nullptr, *mnuRedo = nullptr, *mnuSelectAll = nullptr, *mnuSelectInvert = nullptr,
+            *mnuHold = nullptr, *mnuFetch = nullptr, *mnuPreference = nullptr;
+    QAction *mnuToolbar = nullptr, *mnuStatusBar = nullptr, *mnuWorkspace = nullptr, *mnuHideSelected = nullptr,
+            *mnuHideUnSelected = nullptr, *mnuUnhideAll = nullptr, *mnuRedrawAllViews = nullptr,
+            *mnuResetViews = nullptr, *mnuResetToolbar = nullptr, *mnuViewerMode = nullptr, *mnuExpertMode = nullptr;
+    QMenu* mnuToolbarBands = nullptr;
+    std::array<QAction*, BandCount> mnuToolbarBand{};
+    QAction *mnuGroupTogether = nullptr, *mnuUngroup = nullptr, *mnuAttach = nullptr, *mnuDetach = nullptr,
+            *mnuUngroupAll = nullptr, *mnuGrpDelete = nullptr, *mnuGrpProperties = nullptr;
+    QMenu *mnuStandardGroups = nullptr, *mnuLight = nullptr, *mnuTrack = nullptr;
+    QAction *mnuPlane = nullptr, *mnuBox = nullptr, *mnuSphere = nullptr, *mnuCylinder = nullptr, *mnuCone = nullptr,
+            *mnuTorus = nullptr, *mnuCamera = nullptr, *mnuOmnidirectional = nullptr, *mnuDirectional = nullptr,
+            *mnuCircular = nullptr, *mnuCustom = nullptr, *mnuLightMaps = nullptr;
+    QAction *mnuReference = nullptr, *mnuTutorial = nullptr, *mnuTipOfTheDay = nullptr, *mnuAbout = nullptr;
+    // Popup menus (hidden from the menu bar).
+    QMenu* mnuWinView = nullptr;
+    QAction *mnuWinViewTop = nullptr, *mnuWinViewBottom = nullptr, *mnuWinViewLeft = nullptr,
+            *mnuWinViewRight = nullptr, *mnuWinViewFront = nullptr, *mnuWinViewBack = nullptr,
+            *mnuWinViewPerspective = nullptr, *mnuWinViewCam = nullptr, *mnuWinWiewMaxMin = nullptr;
+    QMenu* mnuGroupMenu = nullptr;
+    QAction *mnuGroupMenuRemoveFromGroup = nullptr, *mnuGroupMenuUngroup = nullptr, *mnuGroupMenuRemoveLight = nullptr,
+            *mnuGroupMenuRemoveLightMaps = nullptr, *mnuGroupMenuDelete = nullptr, *mnuGroupMenuHide = nullptr,
+            *mnuGroupMenuUnhide = nullptr, *mnuGroupMenuProperties = nullptr;
+    QMenu* mnuLightMenu = nullptr;
+    QAction *mnuLightMenuNew = nullptr, *mnuLightMenuDelete = nullptr, *mnuLightMenuHide = nullptr,
+            *mnuLightMenuUnhide = nullptr, *mnuLightMenuHideAll = nullptr, *mnuLightMenuShowAll = nullptr;
+    QMenu* mnuCamTrkBkMenu = nullptr;
+    QAction *mnuCamTrkBkMenuNew = nullptr, *mnuCamTrkBkMenuDelete = nullptr, *mnuCamTrkBkMenuSaveCurrent = nullptr,
+            *mnuCamTrkBkMenuHide = nullptr, *mnuCamTrkBkMenuUnhide = nullptr, *mnuCamTrkBkMenuHideAll = nullptr,
+            *mnuCamTrkBkMenuShowAll = nullptr;
+    QMenu* mnuTexture = nullptr;
+    QAction *mnuTextureNew = nullptr, *mnuTextureEdit = nullptr, *mnuTextureUpdate = nullptr, *mnuTextureDelete = nullptr;
+    QMenu* mnuModelGallery = nullptr;
+    QAction *mnuModelGalleryAdd = nullptr, *mnuModelGalleryAddFolder = nullptr, *mnuModelGalleryDeleteFolder = nullptr,
+            *mnuModelGalleryRemove = nullptr;
+    QMenu* mnuWorkSpacePopup = nullptr;
+    QAction* mnuBend = nullptr;
+    // All popup menus, hidden by Form_Load step 13.
+    std::vector<QMenu*> PopupMenus() const;
+
+    // Toolbar bands: Toolbar1(0..7) and the band container (the top tool bar area).
+    std::array<QToolBar*, BandCount> Toolbar1{};
+    bool CoolBar1Visible = true;
+
+    // Workspace: Picture1 holds tabWorkspace, Picture2 the viewport frame.
+    QWidget* Picture1 = nullptr;
+    QWidget* Picture2 = nullptr;
+    QTabWidget* tabWorkspace = nullptr;
+    trwGroupView* GroupTree = nullptr;
+    trwCamTrackBK* CamTrackBkTree = nullptr;
+    trwLight* LightTree = nullptr;
+    QTreeWidget* trwModel = nullptr;
+    QTreeWidget* trwTextures = nullptr;
+    QComboBox *cmbObj = nullptr, *cmbObjEditGeom = nullptr, *cmbNewObjType = nullptr, *cmbTrackPoint = nullptr,
+              *cmbPolFilter = nullptr;
+    QLabel* lblSelectedGrpName = nullptr;
+    QLabel* txtSelectedGrpName = nullptr;
+    std::array<Spinner*, 2> spnExtBvl{};
+    Spinner* spnBoxDim = nullptr;
+    QToolBar* tlbrCut = nullptr;
+    QToolBar* tlbrBtnInsert = nullptr;
+    // Viewports.
+    QFrame* frmPicWins = nullptr;
+    std::array<PicWindow*, 4> picWindow{};
+    std::array<QLabel*, 4> lblPicView{};
+    // Status bar: panels 1 to 6 (index 0 unused) and the progress bar; StatusBar2 stays hidden.
+    QStatusBar* StatusBar1 = nullptr;
+    std::array<QLabel*, 7> StatusPanel{};
+    QProgressBar* ProgressBar1 = nullptr;
+    QWidget* StatusBar2 = nullptr;
+    QPointer<formTip> TipForm;
+
+    // ---- DocumentHost ------------------------------------------------------------------------------
+    ActionUndoRedo_Stack& UndoStack() override;
+    QWidget* MainWindow() override { return this; }
+    void SetWindowCaption(const QString& caption) override;
+    void SetStatusPanel(int panel, const QString& text) override;
+    void SetBusyPointers(bool busy) override;
+    void ProcessEvents() override;
+    void AddMRUItem(const QString& path) override;
+    void RemoveMRUItem(int index) override;
+    void MenuUpdate() override { mnu_Update(); }
+    void SetWorkspaceEnabled(bool enabled) override;
+    void SetAddWorldEnabled(bool enabled) override;
+    bool Is3DCardTogglePressed() override;
+    void Set3DCardTogglePressed(bool pressed) override;
+    void SetNewWorldCombos(const QString& cmbObjText, const QString& cmbObjEditGeomText) override;
+    void ResetViews() override { mnuResetViews_Click(); }
+    void ClearViewports() override;
+    void UpdateCameras() override;
+    void SetCmbObjItems(const QStringList& items, int chosen) override;
+    void SetSelectedGroupNameText(const QString& text) override;
+    void DisableAllTabs() override;
+    void EnableWorkspaceTab(int index) override;
+    // ---- UndoHost ----------------------------------------------------------------------------------
+    void SetUndoMenuEnabled(bool enabled) override;
+    void SetRedoMenuEnabled(bool enabled) override;
+    void SetCaption() override;
+    void SetMousePtrToHourGlass(bool bRestore) override;
+    void SetTreeNodeText(const std::string& key, const std::string& text) override;
+    void SetSelectedGroupNameText(const std::string& text) override;
+
+protected:
+    void closeEvent(QCloseEvent* e) override;
+    void resizeEvent(QResizeEvent* e) override;
+    void changeEvent(QEvent* e) override;
+    bool eventFilter(QObject* obj, QEvent* e) override;
+
+private:
+    void buildMenus();        // Form1_Menus.cpp
+    void buildToolbars();     // Form1_Toolbars.cpp
+    void buildWorkspace();    // Form1_Workspace.cpp
+    void buildViewports();
+    void buildStatusBar();
+    void applyToolbarLanguage();
+    void layoutBands(const std::vector<int>& order, const std::vector<bool>& breaks, const std::vector<bool>& visible);
+    void installKeyPreview();
+    bool undoHostIsThis() const;
+
+    bool m_loaded = false;
+    bool m_unloaded = false;
+    bool m_busy = false;
+    QString m_commandLine;
+    int m_pendingWheel = 0;
+    std::unique_ptr<ActionUndoRedo_Stack> m_undoStack;
+    std::unique_ptr<WorldDocument> m_document;
+    std::unique_ptr<MostRecentUsedFiles> m_mru;
+    std::vector<int> m_bandOrder;      // toolbar index of each band, in band order
+    std::vector<bool> m_bandBreak;
+    std::vector<QString> m_originalBandState; // SaveOriginalStateOfAllFormTlbrs
+    std::vector<QAction*> m_toolbarButtons;    // all band buttons, for ToolbarButton
+    double m_gridDensity = 40;
+    QFrame* m_focusFrame = nullptr;
+    const void* m_lastKeyEvent = nullptr;
+    quint64 m_lastKeyTime = 0;
+    int m_lastKeyType = 0;
+    int m_lastKey = 0;
+    QPointer<QObject> m_lastKeyReceiver;
+};
+
+} // namespace vexil

@@ -1,0 +1,476 @@
+// Form1: the workspace tabs, the four viewports, the status bar, and the hosts of the document and of
+// the undo stack (Parts 1.1, 2.3, 2.4, 3.1).
+#include "Form1.h"
+
+#include "ErrLog.h"
+#include "InputState.h"
+#include "Locale.h"
+#include "MostRecentUsedFiles.h"
+#include "Preferences.h"
+#include "Spinner.h"
+#include "engine/WorkspaceTrees.h"
+#include "engine/WorldDocument.h"
+#include "undo/ActionUndoRedo_Stack.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QFocusEvent>
+#include <QFormLayout>
+#include <QFrame>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QProgressBar>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QToolBar>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace vexil {
+
+// ---- PicWindow ------------------------------------------------------------------------------------------
+
+PicWindow::PicWindow(int index, QWidget* parent) : QWidget(parent), m_index(index) {
+    setObjectName(QStringLiteral("picWindow%1").arg(index));
+    setFocusPolicy(Qt::StrongFocus);
+    setAutoFillBackground(true);
+    QPalette p = palette();
+    p.setColor(QPalette::Window, QColor(96, 96, 96));
+    setPalette(p);
+    setMinimumSize(40, 30);
+}
+
+void PicWindow::Clear() { update(); }
+
+void PicWindow::paintEvent(QPaintEvent*) {
+    QPainter p(this);
+    p.fillRect(rect(), QColor(96, 96, 96));
+    // A placeholder until Part 3.1 renders the engine's picture here: the axes cross at the centre.
+    p.setPen(QColor(120, 120, 120));
+    p.drawLine(width() / 2, 0, width() / 2, height());
+    p.drawLine(0, height() / 2, width(), height() / 2);
+}
+
+void PicWindow::focusInEvent(QFocusEvent* e) {
+    QWidget::focusInEvent(e);
+    emit gotFocus(m_index);
+}
+void PicWindow::focusOutEvent(QFocusEvent* e) {
+    QWidget::focusOutEvent(e);
+    emit lostFocus(m_index);
+}
+void PicWindow::mousePressEvent(QMouseEvent* e) {
+    QWidget::mousePressEvent(e);
+    emit mousePressed(m_index);
+}
+
+// ---- building ---------------------------------------------------------------------------------------------
+
+void Form1::buildWorkspace() {
+    auto* central = new QWidget(this);
+    central->setObjectName(QStringLiteral("MDIClient"));
+    auto* row = new QHBoxLayout(central);
+    row->setContentsMargins(2, 2, 2, 2);
+    row->setSpacing(3);
+
+    Picture2 = new QWidget(central);
+    Picture2->setObjectName(QStringLiteral("Picture2"));
+    Picture1 = new QWidget(central);
+    Picture1->setObjectName(QStringLiteral("Picture1"));
+    row->addWidget(Picture2, 1);
+    row->addWidget(Picture1, 0);
+    setCentralWidget(central);
+
+    auto* p1 = new QVBoxLayout(Picture1);
+    p1->setContentsMargins(0, 0, 0, 0);
+    tabWorkspace = new QTabWidget(Picture1);
+    tabWorkspace->setObjectName(QStringLiteral("tabWorkspace"));
+    tabWorkspace->setUsesScrollButtons(true);
+    tabWorkspace->setDocumentMode(false);
+    p1->addWidget(tabWorkspace);
+
+    auto page = [this](const char* name) {
+        auto* w = new QWidget(tabWorkspace);
+        w->setObjectName(QString::fromLatin1(name));
+        auto* l = new QVBoxLayout(w);
+        l->setContentsMargins(4, 4, 4, 4);
+        l->setSpacing(4);
+        return w;
+    };
+
+    // 0: Groups.
+    QWidget* groups = page("frmGroups");
+    lblSelectedGrpName = new QLabel(groups);
+    txtSelectedGrpName = new QLabel(groups);
+    txtSelectedGrpName->setObjectName(QStringLiteral("txtSelectedGrpName"));
+    txtSelectedGrpName->setFrameShape(QFrame::StyledPanel);
+    GroupTree = new trwGroupView(groups);
+    GroupTree->setObjectName(QStringLiteral("trwGroupView"));
+    groups->layout()->addWidget(lblSelectedGrpName);
+    groups->layout()->addWidget(txtSelectedGrpName);
+    groups->layout()->addWidget(GroupTree);
+
+    // 1: Edit Group.
+    QWidget* edit = page("frmEditGroup");
+    auto* form = new QFormLayout;
+    cmbObj = new QComboBox(edit);
+    cmbObj->setObjectName(QStringLiteral("cmbObj"));
+    cmbObjEditGeom = new QComboBox(edit);
+    cmbObjEditGeom->setObjectName(QStringLiteral("cmbObjEditGeom"));
+    cmbNewObjType = new QComboBox(edit);
+    cmbNewObjType->setObjectName(QStringLiteral("cmbNewObjType"));
+    spnBoxDim = new Spinner(edit);
+    spnBoxDim->setObjectName(QStringLiteral("spnBoxDim"));
+    spnBoxDim->setRange(0, 1e9);
+    spnBoxDim->SetValue(100);
+    for (int i = 0; i < 2; ++i) {
+        spnExtBvl[size_t(i)] = new Spinner(edit);
+        spnExtBvl[size_t(i)]->setObjectName(QStringLiteral("spnExtBvl%1").arg(i));
+    }
+    cmbPolFilter = new QComboBox(edit);
+    cmbPolFilter->setObjectName(QStringLiteral("cmbPolFilter"));
+    tlbrCut = new QToolBar(edit);
+    tlbrCut->setObjectName(QStringLiteral("tlbrCut"));
+    QAction* cut = tlbrCut->addAction(QStringLiteral(" Cut    "));
+    cut->setCheckable(true);
+    cut->setProperty("tipId", 198);
+    form->addRow(cmbObj);
+    form->addRow(cmbObjEditGeom);
+    form->addRow(cmbNewObjType);
+    form->addRow(spnBoxDim);
+    form->addRow(spnExtBvl[0]);
+    form->addRow(spnExtBvl[1]);
+    form->addRow(cmbPolFilter);
+    form->addRow(tlbrCut);
+    static_cast<QVBoxLayout*>(edit->layout())->addLayout(form);
+    static_cast<QVBoxLayout*>(edit->layout())->addStretch(1);
+    connect(cmbObj, &QComboBox::currentIndexChanged, this, [this] { handleEvent("Form1", "cmbObj_Change", [&] { cmbObj_Change(); }); });
+    connect(cmbObjEditGeom, &QComboBox::currentIndexChanged, this,
+            [this] { handleEvent("Form1", "cmbObjEditGeom_Change", [&] { cmbObjEditGeom_Change(); }); });
+
+    // 2: Background/Camera/Track.
+    QWidget* cam = page("frmCamTrackBk");
+    CamTrackBkTree = new trwCamTrackBK(cam);
+    CamTrackBkTree->setObjectName(QStringLiteral("trwCamTrackBK"));
+    cmbTrackPoint = new QComboBox(cam);
+    cmbTrackPoint->setObjectName(QStringLiteral("cmbTrackPoint"));
+    tlbrBtnInsert = new QToolBar(cam);
+    tlbrBtnInsert->setObjectName(QStringLiteral("tlbrBtnInsert"));
+    QAction* ins = tlbrBtnInsert->addAction(QStringLiteral(" Insert "));
+    ins->setCheckable(true);
+    ins->setProperty("tipId", 210);
+    cam->layout()->addWidget(CamTrackBkTree);
+    cam->layout()->addWidget(cmbTrackPoint);
+    cam->layout()->addWidget(tlbrBtnInsert);
+
+    // 3: Light.
+    QWidget* light = page("frmLights");
+    LightTree = new trwLight(light);
+    LightTree->setObjectName(QStringLiteral("trwLight"));
+    light->layout()->addWidget(LightTree);
+
+    // 4: Model Gallery.
+    QWidget* gallery = page("frmModelGallery");
+    trwModel = new QTreeWidget(gallery);
+    trwModel->setObjectName(QStringLiteral("trwModel"));
+    trwModel->setHeaderHidden(true);
+    gallery->layout()->addWidget(trwModel);
+
+    // 5: Texture.
+    QWidget* texture = page("frmTexture");
+    trwTextures = new QTreeWidget(texture);
+    trwTextures->setObjectName(QStringLiteral("trwTextures"));
+    trwTextures->setHeaderHidden(true);
+    texture->layout()->addWidget(trwTextures);
+
+    for (QWidget* w : {groups, edit, cam, light, gallery, texture}) tabWorkspace->addTab(w, QString());
+    tabWorkspace->setMinimumWidth(230);
+    connect(tabWorkspace, &QTabWidget::currentChanged, this, [this](int index) {
+        handleEvent("Form1", "tabWorkspace_Click", [&] { tabWorkspace_Click(index); });
+    });
+}
+
+void Form1::buildViewports() {
+    auto* l = new QVBoxLayout(Picture2);
+    l->setContentsMargins(0, 0, 0, 0);
+    frmPicWins = new QFrame(Picture2);
+    frmPicWins->setObjectName(QStringLiteral("frmPicWins"));
+    l->addWidget(frmPicWins);
+    auto* grid = new QGridLayout(frmPicWins);
+    grid->setContentsMargins(4, 4, 4, 4);
+    grid->setSpacing(6);
+    // ResetCameras' labels: Top, Front, Perspective, Right for windows 0 to 3.
+    static const int labelIds[4] = {129, 127, 335, 128};
+    for (int i = 0; i < 4; ++i) {
+        auto* cell = new QWidget(frmPicWins);
+        auto* v = new QVBoxLayout(cell);
+        v->setContentsMargins(0, 0, 0, 0);
+        v->setSpacing(1);
+        auto* label = new QLabel(cell);
+        label->setObjectName(QStringLiteral("lblPicView%1").arg(i));
+        label->setProperty("stringId", labelIds[i]);
+        QFont f = label->font();
+        f.setBold(true);
+        label->setFont(f);
+        auto* pic = new PicWindow(i, cell);
+        v->addWidget(label);
+        v->addWidget(pic, 1);
+        grid->addWidget(cell, i / 2, i % 2);
+        lblPicView[size_t(i)] = label;
+        picWindow[size_t(i)] = pic;
+        connect(pic, &PicWindow::gotFocus, this, [this](int k) { picWindow_GotFocus(k); });
+        connect(pic, &PicWindow::lostFocus, this, [this](int k) { picWindow_LostFocus(k); });
+        connect(pic, &PicWindow::mousePressed, this, [this](int k) {
+            ActiveWin = k;
+            ViewHasFocus = true;
+            SetWindowFocus();
+        });
+        pic->installEventFilter(this); // the wheel
+    }
+    grid->setRowStretch(0, 1);
+    grid->setRowStretch(1, 1);
+    grid->setColumnStretch(0, 1);
+    grid->setColumnStretch(1, 1);
+    m_focusFrame = new QFrame(frmPicWins);
+    m_focusFrame->setObjectName(QStringLiteral("shpFocus"));
+    m_focusFrame->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_focusFrame->hide();
+    frmPicWins->installEventFilter(this);
+}
+
+void Form1::buildStatusBar() {
+    StatusBar1 = statusBar();
+    StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
+    static const int widths[7] = {0, 70, 70, 0, 90, 90, 90};
+    for (int i = 1; i <= 6; ++i) {
+        auto* panel = new QLabel(StatusBar1);
+        panel->setObjectName(QStringLiteral("StatusPanel%1").arg(i));
+        panel->setFrameShape(QFrame::StyledPanel);
+        panel->setFrameShadow(QFrame::Sunken);
+        if (widths[i]) panel->setMinimumWidth(widths[i]);
+        StatusPanel[size_t(i)] = panel;
+        if (i == 4) {
+            ProgressBar1 = new QProgressBar(StatusBar1);
+            ProgressBar1->setObjectName(QStringLiteral("ProgressBar1"));
+            ProgressBar1->setMaximumWidth(140);
+            ProgressBar1->setMaximumHeight(16);
+            ProgressBar1->setTextVisible(false);
+            ProgressBar1->setValue(0);
+            StatusBar1->addPermanentWidget(ProgressBar1);
+        }
+        if (i == 3) StatusBar1->addWidget(panel, 1);
+        else if (i < 3) StatusBar1->addWidget(panel);
+        else StatusBar1->addPermanentWidget(panel);
+    }
+    StatusBar2 = new QWidget(this);
+    StatusBar2->setObjectName(QStringLiteral("StatusBar2"));
+    StatusBar2->hide();
+}
+
+// ---- focus, tabs, combo boxes --------------------------------------------------------------------------------
+
+void Form1::SetWindowFocus() {
+    if (!m_focusFrame) return;
+    m_focusFrame->hide();
+    PicWindow* w = picWindow[size_t(ActiveWin)];
+    const QRect r(w->mapTo(frmPicWins, QPoint(0, 0)), w->size());
+    m_focusFrame->setGeometry(r.adjusted(-3, -3, 3, 3));
+    m_focusFrame->lower();
+    m_focusFrame->setStyleSheet(ViewHasFocus ? QStringLiteral("QFrame#shpFocus { background: rgb(255,255,0); }")
+                                             : QStringLiteral("QFrame#shpFocus { background: rgb(0,0,225); }"));
+    m_focusFrame->show();
+}
+
+void Form1::picWindow_GotFocus(int index) {
+    ActiveWin = index;
+    ViewHasFocus = true;
+    SetWindowFocus();
+}
+
+void Form1::picWindow_LostFocus(int) {
+    ViewHasFocus = false;
+    SetWindowFocus();
+}
+
+void Form1::tabWorkspace_Click(int index) {
+    if (m_document) m_document->tabWorkspace_Click(index);
+}
+
+void Form1::cmbTrackPoint_InitialSetup() {
+    cmbTrackPoint->clear();
+    cmbTrackPoint->addItems({GetLocaleString(349), GetLocaleString(325)});
+    cmbTrackPoint->setCurrentIndex(0);
+}
+
+void Form1::cmbPolFilter_InitialSetup() {
+    cmbPolFilter->clear();
+    for (int id : {365, 362, 363, 364, 366, 367, 368, 369, 370}) cmbPolFilter->addItem(GetLocaleString(id));
+    cmbPolFilter->setCurrentIndex(0);
+}
+
+void Form1::cmbNewObjType_InitialSetup() {
+    cmbNewObjType->clear();
+    for (int id : {351, 403, 352, 353, 404, 354}) cmbNewObjType->addItem(GetLocaleString(id));
+    cmbNewObjType->setCurrentIndex(1);
+    if (cmbObjEditGeom->count() == 0) cmbObjEditGeom->addItems({GetLocaleString(325), GetLocaleString(329)});
+}
+
+void Form1::InitialiseSpinners() {
+    for (Spinner* s : findChildren<Spinner*>()) s->setDecimals(std::clamp(Prefs().SignificantDecimals, 0, 10));
+}
+
+// ---- events ------------------------------------------------------------------------------------------------
+
+bool Form1::eventFilter(QObject* obj, QEvent* e) {
+    if (e->type() == QEvent::Wheel) {
+        for (PicWindow* p : picWindow)
+            if (obj == p) {
+                // Kept for ScrollCheck, which takes the wheel in the tick loop.
+                m_pendingWheel += static_cast<QWheelEvent*>(e)->angleDelta().y();
+                return true;
+            }
+    }
+    if (obj == frmPicWins && e->type() == QEvent::Resize && m_focusFrame && m_focusFrame->isVisible())
+        QMetaObject::invokeMethod(this, [this] { SetWindowFocus(); }, Qt::QueuedConnection);
+    if (e->type() == QEvent::KeyPress || e->type() == QEvent::KeyRelease) {
+        auto* w = qobject_cast<QWidget*>(obj);
+        auto* k = static_cast<QKeyEvent*>(e);
+        // A key event travels up the parents when a control ignores it: take it once, at its first receiver.
+        const bool seen = k == m_lastKeyEvent && k->timestamp() == m_lastKeyTime && e->type() == m_lastKeyType &&
+                          k->key() == m_lastKey && w && m_lastKeyReceiver &&
+                          w->isAncestorOf(qobject_cast<QWidget*>(m_lastKeyReceiver.data()));
+        if (w && w->window() == this && isVisible() && !seen) {
+            m_lastKeyEvent = k;
+            m_lastKeyTime = k->timestamp();
+            m_lastKeyType = e->type();
+            m_lastKey = k->key();
+            m_lastKeyReceiver = obj;
+            if (e->type() == QEvent::KeyPress) Form_KeyDown(k->key(), k->modifiers());
+            else if (!k->isAutoRepeat()) Form_KeyUp(k->key(), k->modifiers());
+        }
+    }
+    return QMainWindow::eventFilter(obj, e);
+}
+
+void Form1::installKeyPreview() {
+    // KeyPreview: the form sees every key before its controls.
+    qApp->installEventFilter(this);
+    // The production input state watches the same events; installed after this filter, it runs before it,
+    // so that the key table's polls see the key that is being handled.
+    inputState();
+}
+
+// ---- DocumentHost -------------------------------------------------------------------------------------------
+
+ActionUndoRedo_Stack& Form1::UndoStack() { return *m_undoStack; }
+
+void Form1::SetWindowCaption(const QString& caption) { setWindowTitle(caption); }
+
+void Form1::SetStatusPanel(int panel, const QString& text) {
+    if (panel >= 1 && panel <= 6) StatusPanel[size_t(panel)]->setText(text);
+}
+
+void Form1::SetBusyPointers(bool busy) {
+    if (busy == m_busy) return;
+    m_busy = busy;
+    for (PicWindow* p : picWindow) {
+        if (busy) p->setCursor(Qt::WaitCursor);
+        else p->unsetCursor();
+    }
+    if (busy) QApplication::setOverrideCursor(Qt::WaitCursor);
+    else QApplication::restoreOverrideCursor();
+}
+
+void Form1::ProcessEvents() { QCoreApplication::processEvents(); }
+
+void Form1::AddMRUItem(const QString& path) {
+    if (m_mru) m_mru->AddMRUItem(path);
+}
+
+void Form1::RemoveMRUItem(int index) {
+    if (m_mru) m_mru->RemoveItem(index);
+}
+
+void Form1::SetWorkspaceEnabled(bool enabled) { tabWorkspace->setEnabled(enabled); }
+void Form1::SetAddWorldEnabled(bool enabled) { mnuAddWorld->setEnabled(enabled); }
+
+bool Form1::Is3DCardTogglePressed() {
+    QAction* a = ToolbarButton(QStringLiteral("3D Card Toggle"));
+    return a && a->isChecked();
+}
+
+void Form1::Set3DCardTogglePressed(bool pressed) {
+    if (QAction* a = ToolbarButton(QStringLiteral("3D Card Toggle"))) a->setChecked(pressed);
+}
+
+void Form1::SetNewWorldCombos(const QString& cmbObjText, const QString& cmbObjEditGeomText) {
+    auto choose = [](QComboBox* c, const QString& text) {
+        int i = c->findText(text);
+        if (i < 0) {
+            c->addItem(text);
+            i = c->count() - 1;
+        }
+        c->setCurrentIndex(i);
+    };
+    choose(cmbObj, cmbObjText);
+    choose(cmbObjEditGeom, cmbObjEditGeomText);
+}
+
+void Form1::ClearViewports() {
+    for (PicWindow* p : picWindow) p->Clear();
+}
+
+void Form1::UpdateCameras() {
+    if (!WorldOpen()) return;
+    for (int i = 0; i < 4; ++i) {
+        if (i == ActiveWin) continue;
+        PicWindow* w = picWindow[size_t(i)];
+        if (w->width() > 5 && w->height() > 5) picWindow_Paint(i); // above 75 twips
+    }
+    picWindow_Paint(ActiveWin);
+}
+
+void Form1::SetCmbObjItems(const QStringList& items, int chosen) {
+    cmbObj->blockSignals(true);
+    cmbObj->clear();
+    cmbObj->addItems(items);
+    cmbObj->setCurrentIndex(chosen);
+    cmbObj->blockSignals(false);
+    cmbObj_Change();
+}
+
+void Form1::SetSelectedGroupNameText(const QString& text) { txtSelectedGrpName->setText(text); }
+void Form1::SetSelectedGroupNameText(const std::string& text) { SetSelectedGroupNameText(QString::fromStdString(text)); }
+
+void Form1::DisableAllTabs() {
+    for (int i = 0; i < tabWorkspace->count(); ++i) tabWorkspace->widget(i)->setEnabled(false);
+}
+
+void Form1::EnableWorkspaceTab(int index) {
+    if (index >= 0 && index < tabWorkspace->count()) tabWorkspace->widget(index)->setEnabled(true);
+}
+
+// ---- UndoHost -----------------------------------------------------------------------------------------------
+
+void Form1::SetUndoMenuEnabled(bool enabled) { mnuUndo->setEnabled(enabled && WorldOpen()); }
+void Form1::SetRedoMenuEnabled(bool enabled) { mnuRedo->setEnabled(enabled && WorldOpen()); }
+
+void Form1::SetCaption() {
+    if (m_document) m_document->SetCaption();
+}
+
+void Form1::SetMousePtrToHourGlass(bool bRestore) {
+    if (m_document) m_document->SetMousePtrToHourGlass(bRestore);
+    else SetBusyPointers(!bRestore);
+}
+
+void Form1::SetTreeNodeText(const std::string& key, const std::string& text) {
+    const QString k = QString::fromStdString(key), t = QString::fromStdString(text);
+    for (WorkspaceTree* tree : {static_cast<WorkspaceTree*>(GroupTree), static_cast<WorkspaceTree*>(CamTrackBkTree),
+                                static_cast<WorkspaceTree*>(LightTree)})
+        if (tree && tree->SetNodeText(k, t)) return;
+}
+
+} // namespace vexil
