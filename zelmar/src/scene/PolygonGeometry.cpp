@@ -215,9 +215,9 @@ std::vector<uint32_t> redundantPoints(const Polygon& p) {
             continue;
         }
         const V3 ac = c - a;
-        const double l = length(ac);
+        const double l2 = dot(ac, ac), l = std::sqrt(l2);
         if (l <= tol) continue;
-        const double t = dot(b - a, ac) / (l * l);
+        const double t = dot(b - a, ac) / l2;
         if (t > 0 && t < 1 && length(cross(b - a, ac)) / l <= tol) out.push_back(static_cast<uint32_t>(i));
     }
     return out;
