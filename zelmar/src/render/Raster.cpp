@@ -1,0 +1,260 @@
+#include "render/Raster.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zelmar::render {
+namespace {
+
+inline int64_t floorDiv(int64_t a, int64_t b) { // b > 0
+    int64_t q = a / b;
+    if ((a % b) != 0 && (a < 0)) --q;
+    return q;
+}
+
+inline int64_t ceilDiv(int64_t a, int64_t b) { // b > 0
+    return -floorDiv(-a, b);
+}
+
+inline uint32_t clamp255(int v) {
+    return static_cast<uint32_t>(v < 0 ? 0 : (v > 255 ? 255 : v));
+}
+
+inline uint32_t sampleNearest(const Texture& t, float u, float v) {
+    float fu = u * t.width, fv = v * t.height;
+    fu = std::clamp(fu, -1e9f, 1e9f);
+    fv = std::clamp(fv, -1e9f, 1e9f);
+    const int x = wrapIndex(static_cast<int>(std::floor(fu)), t.width, t.pow2, t.wmask);
+    const int y = wrapIndex(static_cast<int>(std::floor(fv)), t.height, t.pow2, t.hmask);
+    return t.texels[static_cast<size_t>(y) * t.width + x];
+}
+
+// Bilinear with 8-bit weights; channels are blended two at a time in 0x00FF00FF lanes.
+inline uint32_t sampleBilinear(const Texture& t, float u, float v) {
+    float fu = u * t.width - 0.5f, fv = v * t.height - 0.5f;
+    fu = std::clamp(fu, -1e9f, 1e9f);
+    fv = std::clamp(fv, -1e9f, 1e9f);
+    const float flu = std::floor(fu), flv = std::floor(fv);
+    const int ix = static_cast<int>(flu), iy = static_cast<int>(flv);
+    const uint32_t wx = static_cast<uint32_t>((fu - flu) * 256.0f),
+                   wy = static_cast<uint32_t>((fv - flv) * 256.0f);
+    const int x0 = wrapIndex(ix, t.width, t.pow2, t.wmask), x1 = wrapIndex(ix + 1, t.width, t.pow2, t.wmask);
+    const int y0 = wrapIndex(iy, t.height, t.pow2, t.hmask),
+              y1 = wrapIndex(iy + 1, t.height, t.pow2, t.hmask);
+    const uint32_t* r0 = t.texels.data() + static_cast<size_t>(y0) * t.width;
+    const uint32_t* r1 = t.texels.data() + static_cast<size_t>(y1) * t.width;
+    const uint32_t c00 = r0[x0], c10 = r0[x1], c01 = r1[x0], c11 = r1[x1];
+    const uint32_t w11 = (wx * wy) >> 8, w10 = wx - w11, w01 = wy - w11, w00 = 256 - wx - wy + w11;
+    const uint32_t m = 0x00FF00FFu;
+    uint32_t rb = ((c00 & m) * w00 + (c10 & m) * w10 + (c01 & m) * w01 + (c11 & m) * w11) >> 8;
+    uint32_t ga =
+        (((c00 >> 8) & m) * w00 + ((c10 >> 8) & m) * w10 + ((c01 >> 8) & m) * w01 + ((c11 >> 8) & m) * w11) >>
+        8;
+    return (rb & m) | ((ga & m) << 8);
+}
+
+inline uint32_t sample(const Texture& t, float u, float v, bool bilinear) {
+    return bilinear ? sampleBilinear(t, u, v) : sampleNearest(t, u, v);
+}
+
+template <bool Textured, bool Translucent>
+void rasterRows(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
+    const bool bilinear = t.flags & kBilinear;
+    const bool lightMap = (t.flags & kLightMap) && t.tex2;
+    const bool fog = t.flags & kFog;
+    const bool keyed = Textured && t.tex->transparent;
+    const uint32_t fr = fb.fogColor & 0xFF, fg = (fb.fogColor >> 8) & 0xFF, fbl = (fb.fogColor >> 16) & 0xFF;
+    for (int y = y0; y < y1; ++y) {
+        const int64_t py = 16 * static_cast<int64_t>(y) + 8;
+        int64_t xl = t.minX, xr = t.maxX;
+        bool empty = false;
+        for (int i = 0; i < 3; ++i) {
+            const int64_t a = t.ea[i];
+            const int64_t k = a * 8 + t.eb[i] * py + t.ec[i];
+            if (a > 0)
+                xl = std::max(xl, ceilDiv(-k, 16 * a));
+            else if (a < 0)
+                xr = std::min(xr, floorDiv(k, -16 * a));
+            else if (k < 0)
+                empty = true;
+        }
+        if (empty || xl > xr) continue;
+        float v[kAttrs];
+        const float ox = static_cast<float>(xl) + 0.5f - t.x0, oy = static_cast<float>(y) + 0.5f - t.y0;
+        for (int k = 0; k < kAttrs; ++k)
+            v[k] = t.a0[k] + t.dx[k] * ox + t.dy[k] * oy;
+        uint32_t* crow = fb.color + static_cast<size_t>(y) * fb.width;
+        float* zrow = fb.depth + static_cast<size_t>(y) * fb.width;
+        for (int64_t x = xl; x <= xr; ++x) {
+            if (v[kZ] > zrow[x]) {
+                uint32_t r, g, b;
+                bool draw = true;
+                if constexpr (Textured) {
+                    const float w = 1.0f / v[kQ];
+                    uint32_t c = sample(*t.tex, v[kU] * w, v[kV] * w, bilinear);
+                    if (keyed) {
+                        const uint32_t a = c >> 24;
+                        if (a < 128) {
+                            draw = false;
+                        } else if (a < 255) {
+                            const uint32_t k = (255u << 16) / a; // undo the weight of clear texels
+                            c = std::min(255u, ((c & 0xFF) * k) >> 16) |
+                                std::min(255u, (((c >> 8) & 0xFF) * k) >> 16) << 8 |
+                                std::min(255u, (((c >> 16) & 0xFF) * k) >> 16) << 16;
+                        }
+                    }
+                    const int sr = static_cast<int>(v[kR] * 256.0f), sg = static_cast<int>(v[kG] * 256.0f),
+                              sb = static_cast<int>(v[kB] * 256.0f);
+                    r = clamp255(
+                        static_cast<int>(((c & 0xFF) * static_cast<uint32_t>(std::max(sr, 0))) >> 8));
+                    g = clamp255(
+                        static_cast<int>((((c >> 8) & 0xFF) * static_cast<uint32_t>(std::max(sg, 0))) >> 8));
+                    b = clamp255(
+                        static_cast<int>((((c >> 16) & 0xFF) * static_cast<uint32_t>(std::max(sb, 0))) >> 8));
+                } else {
+                    r = clamp255(static_cast<int>(v[kR] + 0.5f));
+                    g = clamp255(static_cast<int>(v[kG] + 0.5f));
+                    b = clamp255(static_cast<int>(v[kB] + 0.5f));
+                }
+                if (draw) {
+                    if (lightMap) {
+                        const float w = 1.0f / v[kQ];
+                        const uint32_t l = sample(*t.tex2, v[kU2] * w, v[kV2] * w, bilinear);
+                        r = std::min(255u, (r * (l & 0xFF)) >> 7);
+                        g = std::min(255u, (g * ((l >> 8) & 0xFF)) >> 7);
+                        b = std::min(255u, (b * ((l >> 16) & 0xFF)) >> 7);
+                    }
+                    if (fog) {
+                        const int f = static_cast<int>(std::clamp(v[kF], 0.0f, 1.0f) * 256.0f);
+                        r = static_cast<uint32_t>(static_cast<int>(r) +
+                                                  ((static_cast<int>(fr) - static_cast<int>(r)) * f >> 8));
+                        g = static_cast<uint32_t>(static_cast<int>(g) +
+                                                  ((static_cast<int>(fg) - static_cast<int>(g)) * f >> 8));
+                        b = static_cast<uint32_t>(static_cast<int>(b) +
+                                                  ((static_cast<int>(fbl) - static_cast<int>(b)) * f >> 8));
+                    }
+                    const uint32_t src = 0xFF000000u | r | (g << 8) | (b << 16);
+                    if constexpr (Translucent) {
+                        crow[x] = blendPixel(t.blend, src, crow[x]);
+                    } else {
+                        crow[x] = src;
+                        zrow[x] = v[kZ];
+                    }
+                }
+            }
+            for (int k = 0; k < kAttrs; ++k)
+                v[k] += t.dx[k];
+        }
+    }
+}
+
+} // namespace
+
+uint32_t blendPixel(uint8_t filter, uint32_t src, uint32_t dst) {
+    uint32_t out = 0xFF000000u;
+    for (int sh = 0; sh < 24; sh += 8) {
+        const int s = static_cast<int>((src >> sh) & 0xFF), d = static_cast<int>((dst >> sh) & 0xFF);
+        int r;
+        switch (filter) {
+        case 0x31:
+            r = s * d / 255;
+            break;
+        case 0x43:
+            r = (3 * s + d) / 4;
+            break;
+        case 0x52:
+            r = (s + d) / 2;
+            break;
+        case 0x44:
+            r = (s + 3 * d) / 4;
+            break;
+        case 0x32:
+            r = std::min(255, s + d);
+            break;
+        case 0x42:
+            r = std::min(255, s / 2 + d);
+            break;
+        case 0x22:
+            r = 255 - (255 - s) * (255 - d) / 255;
+            break;
+        case 0x51:
+            r = d * (255 - s) / 255;
+            break;
+        default:
+            r = s;
+            break;
+        }
+        out |= static_cast<uint32_t>(r) << sh;
+    }
+    return out;
+}
+
+bool setupTri(const ScreenVertex& a, const ScreenVertex& b, const ScreenVertex& c, int width, int height,
+              Tri& t) {
+    const ScreenVertex* v[3] = {&a, &b, &c};
+    int64_t X[3], Y[3];
+    for (int i = 0; i < 3; ++i) {
+        X[i] = static_cast<int64_t>(std::lround(static_cast<double>(v[i]->sx) * 16.0));
+        Y[i] = static_cast<int64_t>(std::lround(static_cast<double>(v[i]->sy) * 16.0));
+    }
+    int64_t area = (X[1] - X[0]) * (Y[2] - Y[0]) - (Y[1] - Y[0]) * (X[2] - X[0]);
+    if (area == 0) return false;
+    if (area < 0) {
+        std::swap(v[1], v[2]);
+        std::swap(X[1], X[2]);
+        std::swap(Y[1], Y[2]);
+        area = -area;
+    }
+    const int64_t minXf = std::min({X[0], X[1], X[2]}), maxXf = std::max({X[0], X[1], X[2]});
+    const int64_t minYf = std::min({Y[0], Y[1], Y[2]}), maxYf = std::max({Y[0], Y[1], Y[2]});
+    // Pixels whose centre (16x + 8) can lie inside.
+    t.minX = static_cast<int32_t>(std::max<int64_t>(0, ceilDiv(minXf - 8, 16)));
+    t.maxX = static_cast<int32_t>(std::min<int64_t>(width - 1, floorDiv(maxXf - 8, 16)));
+    t.minY = static_cast<int32_t>(std::max<int64_t>(0, ceilDiv(minYf - 8, 16)));
+    t.maxY = static_cast<int32_t>(std::min<int64_t>(height - 1, floorDiv(maxYf - 8, 16)));
+    if (t.minX > t.maxX || t.minY > t.maxY) return false;
+    for (int i = 0; i < 3; ++i) {
+        const int j = (i + 1) % 3;
+        const int64_t A = Y[i] - Y[j], B = X[j] - X[i];
+        const bool topLeft = A > 0 || (A == 0 && B > 0);
+        t.ea[i] = static_cast<int32_t>(A);
+        t.eb[i] = static_cast<int32_t>(B);
+        t.ec[i] = -(A * X[i] + B * Y[i]) - (topLeft ? 0 : 1);
+    }
+    // Attribute planes from the snapped positions.
+    const double x0 = X[0] / 16.0, y0 = Y[0] / 16.0;
+    const double d1x = X[1] / 16.0 - x0, d1y = Y[1] / 16.0 - y0;
+    const double d2x = X[2] / 16.0 - x0, d2y = Y[2] / 16.0 - y0;
+    const double det = d1x * d2y - d2x * d1y;
+    t.x0 = static_cast<float>(x0);
+    t.y0 = static_cast<float>(y0);
+    for (int k = 0; k < kAttrs; ++k) {
+        const double a0 = v[0]->a[k];
+        const double da1 = v[1]->a[k] - a0, da2 = v[2]->a[k] - a0;
+        t.a0[k] = v[0]->a[k];
+        t.dx[k] = static_cast<float>((da1 * d2y - da2 * d1y) / det);
+        t.dy[k] = static_cast<float>((da2 * d1x - da1 * d2x) / det);
+    }
+    return true;
+}
+
+void rasterTri(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
+    y0 = std::max(y0, t.minY);
+    y1 = std::min(y1, t.maxY + 1);
+    if (y0 >= y1) return;
+    const bool textured = (t.flags & kTextured) && t.tex;
+    const bool translucent = t.blend != 0;
+    if (textured) {
+        if (translucent)
+            rasterRows<true, true>(t, fb, y0, y1);
+        else
+            rasterRows<true, false>(t, fb, y0, y1);
+    } else {
+        if (translucent)
+            rasterRows<false, true>(t, fb, y0, y1);
+        else
+            rasterRows<false, false>(t, fb, y0, y1);
+    }
+}
+
+} // namespace zelmar::render

@@ -1,0 +1,119 @@
+#include "render/SceneCache.h"
+
+#include "render/Triangulate.h"
+#include "scene/World.h"
+#include <algorithm>
+#include <cmath>
+
+namespace zelmar::render {
+
+SceneCache& sceneCache() {
+    static SceneCache c;
+    return c;
+}
+
+const GroupCache& SceneCache::get(const Group& g) {
+    GroupCache& c = groups_[g.handle];
+    if (c.version != g.version || c.ownPolygons != g.ownPolygons) {
+        packGroup(g, c);
+        c.stamp = ++stamps_;
+    }
+    return c;
+}
+
+void SceneCache::prune() {
+    World& w = world();
+    for (auto it = groups_.begin(); it != groups_.end();)
+        it = w.group(it->first) ? std::next(it) : groups_.erase(it);
+}
+
+namespace {
+
+uint8_t byteOf(int32_t v) {
+    return static_cast<uint8_t>(std::clamp(v, 0, 255));
+}
+
+float finiteOr0(double v) {
+    return std::isfinite(v) ? static_cast<float>(v) : 0.0f;
+}
+
+} // namespace
+
+void packGroup(const Group& g, GroupCache& c) {
+    c.version = g.version;
+    c.ownPolygons = g.ownPolygons;
+    c.verts.clear();
+    c.polys.clear();
+    c.tris.clear();
+    c.box[0] = c.box[1] = c.box[2] = INFINITY;
+    c.box[3] = c.box[4] = c.box[5] = -INFINITY;
+    std::vector<double> ring;
+    for (const Polygon* p = g.firstPolygon; p; p = p->nextInGroup) {
+        const size_t n = p->points.size();
+        if (n < 3) continue;
+        bool finite = true;
+        for (const PointData& d : p->points)
+            finite = finite && std::isfinite(d.xyz[0]) && std::isfinite(d.xyz[1]) && std::isfinite(d.xyz[2]);
+        if (!finite) continue; // such a polygon cannot be drawn or hit
+        PackedPolygon pp;
+        pp.handle = p->handle;
+        pp.firstVertex = static_cast<uint32_t>(c.verts.size());
+        pp.vertexCount = static_cast<uint32_t>(n);
+        const Fill& f = p->fill;
+        pp.bitmap = f.bitmap;
+        pp.animation = f.animation;
+        pp.animationFrame = f.animationFrame;
+        pp.secondBitmap = f.secondBitmap;
+        for (int i = 0; i < 3; ++i)
+            pp.color[i] = byteOf(f.color[i]);
+        pp.translucent = static_cast<uint8_t>(f.translucent & 0xFF);
+        pp.bilinear = f.bilinear != 0;
+        pp.frontOnly = p->orientation != 0;
+        pp.disabled = p->disabled;
+
+        ring.resize(n * 3);
+        for (size_t i = 0; i < n; ++i)
+            for (int k = 0; k < 3; ++k)
+                ring[i * 3 + k] = p->points[i].xyz[k];
+        double nrm[3];
+        newellNormal(ring.data(), 3, n, nrm);
+        const double len = std::sqrt(nrm[0] * nrm[0] + nrm[1] * nrm[1] + nrm[2] * nrm[2]);
+        if (len > 0 && std::isfinite(len))
+            for (int k = 0; k < 3; ++k)
+                pp.normal[k] = nrm[k] / len;
+        pp.box[0] = pp.box[1] = pp.box[2] = INFINITY;
+        pp.box[3] = pp.box[4] = pp.box[5] = -INFINITY;
+        const double polyBright = std::isfinite(f.brightness) ? f.brightness / 100.0 : 1.0;
+        for (const PointData& d : p->points) {
+            PackedVertex v;
+            for (int k = 0; k < 3; ++k) {
+                v.xyz[k] = d.xyz[k];
+                pp.box[k] = std::min(pp.box[k], d.xyz[k]);
+                pp.box[k + 3] = std::max(pp.box[k + 3], d.xyz[k]);
+            }
+            v.u = finiteOr0(d.uv[0]);
+            v.v = finiteOr0(d.uv[1]);
+            v.u2 = finiteOr0(d.uv2[0]);
+            v.v2 = finiteOr0(d.uv2[1]);
+            const double b = (std::isfinite(d.brightness) ? d.brightness / 100.0 : 1.0) * polyBright;
+            for (int k = 0; k < 3; ++k)
+                v.shade[k] = std::max(0.0f, finiteOr0(d.rgb[k] / 255.0 * b));
+            const double nl =
+                std::sqrt(d.normal[0] * d.normal[0] + d.normal[1] * d.normal[1] + d.normal[2] * d.normal[2]);
+            for (int k = 0; k < 3; ++k)
+                v.normal[k] = (nl > 1e-12 && std::isfinite(nl)) ? static_cast<float>(d.normal[k] / nl)
+                                                                : static_cast<float>(pp.normal[k]);
+            c.verts.push_back(v);
+        }
+        for (int k = 0; k < 3; ++k) {
+            c.box[k] = std::min(c.box[k], pp.box[k]);
+            c.box[k + 3] = std::max(c.box[k + 3], pp.box[k + 3]);
+        }
+        pp.firstTri = static_cast<uint32_t>(c.tris.size() / 3);
+        triangulate(ring.data(), 3, n, c.tris);
+        pp.triCount = static_cast<uint32_t>(c.tris.size() / 3) - pp.firstTri;
+        c.polys.push_back(pp);
+    }
+}
+
+} // namespace zelmar::render

@@ -1,0 +1,62 @@
+// Render-ready copies of the groups' own polygons: points packed in one array, rings
+// triangulated, fills copied. One entry per group, rebuilt when the group's version or
+// polygon count changes (every change of a polygon bumps its group's version). Rendering
+// and picking both read it.
+#pragma once
+#include "scene/Entities.h"
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+namespace zelmar::render {
+
+struct PackedVertex {
+    double xyz[3];
+    float u, v, u2, v2;
+    float shade[3];  // rgb / 255 x point brightness / 100 x polygon brightness / 100
+    float normal[3]; // unit; the polygon's when the point has none
+};
+
+struct PackedPolygon {
+    Handle handle = 0;
+    uint32_t firstVertex = 0, vertexCount = 0;
+    uint32_t firstTri = 0, triCount = 0; // into GroupCache::tris, triples of local indices
+    Handle bitmap = 0, animation = 0, secondBitmap = 0;
+    int32_t animationFrame = 0;
+    uint8_t color[3] = {255, 255, 255};
+    uint8_t translucent = 0;
+    bool bilinear = true;
+    bool frontOnly = false;
+    bool disabled = false;
+    double normal[3] = {0, 0, 0}; // unit Newell normal, zero when degenerate
+    double box[6] = {0, 0, 0, 0, 0, 0};
+};
+
+struct GroupCache {
+    uint32_t version = 0;
+    int64_t ownPolygons = -1;
+    std::vector<PackedVertex> verts;
+    std::vector<PackedPolygon> polys;
+    std::vector<uint32_t> tris;
+    double box[6] = {0, 0, 0, 0, 0, 0}; // of all points; empty when min > max
+    uint64_t stamp = 0;                 // bumped on each rebuild (pick caches follow it)
+};
+
+class SceneCache {
+  public:
+    // The group's packed data, rebuilt if stale.
+    const GroupCache& get(const Group& g);
+    // Drops entries of groups that no longer exist.
+    void prune();
+    size_t size() const { return groups_.size(); }
+
+  private:
+    std::unordered_map<Handle, GroupCache> groups_;
+    uint64_t stamps_ = 0;
+};
+
+SceneCache& sceneCache();
+
+void packGroup(const Group& g, GroupCache& out);
+
+} // namespace zelmar::render

@@ -1,0 +1,159 @@
+// 2D to 3D picks: which polygon and group a pixel hits, the hit point, and what is passed.
+// Same camera as the projection tests: origin, looking along +x, zoom 90, 64 x 48.
+#include "TestScene.h"
+
+#include "pick/Picker.h"
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <zelmar/zelmar.h>
+
+using namespace zelmar;
+using namespace zelmar::test;
+
+namespace {
+
+Polygon* wall(Group* g, double depth, double half) {
+    return polygon(g,
+                   {{depth, half, half}, {depth, half, -half}, {depth, -half, -half}, {depth, -half, half}});
+}
+
+class Pick : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        resetEngine();
+        target = ZELMAR_target_create(64, 48);
+        camera = cameraAlongX({0, 0, 0}, 90, 1.0);
+        ZELMAR_camera_set_current(camera->handle, target);
+        far = group("far");
+        farWall = wall(far, 10, 5);
+        nearGroup = group("near");
+        nearWall = wall(nearGroup, 5, 1);
+    }
+    void TearDown() override {
+        ZELMAR_target_destroy(target);
+        resetEngine();
+    }
+    int pickAt(int x, int y, double r[3], int* g) {
+        int p = -9;
+        const int status = ZELMAR_engine_2D_point_to_3D(x, y, r, g, &p);
+        EXPECT_EQ(status, p ? 1 : -1);
+        return p;
+    }
+    int target = 0;
+    Camera* camera = nullptr;
+    Group *far = nullptr, *nearGroup = nullptr;
+    Polygon *farWall = nullptr, *nearWall = nullptr;
+};
+
+TEST_F(Pick, NearestPolygonOfAnotherGroupInFrontWins) {
+    double r[3];
+    int g = 0;
+    EXPECT_EQ(pickAt(32, 24, r, &g), nearWall->handle);
+    EXPECT_EQ(g, nearGroup->handle);
+    EXPECT_DOUBLE_EQ(r[0], 5);
+    EXPECT_DOUBLE_EQ(r[1], -5.0 / 64);
+    EXPECT_DOUBLE_EQ(r[2], -5.0 / 64);
+    // Pixel 20: the ray passes beside the near wall (y 1.8 at x 5) and meets the far one.
+    EXPECT_EQ(pickAt(20, 24, r, &g), farWall->handle);
+    EXPECT_EQ(g, far->handle);
+    EXPECT_DOUBLE_EQ(r[1], (32 - 20.5) * 10 / 32);
+    EXPECT_EQ(ZELMAR_engine_get_polygon_at_point_2D(32, 24), nearWall->handle);
+    EXPECT_EQ(ZELMAR_engine_get_object_at_point_2D(20, 24), far->handle);
+}
+
+TEST_F(Pick, EmptySpaceAnswersMinusOneAndZeros) {
+    double r[3] = {7, 7, 7};
+    int g = -9;
+    EXPECT_EQ(pickAt(5, 24, r, &g), 0);
+    EXPECT_EQ(g, 0);
+    EXPECT_EQ(r[0], 7) << "result untouched";
+    EXPECT_EQ(ZELMAR_engine_get_polygon_at_point_2D(5, 24), 0);
+    EXPECT_EQ(ZELMAR_engine_2D_point_to_3D(5, 24, nullptr, nullptr, nullptr), -1);
+    EXPECT_EQ(ZELMAR_engine_2D_point_to_3D(32, 24, nullptr, nullptr, nullptr), 1);
+}
+
+TEST_F(Pick, DisabledGroupsAncestorsAndPolygonsArePassed) {
+    double r[3];
+    int g;
+    nearGroup->disabled = true;
+    EXPECT_EQ(pickAt(32, 24, r, &g), farWall->handle);
+    nearGroup->disabled = false;
+    Group* parent = group("parent");
+    world().setFather(*nearGroup, parent);
+    parent->disabled = true;
+    EXPECT_EQ(pickAt(32, 24, r, &g), farWall->handle);
+    parent->disabled = false;
+    nearWall->disabled = true;
+    changed(nearWall);
+    EXPECT_EQ(pickAt(32, 24, r, &g), farWall->handle);
+}
+
+TEST_F(Pick, PolygonsBehindTheEyeOrTheNearPlaneAreNotHit) {
+    Group* behind = group("behind");
+    wall(behind, -3, 50);
+    Group* tooNear = group("too near");
+    wall(tooNear, 0.5, 3);
+    double r[3];
+    int g;
+    EXPECT_EQ(pickAt(32, 24, r, &g), nearWall->handle);
+}
+
+TEST_F(Pick, FrontOnlyPolygonSeenFromBehindIsPassed) {
+    // The near wall's ring runs counter-clockwise seen from the camera: flip it around.
+    std::reverse(nearWall->points.begin() + 1, nearWall->points.end());
+    nearWall->orientation = 1;
+    changed(nearWall);
+    double r[3];
+    int g;
+    EXPECT_EQ(pickAt(32, 24, r, &g), farWall->handle);
+    nearWall->orientation = 0;
+    changed(nearWall);
+    EXPECT_EQ(pickAt(32, 24, r, &g), nearWall->handle);
+}
+
+TEST_F(Pick, GroupToRenderLimitsPicks) {
+    ZELMAR_engine_set_group_to_render(far->handle);
+    double r[3];
+    int g;
+    EXPECT_EQ(pickAt(32, 24, r, &g), farWall->handle);
+    ZELMAR_engine_set_group_to_render(0);
+    EXPECT_EQ(pickAt(32, 24, r, &g), nearWall->handle);
+}
+
+TEST_F(Pick, MovedGeometryIsPickedWhereItIsNow) {
+    double r[3];
+    int g;
+    ASSERT_EQ(pickAt(32, 24, r, &g), nearWall->handle);
+    for (PointData& d : nearWall->points)
+        d.xyz[2] += 30; // far above the view
+    changed(nearWall);
+    EXPECT_EQ(pickAt(32, 24, r, &g), farWall->handle);
+    // And a polygon added later is found.
+    Polygon* added = wall(far, 8, 2);
+    EXPECT_EQ(pickAt(32, 24, r, &g), added->handle);
+    world().destroyPolygon(*added);
+    EXPECT_EQ(pickAt(32, 24, r, &g), farWall->handle);
+}
+
+TEST_F(Pick, ConcavePolygonNotchIsEmpty) {
+    Group* l = group("L");
+    // An L in the plane x = 4 whose notch is the upper left quarter around the centre ray.
+    polygon(l, {{4, 2, -2}, {4, -2, -2}, {4, -2, 2}, {4, 0, 2}, {4, 0, 0}, {4, 2, 0}});
+    double r[3];
+    int g;
+    EXPECT_EQ(pickAt(28, 20, r, &g), nearWall->handle) << "through the notch";
+    EXPECT_EQ(world().polygon(pickAt(36, 28, r, &g))->group, l);
+    EXPECT_EQ(world().polygon(pickAt(36, 20, r, &g))->group, l);
+}
+
+TEST_F(Pick, NoCurrentCameraMeansNoPick) {
+    ZELMAR_target_destroy(target);
+    double r[3];
+    int g = 5, p = 5;
+    EXPECT_EQ(ZELMAR_engine_2D_point_to_3D(32, 24, r, &g, &p), -1);
+    EXPECT_EQ(g, 0);
+    EXPECT_EQ(p, 0);
+    target = ZELMAR_target_create(64, 48);
+}
+
+} // namespace
