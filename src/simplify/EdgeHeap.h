@@ -1,0 +1,109 @@
+// Indexed binary min-heap of edges ordered by (cost, index): the production's replacement for
+// the linear scan of NextCheapestEdge. The order is the one the scan gives: strictly smaller
+// cost first, the lower index on equal costs (-0.0 and 0.0 are equal, as for the scan's `<`).
+// Only edges whose cost can ever be chosen are held (valid, cost >= -1e21, cost < 1e32; a NaN
+// cost fails both tests), so the top is the scan's first candidate.
+#pragma once
+#include <cstdint>
+#include <vector>
+
+namespace simplify {
+
+class EdgeHeap {
+public:
+    struct Entry {
+        double cost;
+        int edge;
+    };
+
+    void clear() {
+        heap_.clear();
+        pos_.clear();
+    }
+    // Builds the heap from all entries at once (positions array sized for edges 0..maxEdge).
+    void build(std::vector<Entry> entries, int maxEdge) {
+        heap_ = std::move(entries);
+        pos_.assign(static_cast<std::size_t>(maxEdge) + 1, -1);
+        for (std::size_t i = 0; i < heap_.size(); ++i) pos_[static_cast<std::size_t>(heap_[i].edge)] = static_cast<int>(i);
+        if (heap_.size() > 1)
+            for (std::size_t i = (heap_.size() - 2) / 2 + 1; i-- > 0;) down(i);
+    }
+    bool empty() const { return heap_.empty(); }
+    std::size_t size() const { return heap_.size(); }
+    const Entry& top() const { return heap_.front(); }
+    bool contains(int edge) const {
+        return edge >= 0 && static_cast<std::size_t>(edge) < pos_.size() && pos_[static_cast<std::size_t>(edge)] >= 0;
+    }
+    // Inserts or moves an edge to its new cost.
+    void set(int edge, double cost) {
+        if (static_cast<std::size_t>(edge) >= pos_.size()) pos_.resize(static_cast<std::size_t>(edge) + 1, -1);
+        int& p = pos_[static_cast<std::size_t>(edge)];
+        if (p < 0) {
+            p = static_cast<int>(heap_.size());
+            heap_.push_back({cost, edge});
+            up(heap_.size() - 1);
+            return;
+        }
+        const std::size_t i = static_cast<std::size_t>(p);
+        const Entry old = heap_[i];
+        heap_[i].cost = cost;
+        if (less(heap_[i], old)) up(i);
+        else down(i);
+    }
+    void remove(int edge) {
+        if (!contains(edge)) return;
+        const std::size_t i = static_cast<std::size_t>(pos_[static_cast<std::size_t>(edge)]);
+        pos_[static_cast<std::size_t>(edge)] = -1;
+        const Entry last = heap_.back();
+        heap_.pop_back();
+        if (i == heap_.size()) return;
+        heap_[i] = last;
+        pos_[static_cast<std::size_t>(last.edge)] = static_cast<int>(i);
+        up(i);
+        down(static_cast<std::size_t>(pos_[static_cast<std::size_t>(last.edge)]));
+    }
+    Entry pop() {
+        const Entry e = heap_.front();
+        remove(e.edge);
+        return e;
+    }
+    std::size_t memoryBytes() const { return heap_.capacity() * sizeof(Entry) + pos_.capacity() * sizeof(int); }
+
+    static bool less(const Entry& a, const Entry& b) {
+        return a.cost < b.cost || (!(b.cost < a.cost) && a.edge < b.edge);
+    }
+
+private:
+    void place(std::size_t i, const Entry& e) {
+        heap_[i] = e;
+        pos_[static_cast<std::size_t>(e.edge)] = static_cast<int>(i);
+    }
+    void up(std::size_t i) {
+        const Entry e = heap_[i];
+        while (i > 0) {
+            const std::size_t parent = (i - 1) / 2;
+            if (!less(e, heap_[parent])) break;
+            place(i, heap_[parent]);
+            i = parent;
+        }
+        place(i, e);
+    }
+    void down(std::size_t i) {
+        const Entry e = heap_[i];
+        const std::size_t n = heap_.size();
+        for (;;) {
+            std::size_t child = 2 * i + 1;
+            if (child >= n) break;
+            if (child + 1 < n && less(heap_[child + 1], heap_[child])) ++child;
+            if (!less(heap_[child], e)) break;
+            place(i, heap_[child]);
+            i = child;
+        }
+        place(i, e);
+    }
+
+    std::vector<Entry> heap_;
+    std::vector<int> pos_;
+};
+
+} // namespace simplify

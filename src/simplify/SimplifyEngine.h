@@ -1,0 +1,70 @@
+// The engine operations that Part 6.3 uses, as one small interface, so that the mesh algorithm
+// can be run and checked without the engine (tests feed arrays of triangles through an
+// in-memory implementation). ZelmarSimplifyEngine forwards each call to the ZELMAR_* function
+// of the same name; it is what SurfSimpli uses when it is given no engine.
+#pragma once
+
+namespace simplify {
+
+class SimplifyEngine {
+public:
+    virtual ~SimplifyEngine() = default;
+    // reading a group
+    virtual int group_get_number_of_polygons(int group) = 0;
+    virtual void group_get_center_of_mass(int group, double out[3]) = 0;
+    virtual int group_get_first_polygon(int group) = 0;
+    virtual int group_get_next_polygon(int polygon) = 0;
+    virtual int polygon_get_bitmap_handle(int polygon) = 0;
+    virtual void polygon_get_color(int polygon, int rgb[3]) = 0;
+    virtual double polygon_get_brightness(int polygon) = 0;
+    virtual int polygon_get_first_point(int polygon) = 0;
+    virtual int point_get_next_point(int point) = 0;
+    virtual void point_get_bitmap_xy(int point, double uv[2]) = 0;
+    virtual double point_get_brightness(int point) = 0;
+    virtual void point_get_normal(int point, double normal[3]) = 0;
+    virtual void point_get_xyz(int point, double xyz[3]) = 0;
+    virtual void polygon_get_plane(int polygon, double plane[4]) = 0;
+    // writing the output group
+    virtual int group_create(const char* name) = 0;
+    virtual void group_get_location(int group, double location[3]) = 0;
+    virtual void group_set_rotate_reference_point(int group, const double point[3]) = 0;
+    virtual int polygon_create() = 0;
+    virtual void polygon_set_group(int polygon, int group) = 0;
+    // vertex: x, y, z, u, v, brightness (the engine reads six doubles)
+    virtual int polygon_add_point(int polygon, const double vertex[6]) = 0;
+    virtual int engine_add_polygon(int polygon) = 0;
+    virtual void polygon_set_color_fill(int polygon, int red, int green, int blue) = 0;
+    virtual void polygon_set_brightness(int polygon, double value) = 0;
+    virtual void polygon_set_bitmap_fill(int polygon, int bitmap) = 0;
+};
+
+// Forwards to libzelmar3.
+class ZelmarSimplifyEngine final : public SimplifyEngine {
+public:
+    int group_get_number_of_polygons(int group) override;
+    void group_get_center_of_mass(int group, double out[3]) override;
+    int group_get_first_polygon(int group) override;
+    int group_get_next_polygon(int polygon) override;
+    int polygon_get_bitmap_handle(int polygon) override;
+    void polygon_get_color(int polygon, int rgb[3]) override;
+    double polygon_get_brightness(int polygon) override;
+    int polygon_get_first_point(int polygon) override;
+    int point_get_next_point(int point) override;
+    void point_get_bitmap_xy(int point, double uv[2]) override;
+    double point_get_brightness(int point) override;
+    void point_get_normal(int point, double normal[3]) override;
+    void point_get_xyz(int point, double xyz[3]) override;
+    void polygon_get_plane(int polygon, double plane[4]) override;
+    int group_create(const char* name) override;
+    void group_get_location(int group, double location[3]) override;
+    void group_set_rotate_reference_point(int group, const double point[3]) override;
+    int polygon_create() override;
+    void polygon_set_group(int polygon, int group) override;
+    int polygon_add_point(int polygon, const double vertex[6]) override;
+    int engine_add_polygon(int polygon) override;
+    void polygon_set_color_fill(int polygon, int red, int green, int blue) override;
+    void polygon_set_brightness(int polygon, double value) override;
+    void polygon_set_bitmap_fill(int polygon, int bitmap) override;
+};
+
+} // namespace simplify

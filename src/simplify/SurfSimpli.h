@@ -1,0 +1,300 @@
+// SurfSimpli: reduces the triangle count of one group by quadric-error edge contraction
+// (spec Parts 6.1 mesh model, 6.2 edge cost and contraction, 6.3 extraction and output).
+//
+// This is the production implementation. Its behaviour is that of the spec's linear scans to
+// the last tie-break; what differs is only how things are found:
+//   - points and edges are found by hashing instead of the octant and edge scans of Part 6.1;
+//   - the cheapest contractible edge comes from an indexed heap ordered by (cost, index) instead
+//     of one scan of all edges per candidate (Part 6.2 NextCheapestEdge);
+//   - association lists of points drop entries of dead records (nothing reads those).
+// tests/simplify/reference holds the literal implementation; the tests prove that both give the
+// same contractions and bit-identical output. docs/simplify.md records the open decisions.
+//
+// Indices are 1-based: slot 0 of every array exists and is never used.
+#pragma once
+#include "simplify/EdgeHeap.h"
+#include "simplify/SimplifyEngine.h"
+#include "simplify/SimplifyHost.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace simplify {
+
+// Quadric(i, j), i and j from 1 to 4, stored row by row at [(i - 1) * 4 + (j - 1)]. Row 0 and
+// column 0 of the spec's 5 x 5 array are always 0 and are not stored.
+using Quadric = std::array<double, 16>;
+inline constexpr int qi(int i, int j) { return (i - 1) * 4 + (j - 1); }
+
+struct SimpPoint {
+    bool Valid = false;
+    double Coords[3] = {0, 0, 0};
+    std::vector<std::int32_t> AssTris;  // NumAssTris is AssTris.size()
+    std::vector<std::int32_t> AssEdges; // NumAssEdges is AssEdges.size()
+    Quadric Q{};
+    double VertBrightness = 0;
+    double VertNormal[3] = {0, 0, 0};
+    int NumAssTris() const { return static_cast<int>(AssTris.size()); }
+    int NumAssEdges() const { return static_cast<int>(AssEdges.size()); }
+};
+
+struct SimpEdge {
+    bool Valid = false;
+    bool IsBorder = false;
+    std::int32_t PtA = 0;
+    std::int32_t PtB = 0;
+    std::vector<std::int32_t> AssTris; // slots of removed triangles stay (Part 6.2 MergeEdgeTris)
+    double NewCoords[3] = {0, 0, 0};
+    double Cost = 0;
+    int NumAssTris() const { return static_cast<int>(AssTris.size()); }
+};
+
+struct SimpTri {
+    bool Valid = false;
+    std::int32_t Pts[3] = {0, 0, 0};
+    double TexUV[3][2] = {{0, 0}, {0, 0}, {0, 0}};
+    std::int32_t Edges[3] = {0, 0, 0};
+    double Plane[4] = {0, 0, 0, 0};
+    std::int32_t BitmapHandle = 0;
+    double TriBrightness = 0;
+    std::int32_t TriColor[3] = {0, 0, 0};
+};
+
+struct SimpBucketEntry {
+    std::int32_t Point = 0;
+    double Coords[3] = {0, 0, 0};
+};
+
+// How SelectMultiplePoints combines the rectangle with the selection (CTRL adds, SHIFT removes).
+enum class SelectMode { Replace, Add, Remove };
+
+class SurfSimpli {
+public:
+    // engine: the engine crossing of Part 6.3; nullptr means libzelmar3 (ZelmarSimplifyEngine).
+    explicit SurfSimpli(SimplifyEngine* engine = nullptr);
+    ~SurfSimpli();
+    SurfSimpli(const SurfSimpli&) = delete;
+    SurfSimpli& operator=(const SurfSimpli&) = delete;
+
+    // ---- public properties (Part 6.2) ----
+    bool ZeroErrorMode = false;
+    bool ForceRestart = false;
+
+    void SetHost(SimplifyHost* host) { host_ = host; }
+    void SetLocaleMessages(const SimplifyMessages& messages) { messages_ = messages; }
+    void SetEngine(SimplifyEngine* engine);
+
+    // ---- Part 6.1: mesh model ----
+    void AddTriangle(const double corner1[9], const double corner2[9], const double corner3[9], const double plane[4],
+                     int bitmapHandle, double brightness, const int color[3]);
+    int BucketPoint(const double coords[3], int tri);
+    int AddEdgeOfTri(int pA, int pB, int tri);
+
+    int GetFirstValidTri();
+    int GetNextValidTri();
+    int GetPrevValidTri();
+    int GetFirstValidEdge();
+    int GetNextValidEdge();
+    int GetPrevValidEdge();
+    int GetFirstValidPt();
+    int GetNextValidPt();
+    int GetPrevValidPt();
+    double GetEdgCost(int edge) const;
+
+    void Reset();
+    void CopyGeomForRestore();
+    void RestoreGeomFromCopy();
+
+    // Selection (the list SelectedPts; Part 6.4 fills it).
+    void SelectMultiplePoints(double x1, double y1, double x2, double y2, bool ignoreBackFaced, SelectMode mode,
+                              const double cameraLocation[3]);
+    void ResetPtSelection() { selectedPts_.clear(); }
+    void SetSelectedPts(std::vector<std::int32_t> points) { selectedPts_ = std::move(points); }
+    void AddSelectedPt(std::int32_t point) { selectedPts_.push_back(point); }
+    bool IsPtSelected(std::int32_t point) const; // linear search from the first entry
+    void RemoveSelectedPt(std::int32_t point);   // entries behind move up by one
+    const std::vector<std::int32_t>& SelectedPts() const { return selectedPts_; }
+
+    // Diagnostic drawing (Part 6.1, on the area of Part 6.4).
+    void SetPaintableAreaDC(SimplifyCanvas* canvas) { canvas_ = canvas; }
+    void DisplayPoint(int point, SimpPen pen);
+    void DisplayEdge(int edge, SimpPen pen);
+    void DisplayTri(int tri, SimpPen pen);
+    void DisplayTriAndAssEdges(int tri);
+    void DisplayEdgeAndAssTris(int edge);
+    void DisplayPtAssEdgsAndAssTris(int point);
+    void Pt_DisplayAssociatedEdges(int point);
+    void Pt_DisplayAssociatedTris(int point);
+    void DisplayMinCostEdge();
+    void DrawAllBorderEdges();
+    void DisplayAffectedEdges();
+    void DrawSelectedPts();
+
+    // ---- Part 6.2: edge cost and contraction ----
+    int Reduce(int target, int group, bool protectTexSeams, SimplifyProgress* progress, SimplifyStatus* status,
+               bool geomOnly, bool lockSelected, bool protectColorBorders);
+    void SimplifyLoop(int target);
+    int ContractEdge();
+    int SelectContractibleEdge();
+    // The spec's linear scan, kept for diagnostics and tests; SelectContractibleEdge uses the heap.
+    int NextCheapestEdge(int after, const std::vector<int>& excluded);
+    bool WouldDegenerate(int edge);
+    bool WouldFlipNormal(int edge);
+    bool KeepsManifold(int edge); // the spec's -1 is true
+    void InterpolateTexCoords(const double newCoords[3], int kept, int gone);
+    void RemoveTriOfEdge(int tri, int edge);
+    void MergeEdgeTris(int e1, int e2);
+    void RepointTriEdges(int from, int to);
+    void CollectAffected(int kept);
+    void EvaluatePlaneOfAffectedTris(int kept);
+    void BuildAllQuadrics();
+    void BuildPointQuadric(int point);
+    void ClearPointQuadric(int point);
+    void MarkBorderEdges();
+    bool HasBitmapBorder(int edge) const;
+    bool HasTexSeam(int edge) const;
+    bool HasColorBorder(int edge) const;
+    void AddBorderPenalty(int edge);
+    void AddBorderPenaltyToPoint(int point, int edge);
+    void AddLockTerms();
+    void EvaluateEdgeQuadric(int edge);
+    void EvaluateAllEdges();
+    void EvaluateAffectedEdges();
+    double EdgeCostAt(int edge) const;
+    void PlaceOptimal(int edge);
+    void PlaceOnSegment(int edge);
+    void PlaceAtBetterEnd(int edge);
+    int CountValidTris(int edge) const;
+
+    // ---- Part 6.3: extraction and output ----
+    void ExtractTriangles(int group);
+    int BuildOutput();
+    bool GetFirstTriangle(double corner1[9], double corner2[9], double corner3[9], int& bitmapHandle,
+                          double& brightness, int color[3]);
+    bool GetNextTriangle(double corner1[9], double corner2[9], double corner3[9], int& bitmapHandle,
+                         double& brightness, int color[3]);
+
+    // ---- state, for the workbench, the tests and the diagnostics ----
+    int PointCount() const { return static_cast<int>(pts_.size()) - 1; }
+    int EdgeCount() const { return static_cast<int>(edges_.size()) - 1; }
+    int TriCount() const { return static_cast<int>(tris_.size()) - 1; }
+    const SimpPoint& Point(int i) const { return pts_.at(static_cast<std::size_t>(i)); }
+    const SimpEdge& Edge(int i) const { return edges_.at(static_cast<std::size_t>(i)); }
+    const SimpTri& Tri(int i) const { return tris_.at(static_cast<std::size_t>(i)); }
+    const Quadric& EdgeQuadric(int i) const { return edgeQ_.at(static_cast<std::size_t>(i)); }
+    const double* OctantCentre() const { return octantCentre_; }
+    void SetOctantCentre(const double c[3]) {
+        for (int k = 0; k < 3; ++k) octantCentre_[k] = c[k];
+    }
+    const std::vector<SimpBucketEntry>& OctantBucket(int i) const { return buckets_.at(static_cast<std::size_t>(i)); }
+    int TriTotal() const { return triTotal_; }
+    int TriCurrent() const { return triCurrent_; }
+    int SourceGroup() const { return sourceGroup_; }
+    int MinEdge() const { return minEdge_; }
+    double MinCost() const { return minCost_; }
+    bool ContinueRun() const { return continueRun_; }
+    const std::vector<std::int32_t>& AffectedPoints() const { return affectedPts_; }
+    const std::vector<std::int32_t>& AffectedEdges() const { return affectedEdges_; }
+    int TriCursor() const { return triCursor_; }
+    int EdgeCursor() const { return edgeCursor_; }
+    int PtCursor() const { return ptCursor_; }
+    int OutputCursor() const { return outCursor_; }
+    bool GeomOnly() const { return geomOnly_; }
+    bool LockSelected() const { return lockSelected_; }
+    bool ProtectTexSeams() const { return protectTexSeams_; }
+    bool ProtectColorBorders() const { return protectColorBorders_; }
+    // Options can also be set without a Reduce (tests, diagnostics).
+    void SetOptions(bool protectTexSeams, bool geomOnly, bool lockSelected, bool protectColorBorders);
+
+    // Every contracted edge in order, when enabled (tests and benchmarks).
+    bool TraceContractions = false;
+    std::vector<std::int32_t> ContractionTrace;
+
+    // Approximate bytes held by the model (arrays, lists, backup, indexes).
+    std::size_t MemoryBytes() const;
+
+private:
+    struct Backup {
+        std::vector<SimpPoint> pts;
+        std::vector<SimpEdge> edges;
+        std::vector<SimpTri> tris;
+        std::vector<Quadric> edgeQ;
+    };
+
+    std::string msg(const std::string& locale, const char* fallback) const {
+        return locale.empty() ? std::string(fallback) : locale;
+    }
+    void setStatus(const std::string& text) {
+        if (status_) status_->setText(text);
+    }
+    void showMessage(const std::string& text) {
+        if (host_) host_->messageBox(text);
+    }
+    static void addIfAbsent(std::vector<std::int32_t>& list, std::int32_t value);
+    void addProducts(Quadric& q, const double p[4]) const;
+    void borderPlane(int edge, double p[4]) const;
+    void cornerUV(int tri, int point, double uv[2]) const;
+    void setCornerUV(int tri, int point, const double uv[2]);
+    bool edgeHasTri(int edge, int tri) const;
+    void heapUpdate(int edge);
+    void rebuildHeap();
+    void rebuildPointIndex();
+    void rebuildEdgeIndex();
+    void markSelected();
+    bool selectedFast(int point) const;
+    void project(int point, double& x, double& y, bool& ok) const;
+
+    SimplifyEngine* engine_ = nullptr;
+    std::unique_ptr<SimplifyEngine> ownEngine_;
+    SimplifyHost* host_ = nullptr;
+    SimplifyProgress* progress_ = nullptr;
+    SimplifyStatus* status_ = nullptr;
+    SimplifyCanvas* canvas_ = nullptr;
+    SimplifyMessages messages_;
+
+    std::vector<SimpPoint> pts_;
+    std::vector<SimpEdge> edges_;
+    std::vector<SimpTri> tris_;
+    std::vector<Quadric> edgeQ_; // the edges' Quadric, apart from the hot fields
+    double octantCentre_[3] = {0, 0, 0};
+    std::array<std::vector<SimpBucketEntry>, 8> buckets_;
+    Backup backup_;
+    int triTotal_ = 0;
+    int triCurrent_ = 0;
+    std::vector<std::int32_t> selectedPts_;
+    int triCursor_ = 0, edgeCursor_ = 0, ptCursor_ = 0, outCursor_ = 1;
+    std::vector<std::int32_t> affectedPts_, affectedEdges_;
+    int sourceGroup_ = 0;
+    int outputGroup_ = 0; // the group read or being reduced: its location is the output's reference point
+
+    bool geomOnly_ = false, lockSelected_ = false, protectTexSeams_ = false, protectColorBorders_ = false;
+    bool continueRun_ = false;
+    int minEdge_ = -1;
+    double minCost_ = 0;
+
+    // indexes of the production implementation
+    struct PointKey {
+        std::uint64_t x, y, z;
+        int octant;
+        bool operator==(const PointKey&) const = default;
+    };
+    struct PointKeyHash {
+        std::size_t operator()(const PointKey& k) const;
+    };
+    std::unordered_map<PointKey, std::int32_t, PointKeyHash> pointIndex_;
+    bool pointIndexDirty_ = false;
+    std::unordered_map<std::uint64_t, std::int32_t> edgeIndex_;
+    bool edgeIndexDirty_ = false;
+    EdgeHeap heap_;
+    bool heapDirty_ = true;
+    std::vector<std::uint32_t> ptStamp_, edgeStamp_;
+    std::uint32_t stamp_ = 0;
+    std::vector<char> selectedMark_;
+    std::vector<EdgeHeap::Entry> popped_;
+};
+
+} // namespace simplify

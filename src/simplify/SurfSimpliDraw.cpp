@@ -1,0 +1,114 @@
+// Diagnostic drawing of the model (Part 6.1) on the paintable area of the workbench (Part 6.4),
+// and the rectangle selection of mesh points. The pens are chosen here (the spec leaves it):
+// points and single records in the pen given; a record's associations in contrasting pens.
+#include "simplify/SurfSimpli.h"
+
+#include <algorithm>
+
+namespace simplify {
+
+void SurfSimpli::project(int point, double& x, double& y, bool& ok) const {
+    ok = canvas_ && point >= 0 && point <= PointCount() &&
+         canvas_->project(pts_[static_cast<std::size_t>(point)].Coords, x, y);
+}
+
+void SurfSimpli::DisplayPoint(int point, SimpPen pen) {
+    double x, y;
+    bool ok;
+    project(point, x, y, ok);
+    if (ok) canvas_->drawCircle(pen, x, y, 4.0);
+}
+
+void SurfSimpli::DisplayEdge(int edge, SimpPen pen) {
+    if (!canvas_ || edge < 1 || edge > EdgeCount()) return;
+    const SimpEdge& E = edges_[static_cast<std::size_t>(edge)];
+    double x1, y1, x2, y2;
+    bool ok1, ok2;
+    project(E.PtA, x1, y1, ok1);
+    project(E.PtB, x2, y2, ok2);
+    if (ok1 && ok2) canvas_->drawLine(pen, x1, y1, x2, y2);
+}
+
+void SurfSimpli::DisplayTri(int tri, SimpPen pen) {
+    if (!canvas_ || tri < 1 || tri > TriCount()) return;
+    const SimpTri& T = tris_[static_cast<std::size_t>(tri)];
+    double x[3], y[3];
+    bool ok[3];
+    for (int k = 0; k < 3; ++k) project(T.Pts[k], x[k], y[k], ok[k]);
+    for (int k = 0; k < 3; ++k) {
+        const int n = (k + 1) % 3;
+        if (ok[k] && ok[n]) canvas_->drawLine(pen, x[k], y[k], x[n], y[n]);
+    }
+}
+
+void SurfSimpli::DisplayTriAndAssEdges(int tri) {
+    if (tri < 1 || tri > TriCount()) return;
+    DisplayTri(tri, SimpPen::White1);
+    for (const int e : tris_[static_cast<std::size_t>(tri)].Edges) DisplayEdge(e, SimpPen::Red2);
+}
+
+void SurfSimpli::DisplayEdgeAndAssTris(int edge) {
+    if (edge < 1 || edge > EdgeCount()) return;
+    for (const int t : edges_[static_cast<std::size_t>(edge)].AssTris) DisplayTri(t, SimpPen::Blue1);
+    DisplayEdge(edge, SimpPen::Red2);
+}
+
+void SurfSimpli::Pt_DisplayAssociatedEdges(int point) {
+    if (point < 1 || point > PointCount()) return;
+    for (const int e : pts_[static_cast<std::size_t>(point)].AssEdges) DisplayEdge(e, SimpPen::Green2);
+}
+
+void SurfSimpli::Pt_DisplayAssociatedTris(int point) {
+    if (point < 1 || point > PointCount()) return;
+    for (const int t : pts_[static_cast<std::size_t>(point)].AssTris) DisplayTri(t, SimpPen::Blue1);
+}
+
+void SurfSimpli::DisplayPtAssEdgsAndAssTris(int point) {
+    Pt_DisplayAssociatedTris(point);
+    Pt_DisplayAssociatedEdges(point);
+    DisplayPoint(point, SimpPen::Yellow2);
+}
+
+void SurfSimpli::DisplayMinCostEdge() { DisplayEdge(minEdge_, SimpPen::Yellow2); }
+
+void SurfSimpli::DrawAllBorderEdges() {
+    for (int e = 1; e <= EdgeCount(); ++e) {
+        const SimpEdge& E = edges_[static_cast<std::size_t>(e)];
+        if (E.Valid && E.IsBorder) DisplayEdge(e, SimpPen::Red1);
+    }
+}
+
+void SurfSimpli::DisplayAffectedEdges() {
+    for (const int e : affectedEdges_) DisplayEdge(e, SimpPen::Blue2);
+}
+
+void SurfSimpli::DrawSelectedPts() {
+    for (const int p : selectedPts_)
+        if (p >= 1 && p <= PointCount() && pts_[static_cast<std::size_t>(p)].Valid) DisplayPoint(p, SimpPen::Red2);
+}
+
+void SurfSimpli::SelectMultiplePoints(double x1, double y1, double x2, double y2, bool ignoreBackFaced,
+                                      SelectMode mode, const double cameraLocation[3]) {
+    const double left = std::min(x1, x2), right = std::max(x1, x2);
+    const double top = std::min(y1, y2), bottom = std::max(y1, y2);
+    if (mode == SelectMode::Replace) selectedPts_.clear();
+    for (int p = 1; p <= PointCount(); ++p) {
+        const SimpPoint& P = pts_[static_cast<std::size_t>(p)];
+        if (!P.Valid) continue;
+        double x, y;
+        bool ok;
+        project(p, x, y, ok);
+        if (!ok || x < left || x > right || y < top || y > bottom) continue;
+        if (ignoreBackFaced && cameraLocation) {
+            // faces away: the vertex normal points away from the camera
+            const double d = P.VertNormal[0] * (cameraLocation[0] - P.Coords[0]) +
+                             P.VertNormal[1] * (cameraLocation[1] - P.Coords[1]) +
+                             P.VertNormal[2] * (cameraLocation[2] - P.Coords[2]);
+            if (d < 0) continue;
+        }
+        if (mode == SelectMode::Remove) RemoveSelectedPt(p);
+        else if (!IsPtSelected(p)) selectedPts_.push_back(p);
+    }
+}
+
+} // namespace simplify

@@ -1,0 +1,138 @@
+// Part 6.3: the two crossings with the engine (extraction of a group's triangles, building of
+// the output group) and the walk over the mesh's valid triangles.
+#include "simplify/SurfSimpli.h"
+
+#include "app/VexilError.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace simplify {
+
+void SurfSimpli::ExtractTriangles(int group) {
+    vexil::propagate("SurfSimpli", "ExtractTriangles", [&] {
+        setStatus(msg(messages_.extracting, "Extracting Triangles"));
+        const int count = engine_->group_get_number_of_polygons(group);
+        if (progress_) {
+            progress_->setMaximum(count);
+            progress_->setValue(0);
+        }
+        engine_->group_get_center_of_mass(group, octantCentre_);
+        outputGroup_ = group;
+        const std::size_t expected = count > 0 ? static_cast<std::size_t>(count) : 0;
+        tris_.reserve(expected + 1);
+        edges_.reserve(expected * 3 / 2 + 16);
+        edgeQ_.reserve(expected * 3 / 2 + 16);
+        pts_.reserve(expected / 2 + 16);
+        pointIndex_.reserve(expected / 2 + 16);
+        edgeIndex_.reserve(expected * 3 / 2 + 16);
+        int done = 0;
+        for (int pol = engine_->group_get_first_polygon(group); pol != 0; pol = engine_->group_get_next_polygon(pol)) {
+            const int bitmap = engine_->polygon_get_bitmap_handle(pol);
+            int color[3] = {0, 0, 0};
+            engine_->polygon_get_color(pol, color);
+            double brightness = engine_->polygon_get_brightness(pol);
+            double corners[3][9];
+            int pt = engine_->polygon_get_first_point(pol);
+            for (int k = 0; k < 3; ++k) {
+                if (k > 0) pt = engine_->point_get_next_point(pt);
+                double* c = corners[k];
+                double uv[2] = {0, 0}, normal[3] = {0, 0, 0}, xyz[3] = {0, 0, 0};
+                engine_->point_get_bitmap_xy(pt, uv);
+                brightness = engine_->point_get_brightness(pt); // the third corner's is the one passed on
+                engine_->point_get_normal(pt, normal);
+                engine_->point_get_xyz(pt, xyz);
+                c[0] = xyz[0];
+                c[1] = xyz[1];
+                c[2] = xyz[2];
+                c[3] = uv[0];
+                c[4] = uv[1];
+                c[5] = brightness;
+                c[6] = normal[0];
+                c[7] = normal[1];
+                c[8] = normal[2];
+            }
+            double plane[4] = {0, 0, 0, 0};
+            engine_->polygon_get_plane(pol, plane);
+            AddTriangle(corners[0], corners[1], corners[2], plane, bitmap, brightness, color);
+            ++done;
+            if (progress_) progress_->setValue(done);
+        }
+        if (progress_) progress_->setValue(0);
+        CopyGeomForRestore();
+        triTotal_ = TriCount();
+    });
+}
+
+int SurfSimpli::BuildOutput() {
+    return vexil::propagate("SurfSimpli", "BuildOutput", [&] {
+        setStatus(msg(messages_.building, "Building Output"));
+        if (progress_) progress_->setMaximum(triCurrent_);
+        const int group = engine_->group_create("Simplified_version");
+        double location[3] = {0, 0, 0};
+        engine_->group_get_location(outputGroup_, location);
+        engine_->group_set_rotate_reference_point(group, location);
+        double c[3][9];
+        int bitmap = 0;
+        double brightness = 0;
+        int color[3] = {0, 0, 0};
+        double scratch[9];
+        int done = 0;
+        for (bool more = GetFirstTriangle(c[0], c[1], c[2], bitmap, brightness, color); more;
+             more = GetNextTriangle(c[0], c[1], c[2], bitmap, brightness, color)) {
+            const int pol = engine_->polygon_create();
+            engine_->polygon_set_group(pol, group);
+            for (int k = 0; k < 3; ++k) {
+                for (int i = 0; i < 9; ++i) scratch[i] = c[k][i]; // CopyLinearArray: same bounds
+                engine_->polygon_add_point(pol, scratch);
+            }
+            engine_->engine_add_polygon(pol);
+            engine_->polygon_set_color_fill(pol, color[0], color[1], color[2]);
+            engine_->polygon_set_brightness(pol, std::nearbyint(brightness)); // rounded half to even
+            engine_->polygon_set_bitmap_fill(pol, bitmap);
+            ++done;
+            if (progress_) progress_->setValue(done);
+        }
+        if (progress_) progress_->setValue(0);
+        setStatus("");
+        return group;
+    });
+}
+
+namespace {
+void fillCorner(double out[9], const SimpPoint& P, const SimpTri& T, int k) {
+    out[0] = P.Coords[0]; // VectorCopy
+    out[1] = P.Coords[1];
+    out[2] = P.Coords[2];
+    out[3] = T.TexUV[k][0];
+    out[4] = T.TexUV[k][1];
+    out[5] = P.VertBrightness;
+    out[6] = P.VertNormal[0];
+    out[7] = P.VertNormal[1];
+    out[8] = P.VertNormal[2];
+}
+} // namespace
+
+bool SurfSimpli::GetFirstTriangle(double c1[9], double c2[9], double c3[9], int& bitmapHandle, double& brightness,
+                                  int color[3]) {
+    outCursor_ = 1;
+    return GetNextTriangle(c1, c2, c3, bitmapHandle, brightness, color);
+}
+
+bool SurfSimpli::GetNextTriangle(double c1[9], double c2[9], double c3[9], int& bitmapHandle, double& brightness,
+                                 int color[3]) {
+    for (int t = std::max(outCursor_, 1); t <= TriCount(); ++t) {
+        const SimpTri& T = tris_[static_cast<std::size_t>(t)];
+        if (!T.Valid) continue;
+        double* out[3] = {c1, c2, c3};
+        for (int k = 0; k < 3; ++k) fillCorner(out[k], pts_.at(static_cast<std::size_t>(T.Pts[k])), T, k);
+        bitmapHandle = T.BitmapHandle;
+        brightness = T.TriBrightness;
+        for (int k = 0; k < 3; ++k) color[k] = T.TriColor[k];
+        outCursor_ = t + 1;
+        return true;
+    }
+    return false;
+}
+
+} // namespace simplify

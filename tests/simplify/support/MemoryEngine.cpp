@@ -1,0 +1,203 @@
+#include "MemoryEngine.h"
+
+#include <cmath>
+
+namespace simplify_test {
+
+int MemoryEngine::addMesh(const MeshData& mesh, const char* name) {
+    const int g = group_create(name);
+    for (const MeshFace& f : mesh.faces) {
+        const int p = polygon_create();
+        for (int vi : f.v) {
+            const MeshVertex& mv = mesh.vertices.at(static_cast<std::size_t>(vi));
+            const double v[6] = {mv.xyz[0], mv.xyz[1], mv.xyz[2], mv.uv[0], mv.uv[1], mv.brightness};
+            const int pt = polygon_add_point(p, v);
+            for (int k = 0; k < 3; ++k) points_[static_cast<std::size_t>(pt)].normal[k] = mv.normal[k];
+        }
+        polygon_set_group(p, g);
+        engine_add_polygon(p);
+        MemPolygon& P = polys_[static_cast<std::size_t>(p)];
+        P.bitmap = f.bitmap;
+        for (int k = 0; k < 3; ++k) P.color[k] = f.color[k];
+        P.brightness = f.brightness;
+    }
+    return g;
+}
+
+void MemoryEngine::planeOf(const MemPolygon& p, const std::vector<MemPoint>& pts, double plane[4]) {
+    plane[0] = plane[1] = plane[2] = plane[3] = 0;
+    if (p.points.size() < 3) return;
+    const double* a = pts[static_cast<std::size_t>(p.points[0])].v;
+    const double* b = pts[static_cast<std::size_t>(p.points[1])].v;
+    const double* c = pts[static_cast<std::size_t>(p.points[2])].v;
+    const double u[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};
+    const double w[3] = {c[0] - a[0], c[1] - a[1], c[2] - a[2]};
+    double n[3] = {u[1] * w[2] - u[2] * w[1], u[2] * w[0] - u[0] * w[2], u[0] * w[1] - u[1] * w[0]};
+    const double len = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
+    if (len == 0 || !std::isfinite(len)) return;
+    for (int k = 0; k < 3; ++k) n[k] = -n[k] / len;
+    plane[0] = n[0];
+    plane[1] = n[1];
+    plane[2] = n[2];
+    plane[3] = -(n[0] * a[0] + n[1] * a[1] + n[2] * a[2]);
+}
+
+int MemoryEngine::group_get_number_of_polygons(int group) {
+    ++calls;
+    auto it = groups_.find(group);
+    return it == groups_.end() ? 0 : static_cast<int>(it->second.polygons.size());
+}
+
+void MemoryEngine::group_get_center_of_mass(int group, double out[3]) {
+    ++calls;
+    out[0] = out[1] = out[2] = 0;
+    auto it = groups_.find(group);
+    if (it == groups_.end()) return;
+    double s[3] = {0, 0, 0};
+    long n = 0;
+    for (int p : it->second.polygons)
+        for (int pt : polys_[static_cast<std::size_t>(p)].points) {
+            for (int k = 0; k < 3; ++k) s[k] += points_[static_cast<std::size_t>(pt)].v[k];
+            ++n;
+        }
+    if (n == 0) {
+        for (int k = 0; k < 3; ++k) out[k] = it->second.location[k];
+        return;
+    }
+    for (int k = 0; k < 3; ++k) out[k] = s[k] / static_cast<double>(n);
+}
+
+int MemoryEngine::group_get_first_polygon(int group) {
+    ++calls;
+    auto it = groups_.find(group);
+    if (it == groups_.end() || it->second.polygons.empty()) return 0;
+    return it->second.polygons.front();
+}
+
+int MemoryEngine::group_get_next_polygon(int polygon) {
+    ++calls;
+    if (polygon <= 0 || static_cast<std::size_t>(polygon) >= polys_.size()) return 0;
+    const int g = polys_[static_cast<std::size_t>(polygon)].group;
+    auto it = groups_.find(g);
+    if (it == groups_.end()) return 0;
+    const std::size_t i = static_cast<std::size_t>(polyIndexInGroup_[static_cast<std::size_t>(polygon)]) + 1;
+    return i < it->second.polygons.size() ? it->second.polygons[i] : 0;
+}
+
+int MemoryEngine::polygon_get_bitmap_handle(int polygon) { ++calls; return polys_.at(static_cast<std::size_t>(polygon)).bitmap; }
+
+void MemoryEngine::polygon_get_color(int polygon, int rgb[3]) {
+    ++calls;
+    for (int k = 0; k < 3; ++k) rgb[k] = polys_.at(static_cast<std::size_t>(polygon)).color[k];
+}
+
+double MemoryEngine::polygon_get_brightness(int polygon) { ++calls; return polys_.at(static_cast<std::size_t>(polygon)).brightness; }
+
+int MemoryEngine::polygon_get_first_point(int polygon) {
+    ++calls;
+    const MemPolygon& p = polys_.at(static_cast<std::size_t>(polygon));
+    return p.points.empty() ? 0 : p.points.front();
+}
+
+int MemoryEngine::point_get_next_point(int point) {
+    ++calls;
+    if (point <= 0 || static_cast<std::size_t>(point) >= points_.size()) return 0;
+    const MemPolygon& p = polys_[static_cast<std::size_t>(pointOwner_[static_cast<std::size_t>(point)])];
+    const std::size_t i = static_cast<std::size_t>(pointIndexInRing_[static_cast<std::size_t>(point)]) + 1;
+    return i < p.points.size() ? p.points[i] : 0;
+}
+
+// Point 0 answers zeros, as the engine does for a dead handle.
+void MemoryEngine::point_get_bitmap_xy(int point, double uv[2]) {
+    ++calls;
+    const MemPoint& p = points_.at(static_cast<std::size_t>(point));
+    uv[0] = p.v[3];
+    uv[1] = p.v[4];
+}
+double MemoryEngine::point_get_brightness(int point) { ++calls; return point == 0 ? 0.0 : points_.at(static_cast<std::size_t>(point)).v[5]; }
+void MemoryEngine::point_get_normal(int point, double normal[3]) {
+    ++calls;
+    for (int k = 0; k < 3; ++k) normal[k] = points_.at(static_cast<std::size_t>(point)).normal[k];
+}
+void MemoryEngine::point_get_xyz(int point, double xyz[3]) {
+    ++calls;
+    for (int k = 0; k < 3; ++k) xyz[k] = points_.at(static_cast<std::size_t>(point)).v[k];
+}
+
+void MemoryEngine::polygon_get_plane(int polygon, double plane[4]) {
+    ++calls;
+    const MemPolygon& p = polys_.at(static_cast<std::size_t>(polygon));
+    if (p.planeSet) {
+        for (int k = 0; k < 4; ++k) plane[k] = p.plane[k];
+        return;
+    }
+    planeOf(p, points_, plane);
+}
+
+int MemoryEngine::group_create(const char* name) {
+    ++calls;
+    const int g = nextGroup_++;
+    groups_[g].name = name ? name : "";
+    return g;
+}
+
+void MemoryEngine::group_get_location(int group, double location[3]) {
+    ++calls;
+    auto it = groups_.find(group);
+    for (int k = 0; k < 3; ++k) location[k] = it == groups_.end() ? 0.0 : it->second.location[k];
+}
+
+void MemoryEngine::group_set_rotate_reference_point(int group, const double point[3]) {
+    ++calls;
+    for (int k = 0; k < 3; ++k) groups_[group].reference[k] = point[k];
+}
+
+int MemoryEngine::polygon_create() {
+    ++calls;
+    polys_.emplace_back();
+    polyIndexInGroup_.push_back(-1);
+    return static_cast<int>(polys_.size()) - 1;
+}
+
+void MemoryEngine::polygon_set_group(int polygon, int group) {
+    ++calls;
+    MemPolygon& p = polys_.at(static_cast<std::size_t>(polygon));
+    p.group = group;
+    auto& list = groups_[group].polygons;
+    polyIndexInGroup_[static_cast<std::size_t>(polygon)] = static_cast<int>(list.size());
+    list.push_back(polygon);
+}
+
+int MemoryEngine::polygon_add_point(int polygon, const double vertex[6]) {
+    ++calls;
+    MemPoint pt;
+    for (int k = 0; k < 6; ++k) pt.v[k] = vertex[k];
+    points_.push_back(pt);
+    const int h = static_cast<int>(points_.size()) - 1;
+    MemPolygon& p = polys_.at(static_cast<std::size_t>(polygon));
+    pointOwner_.push_back(polygon);
+    pointIndexInRing_.push_back(static_cast<int>(p.points.size()));
+    p.points.push_back(h);
+    return h;
+}
+
+int MemoryEngine::engine_add_polygon(int polygon) {
+    ++calls;
+    polys_.at(static_cast<std::size_t>(polygon)).added = true;
+    return 1;
+}
+
+void MemoryEngine::polygon_set_color_fill(int polygon, int red, int green, int blue) {
+    ++calls;
+    MemPolygon& p = polys_.at(static_cast<std::size_t>(polygon));
+    p.color[0] = red;
+    p.color[1] = green;
+    p.color[2] = blue;
+    p.bitmap = 0;
+}
+
+void MemoryEngine::polygon_set_brightness(int polygon, double value) { ++calls; polys_.at(static_cast<std::size_t>(polygon)).brightness = value; }
+
+void MemoryEngine::polygon_set_bitmap_fill(int polygon, int bitmap) { ++calls; polys_.at(static_cast<std::size_t>(polygon)).bitmap = bitmap; }
+
+} // namespace simplify_test

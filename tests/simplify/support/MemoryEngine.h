@@ -1,0 +1,88 @@
+// An in-memory stand-in for the engine calls of Part 6.3, so that the simplification can be run
+// on arrays of triangles without libzelmar3. Groups hold polygons, polygons hold rings of points;
+// handles are plain counters. A polygon's plane is the unit normal opposite to
+// (p2 - p1) x (p3 - p1), as spec Part 7.1 says of the engine's planes ("the engine's planes
+// point the other way" than PlaneFromPoints), and D := -(n . p1); (0, 0, 0, 0) without area.
+// Output groups are recorded for comparison.
+#pragma once
+#include "MeshData.h"
+#include "simplify/SimplifyEngine.h"
+
+#include <map>
+#include <vector>
+
+namespace simplify_test {
+
+struct MemPoint {
+    double v[6] = {0, 0, 0, 0, 0, 100}; // x, y, z, u, v, brightness
+    double normal[3] = {0, 0, 0};
+};
+
+struct MemPolygon {
+    int group = 0;
+    std::vector<int> points; // point handles
+    int bitmap = 0;
+    int color[3] = {255, 255, 255};
+    double brightness = 100;
+    bool added = false;
+    double plane[4] = {0, 0, 0, 0};
+    bool planeSet = false; // true: plane given, not computed
+};
+
+struct MemGroup {
+    std::string name;
+    std::vector<int> polygons;
+    double location[3] = {0, 0, 0};
+    double reference[3] = {0, 0, 0};
+};
+
+class MemoryEngine final : public simplify::SimplifyEngine {
+public:
+    // Makes a group of the mesh's faces (all their points, in ring order); answers its handle.
+    int addMesh(const MeshData& mesh, const char* name = "mesh");
+    // Computes the plane of a polygon as documented above.
+    static void planeOf(const MemPolygon& p, const std::vector<MemPoint>& pts, double plane[4]);
+
+    const MemGroup& group(int g) const { return groups_.at(g); }
+    const MemPolygon& polygon(int p) const { return polys_.at(static_cast<std::size_t>(p)); }
+    const MemPoint& point(int p) const { return points_.at(static_cast<std::size_t>(p)); }
+    MemPolygon& polygonRef(int p) { return polys_.at(static_cast<std::size_t>(p)); }
+    MemPoint& pointRef(int p) { return points_.at(static_cast<std::size_t>(p)); }
+    long calls = 0;
+
+    int group_get_number_of_polygons(int group) override;
+    void group_get_center_of_mass(int group, double out[3]) override;
+    int group_get_first_polygon(int group) override;
+    int group_get_next_polygon(int polygon) override;
+    int polygon_get_bitmap_handle(int polygon) override;
+    void polygon_get_color(int polygon, int rgb[3]) override;
+    double polygon_get_brightness(int polygon) override;
+    int polygon_get_first_point(int polygon) override;
+    int point_get_next_point(int point) override;
+    void point_get_bitmap_xy(int point, double uv[2]) override;
+    double point_get_brightness(int point) override;
+    void point_get_normal(int point, double normal[3]) override;
+    void point_get_xyz(int point, double xyz[3]) override;
+    void polygon_get_plane(int polygon, double plane[4]) override;
+    int group_create(const char* name) override;
+    void group_get_location(int group, double location[3]) override;
+    void group_set_rotate_reference_point(int group, const double point[3]) override;
+    int polygon_create() override;
+    void polygon_set_group(int polygon, int group) override;
+    int polygon_add_point(int polygon, const double vertex[6]) override;
+    int engine_add_polygon(int polygon) override;
+    void polygon_set_color_fill(int polygon, int red, int green, int blue) override;
+    void polygon_set_brightness(int polygon, double value) override;
+    void polygon_set_bitmap_fill(int polygon, int bitmap) override;
+
+private:
+    std::map<int, MemGroup> groups_;
+    std::vector<MemPolygon> polys_ = std::vector<MemPolygon>(1);
+    std::vector<MemPoint> points_ = std::vector<MemPoint>(1);
+    std::vector<int> pointOwner_ = std::vector<int>(1, 0);
+    std::vector<int> pointIndexInRing_ = std::vector<int>(1, 0);
+    std::vector<int> polyIndexInGroup_ = std::vector<int>(1, 0);
+    int nextGroup_ = 1;
+};
+
+} // namespace simplify_test
