@@ -19,8 +19,10 @@ bool finite(const double* a, int n) {
     return true;
 }
 
+// A point exactly on a pixel boundary belongs to the pixel after it, whatever the last bit
+// of rounding in the transform did.
 int toPixel(double s) {
-    return static_cast<int>(std::floor(std::clamp(s, -kPixelLimit, kPixelLimit)));
+    return static_cast<int>(std::floor(std::clamp(s, -kPixelLimit, kPixelLimit) + 1e-7));
 }
 
 } // namespace
@@ -164,11 +166,11 @@ int projectEdge(const View& v, const double p1[3], const double p2[3], int r1[2]
     }
     double sx, sy;
     v.toScreen(ca, sx, sy);
-    r1[0] = toPixel(std::min(sx, v.width - 0.5));
-    r1[1] = toPixel(std::min(sy, v.height - 0.5));
+    r1[0] = toPixel(std::clamp(sx, 0.0, v.width - 0.5));
+    r1[1] = toPixel(std::clamp(sy, 0.0, v.height - 0.5));
     v.toScreen(cb, sx, sy);
-    r2[0] = toPixel(std::min(sx, v.width - 0.5));
-    r2[1] = toPixel(std::min(sy, v.height - 0.5));
+    r2[0] = toPixel(std::clamp(sx, 0.0, v.width - 0.5));
+    r2[1] = toPixel(std::clamp(sy, 0.0, v.height - 0.5));
     return (t0 == 0.0 && t1 == 1.0) ? 1 : -1;
 }
 

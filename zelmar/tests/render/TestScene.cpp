@@ -100,7 +100,7 @@ std::string matchGolden(const std::string& name, const std::vector<uint8_t>& rgb
                         int tolerance) {
     if (rgba.size() != static_cast<size_t>(width) * height * 4) return "no picture";
     const char* dir = std::getenv("ZELMAR_GOLDEN_DIR");
-    const std::string path = std::string(dir ? dir : "golden") + "/" + name + ".png";
+    const std::string path = std::string(dir ? dir : ZELMAR_GOLDEN_DIR_DEFAULT) + "/" + name + ".png";
     const char* update = std::getenv("ZELMAR_UPDATE_GOLDENS");
     if (update && std::string(update) == "1") {
         std::string error;

@@ -108,8 +108,13 @@ TEST_F(Golden, EveryBlendingFilter) {
 
 TEST_F(Golden, ActivatedPointLight) {
     Group* g = group("floor");
-    // A floor below the eye, lit by a point light above its middle.
-    polygon(g, {{2, 10, -3}, {30, 10, -3}, {30, -10, -3}, {2, -10, -3}}, {220, 220, 220});
+    // A floor below the eye in small tiles (lights are computed per point), lit by a point
+    // light above its middle.
+    for (int i = 0; i < 14; ++i)
+        for (int j = 0; j < 10; ++j) {
+            const double x = 2 + i * 2, y = -10 + j * 2;
+            polygon(g, {{x, y + 2, -3}, {x + 2, y + 2, -3}, {x + 2, y, -3}, {x, y, -3}}, {220, 220, 220});
+        }
     Light* l = world().createLight("lamp");
     l->location[0] = 10, l->location[1] = 2, l->location[2] = 0;
     l->color[0] = 255, l->color[1] = 210, l->color[2] = 160;
