@@ -17,6 +17,11 @@ double FitCellSize(double rawStep) {
     return c;
 }
 
+double SnapToCell(double w, double origin, double cell) {
+    if (cell == 0) return w;
+    return origin + std::nearbyint((w - origin) / cell) * cell;
+}
+
 QString FormatRounded(double v, int decimals) {
     if (decimals < 0) decimals = 0;
     if (decimals > 15) decimals = 15;
@@ -149,7 +154,7 @@ void Grid::Snap(int x, int y, Maths::Vector& coordinates) {
     int a = 0, b = 1;
     InPlaneIndices(a, b);
     for (int k : {a, b})
-        S[k] = GridOrigin[k] + std::nearbyint((W[k] - GridOrigin[k]) / CellSize) * CellSize;
+        S[k] = SnapToCell(W[k], GridOrigin[k], CellSize);
     const int n = NormalIndex();
     S[n] = -GridPlane[3];
 

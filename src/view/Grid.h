@@ -21,6 +21,8 @@ class GridContext {
 
 // The cell size for a raw step: 1, 10, 100 ... (at least one decade step from 0.1, at most past 1e9).
 double FitCellSize(double rawStep);
+// One coordinate snapped to the grid: origin + Round((w - origin) / cell) * cell, rounding half to even.
+double SnapToCell(double w, double origin, double cell);
 // A number as the status bar shows it: rounded half to even to `decimals` places, shortest form.
 QString FormatRounded(double v, int decimals);
 

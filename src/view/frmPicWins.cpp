@@ -3,6 +3,7 @@
 
 #include "ViewCursors.h"
 #include "app/ErrLog.h"
+#include "app/Locale.h"
 #include "picWindow.h"
 
 #include <QAction>
@@ -78,9 +79,9 @@ frmPicWins::frmPicWins(ViewportHost& host, QWidget* parent)
     m_rubberVert->setObjectName(QStringLiteral("picSplitterVert"));
     m_rubberHoriz->setObjectName(QStringLiteral("picSplitterHoriz"));
 
-    const char* labels[4] = {"Top", "Front", "Perspective", "Right"};
+    const int labels[4] = {LblTop, LblFront, LblPerspective, LblRight};
     for (int i = 0; i < 4; ++i)
-        SetViewLabel(i, QString::fromLatin1(labels[i]));
+        SetViewLabel(i, labels[i]);
     buildToolBand();
     picWinSetMousePtr(QStringLiteral("Select"));
     layoutWindows();
@@ -122,8 +123,14 @@ QString frmPicWins::ViewLabel(int i) const {
     return m_labels[i]->text();
 }
 
-void frmPicWins::SetViewLabel(int i, const QString& text) {
-    m_labels[i]->setText(text);
+void frmPicWins::SetViewLabel(int i, int stringId) {
+    m_labelId[i] = stringId;
+    m_labels[i]->setText(GetLocaleString(stringId));
+}
+
+void frmPicWins::ApplyLanguage() {
+    for (int i = 0; i < 4; ++i)
+        SetViewLabel(i, m_labelId[i]);
 }
 
 // ---- layout ------------------------------------------------------------------------------------------
@@ -265,18 +272,18 @@ bool frmPicWins::WorldHasCamera() const {
 QMenu* frmPicWins::WinViewMenu(int index) {
     auto* menu = new QMenu(this);
     menu->setObjectName(QStringLiteral("mnuWinView"));
-    const std::pair<const char*, int> items[] = {{"Top", ViewTop},
-                                                 {"Bottom", ViewBottom},
-                                                 {"Left", ViewLeft},
-                                                 {"Right", ViewRight},
-                                                 {"Front", ViewFront},
-                                                 {"Back", ViewBack},
-                                                 {"Perspective", ViewPerspective}};
-    for (const auto& [text, view] : items) {
-        QAction* a = menu->addAction(QString::fromLatin1(text));
+    const std::pair<int, int> items[] = {{LblTop, ViewTop},
+                                         {LblBottom, ViewBottom},
+                                         {LblLeft, ViewLeft},
+                                         {LblRight, ViewRight},
+                                         {LblFront, ViewFront},
+                                         {LblBack, ViewBack},
+                                         {LblPerspective, ViewPerspective}};
+    for (const auto& [id, view] : items) {
+        QAction* a = menu->addAction(GetLocaleString(id));
         a->setData(view);
     }
-    QAction* cam = menu->addAction(QStringLiteral("Camera"));
+    QAction* cam = menu->addAction(GetLocaleString(LblCamera));
     cam->setObjectName(QStringLiteral("mnuWinViewCam"));
     cam->setData(int(ViewCamera));
     cam->setEnabled(WorldHasCamera());

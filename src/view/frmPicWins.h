@@ -61,6 +61,19 @@ enum ViewCommands {
     ViewNone = 9,
 };
 
+// UI strings of the captions.
+enum ViewLabelIds {
+    LblTop = 129,
+    LblBottom = 346,
+    LblLeft = 126,
+    LblRight = 128,
+    LblFront = 127,
+    LblBack = 347,
+    LblPerspective = 335,
+    LblCamera = 336,
+    LblUser = 337,
+};
+
 // The zoom of a perspective view when it is (re)made: the engine's default field of view.
 constexpr double PerspectiveZoom = 60.0;
 
@@ -85,8 +98,12 @@ class frmPicWins : public QWidget, public CameraContext, public GridContext {
 
     picWindow* PicWindow(int i) const { return m_wins[i]; }
     QLabel* lblPicView(int i) const { return m_labels[i]; }
+    // Captions are UI strings: 129 "Top", 346 "Bottom", 126 "Left", 128 "Right", 127 "Front", 347 "Back",
+    // 335 "Perspective", 336 "Camera", 337 "User". The number is kept so a language change can reapply them.
     QString ViewLabel(int i) const;
-    void SetViewLabel(int i, const QString& text);
+    int ViewLabelId(int i) const { return m_labelId[i]; }
+    void SetViewLabel(int i, int stringId);
+    void ApplyLanguage();
     camera& ViewCams(int i) { return *m_cams[i]; }
     Grid& ViewGrids(int i) { return *m_grids[i]; }
     BoundingBox& SelectionBox() { return m_selectionBox; }
@@ -202,6 +219,7 @@ class frmPicWins : public QWidget, public CameraContext, public GridContext {
     std::array<std::unique_ptr<camera>, 4> m_cams;
     std::array<std::unique_ptr<Grid>, 4> m_grids;
     std::array<int, 4> m_shownCam{};
+    std::array<int, 4> m_labelId{};
     std::array<unsigned, 4> m_paintCount{};
     std::array<QString, 4> m_pointerKey;
     BoundingBox m_selectionBox;

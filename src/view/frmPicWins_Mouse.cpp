@@ -116,13 +116,12 @@ void frmPicWins::picWindow_MouseMove_PanRevolveZoomCammoveCamroll(int index, int
     camera& cam = *m_cams[index];
     cam.MouseMove(button, shift, x, y);
     cam.Update();
-    const QString label = ViewLabel(index);
-    if ((m_toolMode == ToolMoveCamera || m_toolMode == ToolRollCamera) && label.contains("Perspective"))
-        SetViewLabel(index, QStringLiteral("User"));
-    if (label == QLatin1String("Camera")) {
+    if ((m_toolMode == ToolMoveCamera || m_toolMode == ToolRollCamera) && m_labelId[index] == LblPerspective)
+        SetViewLabel(index, LblUser);
+    if (m_labelId[index] == LblCamera) {
         // The view no longer shows the named camera once it is navigated.
         m_shownCam[index] = 0;
-        SetViewLabel(index, QStringLiteral("User"));
+        SetViewLabel(index, LblUser);
     }
     UpdateCamerasSingle(index);
 }

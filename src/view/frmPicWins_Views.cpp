@@ -11,7 +11,7 @@ namespace vexil {
 namespace {
 
 struct StandardView {
-    const char* label;
+    int label;
     double theta, phi;
     bool perspective;
 };
@@ -19,13 +19,13 @@ struct StandardView {
 // The pi of this table is 3.14: the views are very slightly off axis, and a Phi of 3.14 (cosine near -1)
 // is how the side views are reached.
 const StandardView Views[7] = {
-    {"Top", 0, 3.14 / 2, false},
-    {"Bottom", 0, -3.14 / 2, false},
-    {"Left", 3.14 / 2, 3.14, false},
-    {"Right", -3.14 / 2, 3.14, false},
-    {"Front", 3.14, 3.14, false},
-    {"Back", 0, 3.14, false},
-    {"Perspective", 3.14 - 3.14 / 4, 3.14 - 3.14 / 6, true},
+    {LblTop, 0, 3.14 / 2, false},
+    {LblBottom, 0, -3.14 / 2, false},
+    {LblLeft, 3.14 / 2, 3.14, false},
+    {LblRight, -3.14 / 2, 3.14, false},
+    {LblFront, 3.14, 3.14, false},
+    {LblBack, 0, 3.14, false},
+    {LblPerspective, 3.14 - 3.14 / 4, 3.14 - 3.14 / 6, true},
 };
 
 } // namespace
@@ -50,7 +50,7 @@ void frmPicWins::applyStandardView(int index, int view) {
         cam.Update();
         ZELMAR_camera_set_distance_from_eye(cam.CamHandle, ws);
     }
-    SetViewLabel(index, QString::fromLatin1(v.label));
+    SetViewLabel(index, v.label);
 }
 
 void frmPicWins::ResetCameras() {
@@ -71,7 +71,7 @@ void frmPicWins::ApplyViewCommand(int index, int view) {
         const int cam = m_host.ChooseViewCamera();
         if (cam == 0 || !ZELMAR_camera_is_camera(cam)) return;
         m_shownCam[index] = cam;
-        SetViewLabel(index, QStringLiteral("Camera"));
+        SetViewLabel(index, LblCamera);
         if (m_host.WorldOpen()) UpdateCamerasSingle(index);
     } else if (view == ViewMaxMin) {
         ToggleWindowMinMax();
@@ -166,7 +166,7 @@ void frmPicWins::ZoomExtentAll() {
 
 void frmPicWins::ZoomExtentSingle(int index) {
     if (index < 0 || index > 3 || !m_host.WorldOpen()) return;
-    if (ViewLabel(index) == QLatin1String("Camera")) return;
+    if (m_labelId[index] == LblCamera) return;
     const int type = m_host.CurrSelEntityType(), ent = m_host.CurrSelEntity();
     if (type == 0) return;
     if (type == 1 && ZELMAR_group_get_number_of_polygons(ent) == 0) return;
@@ -193,7 +193,7 @@ void frmPicWins::ZoomExtentSingle(int index) {
 
 void frmPicWins::CenterObjInView() {
     if (!m_host.WorldOpen()) return;
-    if (ViewLabel(ActiveWin) == QLatin1String("Camera")) return;
+    if (m_labelId[ActiveWin] == LblCamera) return;
     camera& cam = *m_cams[ActiveWin];
     if (!aimAtSelection(cam)) return;
     cam.SetLookAtOffset(0, 0);

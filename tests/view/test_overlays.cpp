@@ -1,0 +1,164 @@
+// Overlays drawn over a black picture through a fixed camera, compared with small golden images.
+// VEXIL_UPDATE_GOLDEN=1 rewrites the images (inspect them before committing).
+#include "ViewTestSupport.h"
+#include "view/Overlays.h"
+
+#include <QDir>
+#include <QPainter>
+#include <cstdlib>
+
+using namespace vexil;
+using namespace vexil::test;
+
+namespace {
+
+// Counts pixels whose channels differ by more than `tolerance` from the golden.
+int compareGolden(const QString& name, const QImage& actual, int tolerance = 8) {
+    const QString path = QStringLiteral(VEXIL_GOLDEN_DIR "/") + name + QStringLiteral(".png");
+    const QImage got = actual.convertToFormat(QImage::Format_RGB32);
+    if (qEnvironmentVariableIsSet("VEXIL_UPDATE_GOLDEN")) {
+        QDir().mkpath(QStringLiteral(VEXIL_GOLDEN_DIR));
+        got.save(path);
+        return 0;
+    }
+    QImage want(path);
+    if (want.isNull()) {
+        ADD_FAILURE() << "missing golden " << path.toStdString();
+        return -1;
+    }
+    want = want.convertToFormat(QImage::Format_RGB32);
+    if (want.size() != got.size()) return got.width() * got.height();
+    int bad = 0;
+    for (int y = 0; y < got.height(); ++y)
+        for (int x = 0; x < got.width(); ++x) {
+            const QRgb a = got.pixel(x, y), b = want.pixel(x, y);
+            if (std::abs(qRed(a) - qRed(b)) > tolerance || std::abs(qGreen(a) - qGreen(b)) > tolerance ||
+                std::abs(qBlue(a) - qBlue(b)) > tolerance)
+                ++bad;
+        }
+    return bad;
+}
+
+class Overlays : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        app();
+        world.build(200);
+        target = ZELMAR_target_create(96, 72);
+        cam = world.cams[0];
+        // Looking at the box from a corner, up towards +z.
+        const double loc[3] = {500, -400, 350};
+        const double at[3] = {0, 0, 0};
+        ZELMAR_camera_set_location(cam, loc);
+        ZELMAR_camera_point_at(cam, at);
+        ZELMAR_camera_set_zoom(cam, 60);
+        ZELMAR_camera_set_distance_from_eye(cam, 1);
+        ZELMAR_camera_set_current(cam, target);
+        image = QImage(96, 72, QImage::Format_RGB32);
+        image.fill(Qt::black);
+    }
+    void TearDown() override {
+        ZELMAR_target_destroy(target);
+        ZELMAR_engine_close();
+    }
+    TestWorld world;
+    int target = 0, cam = 0;
+    QImage image;
+};
+
+TEST_F(Overlays, BoundingBoxOfAGroup) {
+    BoundingBox box;
+    box.Initialize(world.box);
+    EXPECT_EQ(box.Group(), world.box);
+    EXPECT_DOUBLE_EQ(box.Corners()[0][0], -100);
+    EXPECT_DOUBLE_EQ(box.Corners()[7][2], 100);
+    {
+        QPainter p(&image);
+        box.Draw(p);
+    }
+    EXPECT_EQ(compareGolden("view_bounding_box", image), 0);
+}
+
+TEST_F(Overlays, WireframeLeavesOutBackFacesAndDisabledPolygons) {
+    Wireframe wf;
+    int drawn = 0;
+    {
+        QPainter p(&image);
+        drawn = wf.Draw(p, world.box, Pens().white1);
+    }
+    // From (+x, -y, +z) the faces +x, -y and +z face the camera.
+    EXPECT_EQ(drawn, 3);
+    EXPECT_EQ(compareGolden("view_wireframe", image), 0);
+
+    ZELMAR_polygon_disable(world.faces[0]);
+    QImage other(96, 72, QImage::Format_RGB32);
+    other.fill(Qt::black);
+    QPainter p(&other);
+    EXPECT_EQ(wf.Draw(p, world.box, Pens().white1), 2);
+}
+
+TEST_F(Overlays, EdgesAndPointMarksOutsideTheViewDrawNothing) {
+    QPainter p(&image);
+    const double behind1[3] = {900, -800, 700}, behind2[3] = {1000, -900, 800};
+    EXPECT_FALSE(DrawEdge3D(p, behind1, behind2));
+    EXPECT_FALSE(DrawPointMark(p, behind1, 3));
+    const double a[3] = {-100, -100, 100}, b[3] = {100, 100, 100};
+    p.setPen(Pens().red1);
+    EXPECT_TRUE(DrawEdge3D(p, a, b));
+    p.setPen(Pens().green1);
+    EXPECT_TRUE(DrawPointMark(p, b, 3));
+    p.end();
+    EXPECT_EQ(compareGolden("view_edge_and_mark", image), 0);
+}
+
+TEST_F(Overlays, BoxAndWireOnTopOfTheEngineImageInAViewport) {
+    // In a viewport the box follows the current group and the wireframe replaces it when switched on.
+    ZELMAR_target_destroy(target);
+    target = 0;
+    ZELMAR_engine_close();
+
+    QTemporaryDir settings;
+    SettingsStore::setLocation(settings.path());
+    FakeInputState fake;
+    TestWorld w;
+    w.build(200);
+    TestHost host;
+    host.rootGrp = w.root;
+    host.selType = 1;
+    host.selEntity = w.box;
+    QWidget top;
+    top.setGeometry(50, 50, 192, 160);
+    frmPicWins views(host, &top);
+    views.setGeometry(0, 0, 192, 160);
+    for (int i = 0; i < 4; ++i)
+        views.SetViewportCamera(i, w.cams[i]);
+    top.show();
+    QCoreApplication::processEvents();
+    views.ResetCameras();
+    views.ActiveWin = 2;
+    views.UpdateCamerasSingle(2);
+    const QImage box = views.PicWindow(2)->BackBuffer().copy();
+    EXPECT_EQ(views.SelectionBox().Group(), w.box);
+    views.WireframeMode = true;
+    views.UpdateCamerasSingle(2);
+    const QImage wire = views.PicWindow(2)->BackBuffer().copy();
+    EXPECT_FALSE(box == wire);
+    host.selType = 0;
+    views.UpdateCamerasSingle(2);
+    const QImage plain = views.PicWindow(2)->BackBuffer().copy();
+    auto whites = [](const QImage& img) {
+        const QImage c = img.convertToFormat(QImage::Format_RGB32);
+        int n = 0;
+        for (int y = 0; y < c.height(); ++y)
+            for (int x = 0; x < c.width(); ++x)
+                if (c.pixel(x, y) == qRgb(255, 255, 255)) ++n;
+        return n;
+    };
+    EXPECT_GT(whites(box), 40);
+    EXPECT_GT(whites(wire), 40);
+    EXPECT_EQ(whites(plain), 0);
+    EXPECT_EQ(host.plugInPaints, 3); // the last hook of every paint
+    ZELMAR_engine_close();
+}
+
+} // namespace
