@@ -125,8 +125,12 @@ int ZELMAR_group_get_first_polygon(int group) {
 }
 
 int ZELMAR_group_get_next_polygon(int polygon) {
-    const Polygon* p = polygonArg(polygon, "group_get_next_polygon");
-    return p ? nextPolygonOfSubtree(*p) : 0;
+    // The walk validates the handle itself, without touching the polygon on the usual path.
+    if (world().kindOf(polygon) != Kind::Polygon) {
+        polygonArg(polygon, "group_get_next_polygon"); // explains the failure
+        return 0;
+    }
+    return nextPolygonOfSubtree(polygon);
 }
 
 int ZELMAR_group_get_number_of_polygons(int group) {

@@ -76,6 +76,7 @@ struct Polygon {
     bool collisional = true;
     int32_t releaseSaveFlag = 0;
     bool addedToWorld = false; // engine_add_polygon was called
+    uint32_t orderIndex = 0;   // position in group->order (not saved)
     int64_t ownData = 0;
     uint32_t version = 0; // bumped on any geometry change; caches compare against it
 };
@@ -93,6 +94,10 @@ struct Group {
     Polygon* firstPolygon = nullptr;
     Polygon* lastPolygon = nullptr;
     int64_t ownPolygons = 0;
+    // The own polygons' handles in list order, 0 for a removed one (compacted when half are
+    // holes): the subtree walk reads this array instead of chasing the list. Not saved.
+    std::vector<Handle> order;
+    uint32_t orderHoles = 0;
     bool disabled = false;
     bool loadAsDisabled = false;
     bool isStatic = true;

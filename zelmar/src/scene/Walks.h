@@ -7,7 +7,7 @@
 namespace zelmar {
 
 Handle firstPolygonOfSubtree(const Group& root);
-Handle nextPolygonOfSubtree(const Polygon& current);
+Handle nextPolygonOfSubtree(Handle polygon); // 0 also for a handle that is not a live polygon
 
 Handle firstIncludedGroup(const Group& root);
 Handle nextIncludedGroup(const Group& current);

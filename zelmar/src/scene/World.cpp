@@ -152,6 +152,8 @@ void World::setPolygonGroup(Polygon& p, Group* g) {
         p.prevInGroup = p.nextInGroup = nullptr;
         --old->ownPolygons;
         ++old->version;
+        old->order[p.orderIndex] = 0;
+        if (++old->orderHoles > 16 && old->orderHoles * 2 > old->order.size()) compactOrder(*old);
     }
     p.group = g;
     if (g) {
@@ -160,8 +162,19 @@ void World::setPolygonGroup(Polygon& p, Group* g) {
         g->lastPolygon = &p;
         ++g->ownPolygons;
         ++g->version;
+        p.orderIndex = static_cast<uint32_t>(g->order.size());
+        g->order.push_back(p.handle);
     }
     touch();
+}
+
+void World::compactOrder(Group& g) {
+    g.order.clear();
+    for (Polygon* p = g.firstPolygon; p; p = p->nextInGroup) {
+        p->orderIndex = static_cast<uint32_t>(g.order.size());
+        g.order.push_back(p->handle);
+    }
+    g.orderHoles = 0;
 }
 
 void World::destroyPolygon(Polygon& p) {

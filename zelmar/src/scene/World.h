@@ -101,6 +101,7 @@ class World {
     void retire(Handle h);
     void unlinkFromFather(Group& g);
     void reindexPoints(Polygon& p, uint32_t from);
+    void compactOrder(Group& g);
 
     std::vector<Slot> slots_;
     Group* groupsHead_ = nullptr;

@@ -69,6 +69,45 @@ TEST_F(Contract, NestedWalksKeepTheirOwnRoots) {
     EXPECT_EQ(walk(root).size(), 3u);
 }
 
+TEST_F(Contract, WalkSurvivesRemovalsAroundIt) {
+    const int root = ZELMAR_group_create("the_world");
+    const int a = ZELMAR_group_create("a");
+    const int b = ZELMAR_group_create("b");
+    ZELMAR_group_set_father_group(a, root);
+    ZELMAR_group_set_father_group(b, root);
+    std::vector<int> pa, pb;
+    for (int i = 0; i < 100; ++i)
+        pa.push_back(square(a, i));
+    for (int i = 0; i < 3; ++i)
+        pb.push_back(square(b, i));
+    // Removing most of a group (its walk array gets compacted) keeps the order of the rest.
+    std::vector<int> kept;
+    for (int i = 0; i < 100; ++i) {
+        if (i % 5 == 0)
+            kept.push_back(pa[i]);
+        else
+            ZELMAR_polygon_set_group(pa[i], 0);
+    }
+    std::vector<int> expected = kept;
+    expected.insert(expected.end(), pb.begin(), pb.end());
+    EXPECT_EQ(walk(root), expected);
+    EXPECT_EQ(ZELMAR_group_get_number_of_polygons(root), 23);
+    // Deleting polygons ahead of the current one during a walk: they are simply not met.
+    std::vector<int> seen;
+    for (int p = ZELMAR_group_get_first_polygon(root); p; p = ZELMAR_group_get_next_polygon(p)) {
+        seen.push_back(p);
+        if (p == kept[0])
+            for (size_t i = 1; i < kept.size(); i += 2)
+                ZELMAR_polygon_delete(kept[i]);
+    }
+    EXPECT_EQ(seen.size(), 1 + 9 + 3u);
+    EXPECT_EQ(seen.back(), pb.back());
+    // A polygon moved out of the walked subtree mid-walk ends that walk.
+    const int first = ZELMAR_group_get_first_polygon(a);
+    ZELMAR_polygon_set_group(first, b);
+    EXPECT_EQ(ZELMAR_group_get_next_polygon(first), 0);
+}
+
 TEST_F(Contract, NamesComeBackWholeAndCut) {
     const std::string long255(255, 'n');
     const int g = ZELMAR_group_create(long255.c_str());
