@@ -113,7 +113,11 @@ void Form1::Form_Load() {
         MouseStepFactor = 1.0;
         trwModel_InitialSetup();
         // 7. MultiSel (Part 3.6, CreateSharedObjects), UndoStack.
-        m_undoStack = std::make_unique<ActionUndoRedo_Stack>(ReadMaxUndoRedoText().toStdString(), this);
+        // "MaxUndoRedo": empty, "0" or not numeric gives 20 (Part 1.3); the stack itself reads "0" as 0 (Part 4.1),
+        // so "0" is handed over as empty.
+        QString maxUndo = ReadMaxUndoRedoText();
+        if (IsNumeric(maxUndo) && ToDouble(maxUndo) == 0.0) maxUndo.clear();
+        m_undoStack = std::make_unique<ActionUndoRedo_Stack>(maxUndo.toStdString(), this);
         setUndoHost(this);
         m_document = std::make_unique<WorldDocument>(*this);
         m_document->AttachTrees(GroupTree, CamTrackBkTree, LightTree);
@@ -313,9 +317,11 @@ void Form1::Form_Unload() {
     handleEvent("Form1", "Form_Unload", [&] {
         // 1. Placement, unless minimised.
         if (!(windowState() & Qt::WindowMinimized)) {
-            const QRect g = (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) ? normalGeometry() : geometry();
-            SaveSetting(SecSettings, QStringLiteral("MainLeft"), QString::number(std::lround(PixelsToTwipsX(g.x()))));
-            SaveSetting(SecSettings, QStringLiteral("MainTop"), QString::number(std::lround(PixelsToTwipsY(g.y()))));
+            const bool normal = !(windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen));
+            const QRect g = normal ? geometry() : normalGeometry();
+            const QPoint p = normal ? pos() : g.topLeft();
+            SaveSetting(SecSettings, QStringLiteral("MainLeft"), QString::number(std::lround(PixelsToTwipsX(p.x()))));
+            SaveSetting(SecSettings, QStringLiteral("MainTop"), QString::number(std::lround(PixelsToTwipsY(p.y()))));
             SaveSetting(SecSettings, QStringLiteral("MainWidth"), QString::number(std::lround(PixelsToTwipsX(g.width()))));
             SaveSetting(SecSettings, QStringLiteral("MainHeight"), QString::number(std::lround(PixelsToTwipsY(g.height()))));
         }

@@ -4,6 +4,7 @@
 #include "Form1.h"
 
 #include "Locale.h"
+#include "Preferences.h"
 
 #include <QLabel>
 
@@ -81,7 +82,7 @@ void Form1::PluginsKeyDown(int, Qt::KeyboardModifiers) {}
 // (MultiSel, PrevMultiSel, LightMarkers, CameraMarkers, the six makers, LineDrawer, WireframeDrawer, the
 // four TransformGizmo, SelectionBox, the four camera, the four Grid). Created and released in the
 // specified orders by their owners.
-void Form1::CreateSharedObjects() {}
+void Form1::CreateSharedObjects() { m_gridDensity = ReadGridDensity(); }
 void Form1::ReleaseSharedObjects() {}
 
 } // namespace vexil

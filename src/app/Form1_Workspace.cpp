@@ -347,6 +347,7 @@ bool Form1::eventFilter(QObject* obj, QEvent* e) {
             m_lastKeyType = e->type();
             m_lastKey = k->key();
             m_lastKeyReceiver = obj;
+            inputState().noteEvent(e); // the key table polls the key being handled
             if (e->type() == QEvent::KeyPress) Form_KeyDown(k->key(), k->modifiers());
             else if (!k->isAutoRepeat()) Form_KeyUp(k->key(), k->modifiers());
         }
@@ -357,9 +358,7 @@ bool Form1::eventFilter(QObject* obj, QEvent* e) {
 void Form1::installKeyPreview() {
     // KeyPreview: the form sees every key before its controls.
     qApp->installEventFilter(this);
-    // The production input state watches the same events; installed after this filter, it runs before it,
-    // so that the key table's polls see the key that is being handled.
-    inputState();
+    inputState(); // the production input state starts watching events
 }
 
 // ---- DocumentHost -------------------------------------------------------------------------------------------

@@ -37,71 +37,21 @@ int unshifted(int key) {
     }
 }
 
+int keyCode(QKeyEvent* k) {
+    int key = unshifted(k->key());
+    if ((k->modifiers() & Qt::KeypadModifier) && (key == Qt::Key_Plus || key == Qt::Key_Minus)) key |= Qt::KeypadModifier;
+    return key;
+}
+
 class Filter : public QObject {
 public:
     explicit Filter(QtInputState& s) : m_state(s) {}
     bool eventFilter(QObject* obj, QEvent* ev) override {
-        switch (ev->type()) {
-        case QEvent::KeyPress:
-        case QEvent::ShortcutOverride: {
-            auto* k = static_cast<QKeyEvent*>(ev);
-            if (ev->type() == QEvent::ShortcutOverride || k->isAutoRepeat()) {
-                noteModifiers(k->modifiers());
-                break;
-            }
-            noteModifiers(k->modifiers());
-            m_state.noteDown(keyCode(k));
-            break;
-        }
-        case QEvent::KeyRelease: {
-            auto* k = static_cast<QKeyEvent*>(ev);
-            if (k->isAutoRepeat()) break;
-            m_state.noteUp(keyCode(k));
-            if (k->key() != Qt::Key_Shift && k->key() != Qt::Key_Control && k->key() != Qt::Key_Alt)
-                noteModifiers(k->modifiers());
-            break;
-        }
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease: {
-            auto* m = static_cast<QMouseEvent*>(ev);
-            const int vk = m->button() == Qt::LeftButton    ? VkLButton
-                           : m->button() == Qt::RightButton ? VkRButton
-                           : m->button() == Qt::MiddleButton ? VkMButton
-                                                              : 0;
-            if (vk) {
-                if (ev->type() == QEvent::MouseButtonPress) m_state.noteDown(vk);
-                else m_state.noteUp(vk);
-            }
-            noteModifiers(m->modifiers());
-            break;
-        }
-        case QEvent::ApplicationDeactivate:
-            // Keys released while another program has the focus are never reported.
-            for (int k : {int(Qt::Key_Shift), int(Qt::Key_Control), int(Qt::Key_Alt)}) m_state.noteUp(k);
-            break;
-        default: break;
-        }
+        m_state.noteEvent(ev);
         return QObject::eventFilter(obj, ev);
     }
 
 private:
-    static int keyCode(QKeyEvent* k) {
-        int key = unshifted(k->key());
-        if ((k->modifiers() & Qt::KeypadModifier) && (key == Qt::Key_Plus || key == Qt::Key_Minus))
-            key |= Qt::KeypadModifier;
-        return key;
-    }
-    void noteModifiers(Qt::KeyboardModifiers m) {
-        const std::pair<Qt::KeyboardModifier, int> mods[] = {
-            {Qt::ShiftModifier, Qt::Key_Shift}, {Qt::ControlModifier, Qt::Key_Control}, {Qt::AltModifier, Qt::Key_Alt}};
-        for (const auto& [mod, key] : mods) {
-            if (m & mod) {
-                if (m_state.GetAsyncKeyState(key) >= 0) m_state.noteDown(key);
-            } else {
-                m_state.noteUp(key);
-            }
-        }
-    }
     QtInputState& m_state;
 };
 
@@ -119,6 +69,52 @@ void QtInputState::installFilter() {
     if (m_filterInstalled || !QCoreApplication::instance()) return;
     QCoreApplication::instance()->installEventFilter(new Filter(*this));
     m_filterInstalled = true;
+}
+
+void QtInputState::noteEvent(QEvent* ev) {
+    auto noteModifiers = [this](Qt::KeyboardModifiers m) {
+        const std::pair<Qt::KeyboardModifier, int> mods[] = {
+            {Qt::ShiftModifier, Qt::Key_Shift}, {Qt::ControlModifier, Qt::Key_Control}, {Qt::AltModifier, Qt::Key_Alt}};
+        for (const auto& [mod, key] : mods) {
+            if (m & mod) noteDown(key);
+            else noteUp(key);
+        }
+    };
+    switch (ev->type()) {
+    case QEvent::KeyPress:
+    case QEvent::ShortcutOverride: {
+        auto* k = static_cast<QKeyEvent*>(ev);
+        noteModifiers(k->modifiers());
+        if (ev->type() == QEvent::KeyPress && !k->isAutoRepeat()) noteDown(keyCode(k));
+        break;
+    }
+    case QEvent::KeyRelease: {
+        auto* k = static_cast<QKeyEvent*>(ev);
+        if (k->isAutoRepeat()) break;
+        noteUp(keyCode(k));
+        if (k->key() != Qt::Key_Shift && k->key() != Qt::Key_Control && k->key() != Qt::Key_Alt) noteModifiers(k->modifiers());
+        break;
+    }
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease: {
+        auto* m = static_cast<QMouseEvent*>(ev);
+        const int vk = m->button() == Qt::LeftButton     ? VkLButton
+                       : m->button() == Qt::RightButton  ? VkRButton
+                       : m->button() == Qt::MiddleButton ? VkMButton
+                                                         : 0;
+        if (vk) {
+            if (ev->type() == QEvent::MouseButtonPress) noteDown(vk);
+            else noteUp(vk);
+        }
+        noteModifiers(m->modifiers());
+        break;
+    }
+    case QEvent::ApplicationDeactivate:
+        // Keys released while another program has the focus are never reported.
+        for (int k : {int(Qt::Key_Shift), int(Qt::Key_Control), int(Qt::Key_Alt)}) noteUp(k);
+        break;
+    default: break;
+    }
 }
 
 short QtInputState::GetAsyncKeyState(int key) {

@@ -8,6 +8,8 @@
 //   if (vexil::keyPressed(Qt::Key_Z)) ...      // "pressed": state == 0x8001 (down, not polled since)
 #pragma once
 #include <QPoint>
+
+class QEvent;
 #include <set>
 
 namespace vexil {
@@ -27,6 +29,9 @@ public:
     virtual short GetAsyncKeyState(int key) = 0;
     virtual QPoint cursorPos() const = 0;          // screen coordinates, pixels
     virtual void setCursorPos(const QPoint& p) = 0;
+    // Notes a key or mouse event (production); whoever handles an event before the seam's own filter
+    // has seen it calls this first. Noting the same event twice changes nothing.
+    virtual void noteEvent(QEvent*) {}
 };
 
 InputState& inputState();
@@ -47,6 +52,7 @@ public:
     // Called by the event filter (and usable by anyone who sees events first).
     void noteDown(int key);
     void noteUp(int key);
+    void noteEvent(QEvent* e) override;
     void installFilter();
 
 private:

@@ -1,0 +1,75 @@
+// Shared set-up of the frame's tests: a QApplication (offscreen), a private settings store and
+// application folder in a temporary directory, the language files of data/, and the log.
+#pragma once
+#include "AppPaths.h"
+#include "Dialogs.h"
+#include "ErrLog.h"
+#include "Locale.h"
+#include "Preferences.h"
+#include "Settings.h"
+#include "formSplash.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace vexil::test {
+
+inline QApplication& app() {
+    static int argc = 1;
+    static char name[] = "app_tests";
+    static char* argv[] = {name, nullptr};
+    static QApplication* a = [] {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        return new QApplication(argc, argv);
+    }();
+    return *a;
+}
+
+inline QString readFile(const QString& path) {
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly)) return QString();
+    return QString::fromUtf8(f.readAll());
+}
+
+// A fresh program environment per test: empty store, application folder with "Locale Resources".
+class AppEnv : public ::testing::Test {
+protected:
+    void SetUp() override {
+        app();
+        ASSERT_TRUE(m_dir.isValid());
+        QDir(m_dir.path()).mkpath(QStringLiteral("settings"));
+        QDir(m_dir.path()).mkpath(QStringLiteral("app/Locale Resources"));
+        SettingsStore::setLocation(m_dir.path() + QStringLiteral("/settings"));
+        setAppFolderForTests(m_dir.path() + QStringLiteral("/app"));
+        QFile::copy(QStringLiteral(VEXIL_SOURCE_DATA "/Locale Resources/Sat407.lng"),
+                    AppPath(QStringLiteral("Locale Resources/Sat407.lng")));
+        AppLog().setLogFile(AppPath(QStringLiteral("VXE_Error.log")));
+        AppLog().ClearLogFile();
+        AppLog().beepMask = 16;
+        AppLog().beep = [this] { ++beeps; };
+        Prefs() = Preferences{};
+        ResetLocaleForTests();
+        SetAppLCID(409);
+        TerminatingOnError() = false;
+        setErrorPresenter({});
+        formSplash::MinimumTimeMs() = 20;
+        formSplash::LingerMs() = 0;
+    }
+    void TearDown() override {
+        AppLog().beep = nullptr;
+        setErrorPresenter({});
+        ResetLocaleForTests();
+        SetAppLCID(409);
+        setAppFolderForTests(QString());
+    }
+    QString log() const { return readFile(AppLog().LogFile()); }
+    QString tempPath(const QString& rel) const { return m_dir.path() + QLatin1Char('/') + rel; }
+
+    QTemporaryDir m_dir;
+    int beeps = 0;
+};
+
+} // namespace vexil::test
