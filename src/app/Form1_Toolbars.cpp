@@ -40,12 +40,12 @@ const std::array<BandSpec, Form1::BandCount>& bandSpecs() {
         {118, {{"Zoom Extents", "ZE", false}, {"Zoom Extents All", "ZA", false}, {"Min/Max Toggle", "\u25a3", false},
                {"Center Obj In View", "\u2295", false}}},
         {103, {{"Select", "\u2196", true}, {"Move", "\u2725", true}, {"Rotate", "\u21bb", true}, {"Scale", "\u2922", true}}},
-        {107, {{"Pan", "\u270b", true}, {"Revolve", "\u27f2", true}, {"Zoom Camera", "\u2315", true},
+        {107, {{"Pan", "\u21c4", true}, {"Revolve", "\u27f2", true}, {"Zoom Camera", "\u2315", true},
                {"Move Camera", "\u21f5", true}, {"Roll Camera", "\u21ba", true}}},
-        {112, {{"Align", "\u2261", true}, {"Duplicate", "\u29c9", false}, {"Mirror", "\u25e7", false},
+        {112, {{"Align", "\u2261", true}, {"Duplicate", "\u2750", false}, {"Mirror", "\u25e7", false},
                {"Atmosphere", "\u2601", false}, {"Displace", "\u224b", false}}},
         {117, {{"Selection List", "\u2630", false}}},
-        {395, {{"Grid", "#", true}, {"Grid Snap", "\u2316", true}}},
+        {395, {{"Grid", "#", true}, {"Grid Snap", "\u229e", true}}},
         {122, {{"Wireframe", "\u25c7", true}, {"3D Card Toggle", "3D", true}}},
     }};
     return specs;
