@@ -196,11 +196,14 @@ struct Reader {
             readValue(c, fs.fields[i], fs.own[i] >= 0 ? &own[fs.own[i]] : nullptr);
     }
 
-    template <class T, class Fn> void readList(Cursor& c, RecordKind k, std::vector<T>& list, Fn fieldsOf) {
+    template <class T, class Fn>
+    void readList(Cursor& c, RecordKind k, std::vector<T>& list, Fn fieldsOf,
+                  std::vector<uint64_t>* where = nullptr) {
         const FileSchema& fs = need(c, k);
         const uint32_t n = c.count(fs.minBytes);
         list.resize(n);
         for (T& x : list) {
+            if (where) where->push_back(c.offset());
             Fields f;
             fieldsOf(x, f);
             readRecord(c, fs, f);
@@ -244,6 +247,7 @@ struct Reader {
         const auto& attrs = pointAttrs();
         for (uint32_t i = 0; i < n; ++i) {
             StagedPolygon p;
+            p.where = c.offset();
             p.group = c.u32();
             if (p.group >= d.groups.size())
                 c.fail("polygon names group " + std::to_string(p.group) + " of " +
@@ -310,7 +314,7 @@ struct Reader {
         if (version == 0 || version > kBinaryVersion)
             file.fail("format version " + std::to_string(version) +
                       " is not supported (newest known: " + std::to_string(kBinaryVersion) + ")");
-        file.u32(); // reserved
+        if (file.u32() != 0) file.fail("reserved header bytes are not zero");
         int lastRank = 0;
         bool seen[11] = {};
         for (;;) {
@@ -369,7 +373,7 @@ struct Reader {
                 readList(c, RecordKind::Light, d.lights, lightFields);
                 break;
             case 8:
-                readList(c, RecordKind::Track, d.tracks, trackFields);
+                readList(c, RecordKind::Track, d.tracks, trackFields, &d.trackWhere);
                 break;
             case 9:
                 readList(c, RecordKind::Background, d.backgrounds, backgroundFields);

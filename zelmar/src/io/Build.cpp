@@ -101,7 +101,7 @@ bool validate(const WorldData& d, const char* unit, std::string& error) {
     }
     for (size_t i = 0; i < d.tracks.size(); ++i)
         if (d.tracks[i].points.size() % 3 != 0) {
-            error = std::string("track ") + std::to_string(i) +
+            error = at(unit, i < d.trackWhere.size() ? d.trackWhere[i] : 0) + "track " + std::to_string(i) +
                     " has a number of values that is not a multiple of 3";
             return false;
         }
@@ -111,12 +111,14 @@ bool validate(const WorldData& d, const char* unit, std::string& error) {
     for (size_t i = 0; i < d.polygons.size(); ++i) {
         const StagedPolygon& p = d.polygons[i];
         if (p.group >= d.groups.size() || p.style >= d.styles.size() || !(p.mask & 1u)) {
-            error = "polygon " + std::to_string(i) + " has a bad group, style or point layout";
+            error = at(unit, p.where) + "polygon " + std::to_string(i) + " names group " +
+                    std::to_string(p.group) + " of " + std::to_string(d.groups.size()) + " and style " +
+                    std::to_string(p.style) + " of " + std::to_string(d.styles.size());
             return false;
         }
         end = p.pointOffset + static_cast<uint64_t>(p.pointCount) * pointStride(p.mask);
         if (end > d.pointBytesSize) {
-            error = "polygon " + std::to_string(i) + " has point data past the end";
+            error = at(unit, p.where) + "polygon " + std::to_string(i) + " has point data past the end";
             return false;
         }
     }

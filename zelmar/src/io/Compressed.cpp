@@ -73,12 +73,17 @@ bool readCompressed(const uint8_t* data, size_t size, WorldData& d, std::string&
         error = "byte offset 0: not a compressed world file";
         return false;
     }
-    uint32_t version;
+    uint32_t version, reserved;
     uint64_t plainSize;
     std::memcpy(&version, data + 8, 4);
+    std::memcpy(&reserved, data + 12, 4);
     std::memcpy(&plainSize, data + 16, 8);
     if (version == 0 || version > kBinaryVersion) {
         error = "byte offset 8: format version " + std::to_string(version) + " is not supported";
+        return false;
+    }
+    if (reserved != 0) {
+        error = "byte offset 12: reserved header bytes are not zero";
         return false;
     }
     if (plainSize > maxBytes) {
@@ -105,7 +110,8 @@ bool readCompressed(const uint8_t* data, size_t size, WorldData& d, std::string&
                 ZSTD_outBuffer o{&extra, 1, 0};
                 const size_t r = ZSTD_decompressStream(dc.p, &o, &in);
                 if (ZSTD_isError(r) || o.pos != 0 || r != 0) {
-                    error = "compressed data longer than its declared size, or damaged";
+                    error = "byte offset " + std::to_string(kHeaderSize + in.pos) +
+                            ": compressed data longer than its declared size, or damaged";
                     return false;
                 }
                 break;
@@ -122,12 +128,12 @@ bool readCompressed(const uint8_t* data, size_t size, WorldData& d, std::string&
         }
         if (r == 0) break; // frame complete
         if (in.pos == in.size && o.pos < o.size) {
-            error = "truncated compressed data";
+            error = "byte offset " + std::to_string(size) + ": truncated compressed data";
             return false;
         }
     }
     if (produced != plainSize) {
-        error = "compressed data holds " + std::to_string(produced) + " bytes, declared " +
+        error = "byte offset 16: compressed data holds " + std::to_string(produced) + " bytes, declared " +
                 std::to_string(plainSize);
         return false;
     }

@@ -288,6 +288,7 @@ struct TextReader {
     void polygon(Line& l) {
         const auto& attrs = pointAttrs();
         StagedPolygon sp;
+        sp.where = lineNo;
         Line::Pair* g = take(l, "group");
         Line::Pair* st = take(l, "style");
         Line::Pair* n = take(l, "points");
@@ -414,6 +415,7 @@ struct TextReader {
             } else if (w == "light") {
                 entity(l, d.lights, lightFields, "light");
             } else if (w == "track") {
+                d.trackWhere.push_back(lineNo);
                 entity(l, d.tracks, trackFields, "track");
             } else if (w == "background") {
                 entity(l, d.backgrounds, backgroundFields, "background");

@@ -36,6 +36,7 @@ struct StagedPolygon {
     uint32_t pointCount = 0;
     uint32_t mask = 0;        // present point attributes, bit i = pointAttrs()[i]
     uint64_t pointOffset = 0; // bytes into WorldData::pointBytes
+    uint64_t where = 0;
     std::string name;
 };
 
@@ -48,6 +49,7 @@ struct WorldData {
     std::vector<Camera> cameras;
     std::vector<Light> lights;
     std::vector<Track> tracks;
+    std::vector<uint64_t> trackWhere;
     std::vector<Background> backgrounds;
     std::vector<StagedRef> refs;
 

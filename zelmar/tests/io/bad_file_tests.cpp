@@ -1,0 +1,115 @@
+// Bad files give a clear error and an empty, usable engine (load) or an untouched world
+// (add); they never crash and never leave part of a world behind.
+#include "WorldGen.h"
+#include "io/WorldFile.h"
+#include "scene/World.h"
+
+#include <filesystem>
+#include <zelmar/zelmar.h>
+
+using namespace zelmar;
+using iotest::TempDir;
+
+namespace {
+
+std::vector<std::string> badFiles() {
+    std::vector<std::string> out;
+    for (const auto& e : std::filesystem::directory_iterator(IO_BAD_DIR))
+        out.push_back(e.path().string());
+    std::sort(out.begin(), out.end());
+    return out;
+}
+
+bool hasLocation(const std::string& error) {
+    return error.find("line ") != std::string::npos || error.find("byte offset ") != std::string::npos;
+}
+
+TEST(BadFiles, LoadFailsCleanlyAndTheEngineStaysUsable) {
+    const auto files = badFiles();
+    ASSERT_GE(files.size(), 30u);
+    for (const std::string& f : files) {
+        SCOPED_TRACE(f);
+        const int g = ZELMAR_group_create("before");
+        ASSERT_NE(g, 0);
+        EXPECT_EQ(ZELMAR_engine_load_world(f.c_str(), "", "", 4), -1);
+        const std::string error = ZELMAR_engine_get_last_error();
+        EXPECT_NE(error.find(std::filesystem::path(f).filename().string()), std::string::npos) << error;
+        const std::string name = std::filesystem::path(f).filename().string();
+        if (name != "empty.wld" && name != "garbage.bin") {
+            EXPECT_TRUE(hasLocation(error)) << error;
+        }
+        EXPECT_EQ(ZELMAR_engine_is_engine_empty(), 1);
+        EXPECT_EQ(ZELMAR_group_is_group(g), 0);
+        EXPECT_NE(ZELMAR_group_create("after"), 0); // usable
+        ZELMAR_engine_load_world(nullptr, nullptr, nullptr, 4);
+    }
+}
+
+TEST(BadFiles, AddLeavesTheWorldUntouched) {
+    ZELMAR_engine_load_world(nullptr, nullptr, nullptr, 4);
+    const int root = ZELMAR_group_create("the_world");
+    const int poly = ZELMAR_polygon_create();
+    const double v[6] = {1, 2, 3, 0, 0, 100};
+    ZELMAR_polygon_add_point(poly, v);
+    ZELMAR_polygon_set_group(poly, root);
+    const size_t groups = world().groupCount(), polygons = world().polygonCount();
+    const uint64_t generation = world().generation;
+    for (const std::string& f : badFiles()) {
+        SCOPED_TRACE(f);
+        const double at[3] = {0, 0, 0};
+        EXPECT_EQ(ZELMAR_engine_add_world(f.c_str(), "", "", at), 0);
+        EXPECT_NE(std::string(ZELMAR_engine_get_last_error()), "");
+    }
+    EXPECT_EQ(world().groupCount(), groups);
+    EXPECT_EQ(world().polygonCount(), polygons);
+    EXPECT_EQ(world().generation, generation);
+    EXPECT_EQ(ZELMAR_group_is_group(root), 1);
+    ZELMAR_engine_load_world(nullptr, nullptr, nullptr, 4);
+}
+
+TEST(BadFiles, EveryTruncationAndEveryByteFlipOfAValidFileIsSafe) {
+    TempDir dir;
+    World a;
+    iotest::GenSize small;
+    small.groups = 2, small.polygons = 4, small.bitmaps = 0, small.animations = 0;
+    Group* root = iotest::makeRandomWorld(a, 5, small);
+    for (const char* ext : {".wld", ".zelmar", ".3dzelmar"}) {
+        SCOPED_TRACE(ext);
+        std::string error;
+        const std::string path = dir / (std::string("w") + ext);
+        ASSERT_TRUE(io::saveWorld(a, path, root, 0x1203, error)) << error;
+        const std::vector<uint8_t> good = iotest::fileBytes(path);
+        for (size_t cut = 0; cut < good.size(); cut += 1 + good.size() / 400) {
+            io::WorldData d;
+            std::string e;
+            EXPECT_FALSE(io::parseWorld(std::vector<uint8_t>(good.begin(), good.begin() + long(cut)), d, e))
+                << cut;
+            EXPECT_NE(e, "");
+        }
+        for (size_t at = 0; at < good.size(); at += 1 + good.size() / 300) {
+            std::vector<uint8_t> b = good;
+            b[at] ^= 0x24;
+            io::WorldData d;
+            std::string e;
+            // A flip may leave a text file valid (a digit in a value); it must never crash, and
+            // the binary formats notice every flip through their checksums.
+            const bool ok = io::parseWorld(std::move(b), d, e);
+            if (std::string(ext) != ".wld") {
+                EXPECT_FALSE(ok) << at;
+            }
+        }
+    }
+}
+
+TEST(BadFiles, MissingOrUnreadableFiles) {
+    TempDir dir;
+    EXPECT_EQ(ZELMAR_engine_load_world((dir / "nothing.wld").c_str(), nullptr, nullptr, 4), -1);
+    EXPECT_NE(std::string(ZELMAR_engine_get_last_error()).find("nothing.wld"), std::string::npos);
+    EXPECT_EQ(ZELMAR_engine_load_world(dir.path.c_str(), nullptr, nullptr, 4), -1); // a folder
+    EXPECT_EQ(ZELMAR_engine_load_world("", nullptr, nullptr, 4), -1);
+    EXPECT_EQ(ZELMAR_engine_load_world(nullptr, nullptr, nullptr, 3), -1);
+    EXPECT_EQ(ZELMAR_engine_add_world(nullptr, nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(ZELMAR_engine_is_engine_empty(), 1);
+}
+
+} // namespace
