@@ -57,6 +57,151 @@ inline uint32_t sample(const Texture& t, float u, float v, bool bilinear) {
     return bilinear ? sampleBilinear(t, u, v) : sampleNearest(t, u, v);
 }
 
+// The pixels of row y inside the triangle: [xl, xr], false when none.
+inline bool rowSpan(const Tri& t, int y, int64_t& xl, int64_t& xr) {
+    const int64_t py = 16 * static_cast<int64_t>(y) + 8;
+    xl = t.minX;
+    xr = t.maxX;
+    for (int i = 0; i < 3; ++i) {
+        const int64_t a = t.ea[i];
+        const int64_t k = a * 8 + t.eb[i] * py + t.ec[i];
+        if (a > 0)
+            xl = std::max(xl, ceilDiv(-k, 16 * a));
+        else if (a < 0)
+            xr = std::min(xr, floorDiv(k, -16 * a));
+        else if (k < 0)
+            return false;
+    }
+    return xl <= xr;
+}
+
+// Textured spans on power-of-two bitmaps: the perspective divide is made every kStep
+// pixels (anchored at the span's start, so independent of bands) and texture coordinates,
+// shade and fog are stepped in fixed point in between.
+constexpr int kStep = 16;
+
+template <bool Translucent> void rasterRowsPow2(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
+    const Texture& tex = *t.tex;
+    const bool bilinear = t.flags & kBilinear;
+    const bool fog = t.flags & kFog;
+    const bool keyed = tex.transparent;
+    const uint32_t* texels = tex.texels.data();
+    const int shiftW = __builtin_ctz(static_cast<unsigned>(tex.width));
+    const uint32_t wmask = tex.wmask, hmask = tex.hmask;
+    const float tw = static_cast<float>(tex.width) * 65536.0f, th = static_cast<float>(tex.height) * 65536.0f;
+    const double twd = tex.width, thd = tex.height;
+    const int fr = fb.fogColor & 0xFF, fg = (fb.fogColor >> 8) & 0xFF, fbl = (fb.fogColor >> 16) & 0xFF;
+    const uint32_t half = bilinear ? 32768u : 0u;
+    for (int y = y0; y < y1; ++y) {
+        int64_t xl, xr;
+        if (!rowSpan(t, y, xl, xr)) continue;
+        const float ox = static_cast<float>(xl) + 0.5f - t.x0, oy = static_cast<float>(y) + 0.5f - t.y0;
+        float z = t.a0[kZ] + t.dx[kZ] * ox + t.dy[kZ] * oy;
+        float q = t.a0[kQ] + t.dx[kQ] * ox + t.dy[kQ] * oy;
+        float uq = t.a0[kU] + t.dx[kU] * ox + t.dy[kU] * oy;
+        float vq = t.a0[kV] + t.dx[kV] * ox + t.dy[kV] * oy;
+        float sr = t.a0[kR] + t.dx[kR] * ox + t.dy[kR] * oy;
+        float sg = t.a0[kG] + t.dx[kG] * ox + t.dy[kG] * oy;
+        float sb = t.a0[kB] + t.dx[kB] * ox + t.dy[kB] * oy;
+        float sf = t.a0[kF] + t.dx[kF] * ox + t.dy[kF] * oy;
+        uint32_t* crow = fb.color + static_cast<size_t>(y) * fb.width;
+        float* zrow = fb.depth + static_cast<size_t>(y) * fb.width;
+        // Texture coordinate at the block start, reduced into one bitmap period so that
+        // the 16.16 fixed point never overflows.
+        auto fixedCoord = [](double c, double size) {
+            c -= std::floor(c / size) * size;
+            return static_cast<uint32_t>(static_cast<int64_t>(c * 65536.0));
+        };
+        float w = 1.0f / q;
+        double u0 = static_cast<double>(uq * w), v0 = static_cast<double>(vq * w);
+        for (int64_t bx = xl; bx <= xr; bx += kStep) {
+            const int n = static_cast<int>(std::min<int64_t>(kStep, xr - bx + 1));
+            const float q1 = q + t.dx[kQ] * n, uq1 = uq + t.dx[kU] * n, vq1 = vq + t.dx[kV] * n;
+            const float w1 = 1.0f / q1;
+            const double u1 = static_cast<double>(uq1 * w1), v1 = static_cast<double>(vq1 * w1);
+            const double ut0 = std::clamp(u0 * twd, -1e9, 1e9), vt0 = std::clamp(v0 * thd, -1e9, 1e9);
+            uint32_t fu = fixedCoord(ut0, twd) - half, fv = fixedCoord(vt0, thd) - half;
+            const int32_t du = static_cast<int32_t>(std::clamp((u1 - u0) * tw / n, -2e9, 2e9));
+            const int32_t dv = static_cast<int32_t>(std::clamp((v1 - v0) * th / n, -2e9, 2e9));
+            int32_t ir = static_cast<int32_t>(std::max(sr, 0.0f) * 65536.0f);
+            int32_t ig = static_cast<int32_t>(std::max(sg, 0.0f) * 65536.0f);
+            int32_t ib = static_cast<int32_t>(std::max(sb, 0.0f) * 65536.0f);
+            const int32_t dr = static_cast<int32_t>(t.dx[kR] * 65536.0f),
+                          dg = static_cast<int32_t>(t.dx[kG] * 65536.0f),
+                          db = static_cast<int32_t>(t.dx[kB] * 65536.0f);
+            int32_t iff = static_cast<int32_t>(std::clamp(sf, 0.0f, 1.0f) * 65536.0f);
+            const int32_t df = static_cast<int32_t>(t.dx[kF] * 65536.0f);
+            for (int i = 0; i < n; ++i) {
+                const int64_t x = bx + i;
+                if (z > zrow[x]) {
+                    uint32_t c;
+                    const uint32_t tx = (fu >> 16) & wmask, ty = (fv >> 16) & hmask;
+                    if (bilinear) {
+                        const uint32_t tx1 = (tx + 1) & wmask, ty1 = (ty + 1) & hmask;
+                        const uint32_t wx = (fu >> 8) & 0xFF, wy = (fv >> 8) & 0xFF;
+                        const uint32_t* r0 = texels + (static_cast<size_t>(ty) << shiftW);
+                        const uint32_t* r1 = texels + (static_cast<size_t>(ty1) << shiftW);
+                        const uint32_t c00 = r0[tx], c10 = r0[tx1], c01 = r1[tx], c11 = r1[tx1];
+                        const uint32_t w11 = (wx * wy) >> 8, w10 = wx - w11, w01 = wy - w11,
+                                       w00 = 256 - wx - wy + w11;
+                        const uint32_t m = 0x00FF00FFu;
+                        const uint32_t rb =
+                            ((c00 & m) * w00 + (c10 & m) * w10 + (c01 & m) * w01 + (c11 & m) * w11) >> 8;
+                        const uint32_t ga = (((c00 >> 8) & m) * w00 + ((c10 >> 8) & m) * w10 +
+                                             ((c01 >> 8) & m) * w01 + ((c11 >> 8) & m) * w11) >>
+                                            8;
+                        c = (rb & m) | ((ga & m) << 8);
+                    } else {
+                        c = texels[(static_cast<size_t>(ty) << shiftW) + tx];
+                    }
+                    bool draw = true;
+                    if (keyed) {
+                        const uint32_t a = c >> 24;
+                        if (a < 128) {
+                            draw = false;
+                        } else if (a < 255) {
+                            const uint32_t k = (255u << 16) / a;
+                            c = std::min(255u, ((c & 0xFF) * k) >> 16) |
+                                std::min(255u, (((c >> 8) & 0xFF) * k) >> 16) << 8 |
+                                std::min(255u, (((c >> 16) & 0xFF) * k) >> 16) << 16;
+                        }
+                    }
+                    if (draw) {
+                        int r =
+                            static_cast<int>(((c & 0xFF) * static_cast<uint32_t>(std::max(ir, 0) >> 8)) >> 8);
+                        int g = static_cast<int>(
+                            (((c >> 8) & 0xFF) * static_cast<uint32_t>(std::max(ig, 0) >> 8)) >> 8);
+                        int b = static_cast<int>(
+                            (((c >> 16) & 0xFF) * static_cast<uint32_t>(std::max(ib, 0) >> 8)) >> 8);
+                        r = std::min(r, 255), g = std::min(g, 255), b = std::min(b, 255);
+                        if (fog) {
+                            const int f = std::clamp(iff, 0, 65536) >> 8;
+                            r += ((fr - r) * f) >> 8;
+                            g += ((fg - g) * f) >> 8;
+                            b += ((fbl - b) * f) >> 8;
+                        }
+                        const uint32_t src = 0xFF000000u | static_cast<uint32_t>(r) |
+                                             static_cast<uint32_t>(g) << 8 | static_cast<uint32_t>(b) << 16;
+                        if constexpr (Translucent) {
+                            crow[x] = blendPixel(t.blend, src, crow[x]);
+                        } else {
+                            crow[x] = src;
+                            zrow[x] = z;
+                        }
+                    }
+                }
+                z += t.dx[kZ];
+                fu += static_cast<uint32_t>(du);
+                fv += static_cast<uint32_t>(dv);
+                ir += dr, ig += dg, ib += db, iff += df;
+            }
+            q = q1, uq = uq1, vq = vq1;
+            u0 = u1, v0 = v1;
+            sr += t.dx[kR] * n, sg += t.dx[kG] * n, sb += t.dx[kB] * n, sf += t.dx[kF] * n;
+        }
+    }
+}
+
 template <bool Textured, bool Translucent>
 void rasterRows(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
     const bool bilinear = t.flags & kBilinear;
@@ -65,20 +210,8 @@ void rasterRows(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
     const bool keyed = Textured && t.tex->transparent;
     const uint32_t fr = fb.fogColor & 0xFF, fg = (fb.fogColor >> 8) & 0xFF, fbl = (fb.fogColor >> 16) & 0xFF;
     for (int y = y0; y < y1; ++y) {
-        const int64_t py = 16 * static_cast<int64_t>(y) + 8;
-        int64_t xl = t.minX, xr = t.maxX;
-        bool empty = false;
-        for (int i = 0; i < 3; ++i) {
-            const int64_t a = t.ea[i];
-            const int64_t k = a * 8 + t.eb[i] * py + t.ec[i];
-            if (a > 0)
-                xl = std::max(xl, ceilDiv(-k, 16 * a));
-            else if (a < 0)
-                xr = std::min(xr, floorDiv(k, -16 * a));
-            else if (k < 0)
-                empty = true;
-        }
-        if (empty || xl > xr) continue;
+        int64_t xl, xr;
+        if (!rowSpan(t, y, xl, xr)) continue;
         float v[kAttrs];
         const float ox = static_cast<float>(xl) + 0.5f - t.x0, oy = static_cast<float>(y) + 0.5f - t.y0;
         for (int k = 0; k < kAttrs; ++k)
@@ -244,7 +377,12 @@ void rasterTri(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
     if (y0 >= y1) return;
     const bool textured = (t.flags & kTextured) && t.tex;
     const bool translucent = t.blend != 0;
-    if (textured) {
+    if (textured && t.tex->pow2 && !((t.flags & kLightMap) && t.tex2) && t.tex->width <= 65536) {
+        if (translucent)
+            rasterRowsPow2<true>(t, fb, y0, y1);
+        else
+            rasterRowsPow2<false>(t, fb, y0, y1);
+    } else if (textured) {
         if (translucent)
             rasterRows<true, true>(t, fb, y0, y1);
         else
