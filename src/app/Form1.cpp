@@ -22,6 +22,7 @@
 #include <QComboBox>
 #include <QScreen>
 #include <QStatusBar>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QToolBar>
 #include <dlfcn.h>
@@ -238,7 +239,12 @@ void Form1::MDIForm_Resize() {
         const int minWidth = TwipsToPixelsX(MinimumWidthTwips);
         if (width() < minWidth) resize(minWidth, height());
         if (!Picture1 || !Picture2) return;
-        const int tabWidth = tabWorkspace->sizeHint().width();
+        // The width of tabWorkspace is ours to choose: wide enough for all its tab titles when the window
+        // allows, at most 40 per cent of the window, at least 260 pixels (docs/ui.md).
+        int titles = 8;
+        for (int i = 0; i < tabWorkspace->count(); ++i) titles += tabWorkspace->tabBar()->fontMetrics().horizontalAdvance(tabWorkspace->tabText(i)) + 26;
+        const int tabWidth = std::clamp(titles, 260, std::max(260, width() * 2 / 5));
+        tabWorkspace->setFixedWidth(tabWidth);
         Picture1->setFixedWidth(tabWidth + TwipsToPixelsX(100));
         const int w = Picture1->isVisible() ? width() - Picture1->width() - TwipsToPixelsX(20)
                                             : width() - TwipsToPixelsX(20);

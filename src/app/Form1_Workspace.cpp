@@ -186,7 +186,6 @@ void Form1::buildWorkspace() {
     texture->layout()->addWidget(trwTextures);
 
     for (QWidget* w : {groups, edit, cam, light, gallery, texture}) tabWorkspace->addTab(w, QString());
-    tabWorkspace->setMinimumWidth(230);
     connect(tabWorkspace, &QTabWidget::currentChanged, this, [this](int index) {
         handleEvent("Form1", "tabWorkspace_Click", [&] { tabWorkspace_Click(index); });
     });
