@@ -1,9 +1,10 @@
-// Indexed binary min-heap of edges ordered by (cost, index): the production's replacement for
+// Indexed 4-ary min-heap of edges ordered by (cost, index): the production's replacement for
 // the linear scan of NextCheapestEdge. The order is the one the scan gives: strictly smaller
 // cost first, the lower index on equal costs (-0.0 and 0.0 are equal, as for the scan's `<`).
 // Only edges whose cost can ever be chosen are held (valid, cost >= -1e21, cost < 1e32; a NaN
 // cost fails both tests), so the top is the scan's first candidate.
 #pragma once
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -26,7 +27,7 @@ public:
         pos_.assign(static_cast<std::size_t>(maxEdge) + 1, -1);
         for (std::size_t i = 0; i < heap_.size(); ++i) pos_[static_cast<std::size_t>(heap_[i].edge)] = static_cast<int>(i);
         if (heap_.size() > 1)
-            for (std::size_t i = (heap_.size() - 2) / 2 + 1; i-- > 0;) down(i);
+            for (std::size_t i = (heap_.size() - 2) / kArity + 1; i-- > 0;) down(i);
     }
     bool empty() const { return heap_.empty(); }
     std::size_t size() const { return heap_.size(); }
@@ -67,6 +68,27 @@ public:
         remove(e.edge);
         return e;
     }
+    // Visits the entries in (cost, index) order without changing the heap, until visit answers
+    // true; answers that entry's edge, or -1 when every entry was visited.
+    template <class Visit>
+    int visitInOrder(Visit visit) {
+        if (heap_.empty()) return -1;
+        frontier_.clear();
+        auto before = [this](std::size_t a, std::size_t b) { return less(heap_[b], heap_[a]); }; // min-heap of positions
+        frontier_.push_back(0);
+        while (!frontier_.empty()) {
+            std::pop_heap(frontier_.begin(), frontier_.end(), before);
+            const std::size_t i = frontier_.back();
+            frontier_.pop_back();
+            if (visit(heap_[i])) return heap_[i].edge;
+            for (std::size_t c = kArity * i + 1; c <= kArity * i + kArity && c < heap_.size(); ++c) {
+                frontier_.push_back(c);
+                std::push_heap(frontier_.begin(), frontier_.end(), before);
+            }
+        }
+        return -1;
+    }
+
     std::size_t memoryBytes() const { return heap_.capacity() * sizeof(Entry) + pos_.capacity() * sizeof(int); }
 
     static bool less(const Entry& a, const Entry& b) {
@@ -74,6 +96,7 @@ public:
     }
 
 private:
+    static constexpr std::size_t kArity = 4;
     void place(std::size_t i, const Entry& e) {
         heap_[i] = e;
         pos_[static_cast<std::size_t>(e.edge)] = static_cast<int>(i);
@@ -81,7 +104,7 @@ private:
     void up(std::size_t i) {
         const Entry e = heap_[i];
         while (i > 0) {
-            const std::size_t parent = (i - 1) / 2;
+            const std::size_t parent = (i - 1) / kArity;
             if (!less(e, heap_[parent])) break;
             place(i, heap_[parent]);
             i = parent;
@@ -92,9 +115,12 @@ private:
         const Entry e = heap_[i];
         const std::size_t n = heap_.size();
         for (;;) {
-            std::size_t child = 2 * i + 1;
-            if (child >= n) break;
-            if (child + 1 < n && less(heap_[child + 1], heap_[child])) ++child;
+            const std::size_t first = kArity * i + 1;
+            if (first >= n) break;
+            std::size_t child = first;
+            const std::size_t last = std::min(first + kArity, n);
+            for (std::size_t c = first + 1; c < last; ++c)
+                if (less(heap_[c], heap_[child])) child = c;
             if (!less(heap_[child], e)) break;
             place(i, heap_[child]);
             i = child;
@@ -104,6 +130,7 @@ private:
 
     std::vector<Entry> heap_;
     std::vector<int> pos_;
+    std::vector<std::size_t> frontier_;
 };
 
 } // namespace simplify

@@ -13,6 +13,7 @@
 // Indices are 1-based: slot 0 of every array exists and is never used.
 #pragma once
 #include "simplify/EdgeHeap.h"
+#include "simplify/FlatIndex.h"
 #include "simplify/SimplifyEngine.h"
 #include "simplify/SimplifyHost.h"
 
@@ -165,6 +166,9 @@ public:
     void EvaluateAllEdges();
     void EvaluateAffectedEdges();
     double EdgeCostAt(int edge) const;
+    // EdgeCostAt with the edge's Quadric, when that is the fresh sum of its ends' (after
+    // EvaluateEdgeQuadric): the same value without adding the two matrices again.
+    double edgeCostFromEdgeQuadric(int edge) const;
     void PlaceOptimal(int edge);
     void PlaceOnSegment(int edge);
     void PlaceAtBetterEnd(int edge);
@@ -213,6 +217,12 @@ public:
     // Every contracted edge in order, when enabled (tests and benchmarks).
     bool TraceContractions = false;
     std::vector<std::int32_t> ContractionTrace;
+    // Counts for the benchmarks: selections made, candidates visited by SelectContractibleEdge,
+    // and candidates whose refusal was known without running the three tests again.
+    long long SelectionCount = 0, CandidateCount = 0, CachedRefusals = 0;
+    // Remember refusals until something near the edge changes (on by default; the tests compare
+    // both settings). See docs/simplify.md, "Refusal cache".
+    bool CacheRefusals = true;
 
     // Approximate bytes held by the model (arrays, lists, backup, indexes).
     std::size_t MemoryBytes() const;
@@ -273,28 +283,58 @@ private:
 
     bool geomOnly_ = false, lockSelected_ = false, protectTexSeams_ = false, protectColorBorders_ = false;
     bool continueRun_ = false;
+    bool pristine_ = false; // the arrays equal the copy for restarting (no restore copy needed)
     int minEdge_ = -1;
     double minCost_ = 0;
 
     // indexes of the production implementation
     struct PointKey {
-        std::uint64_t x, y, z;
-        int octant;
+        std::uint64_t x = 0, y = 0, z = 0;
+        int octant = 0;
         bool operator==(const PointKey&) const = default;
     };
     struct PointKeyHash {
         std::size_t operator()(const PointKey& k) const;
     };
-    std::unordered_map<PointKey, std::int32_t, PointKeyHash> pointIndex_;
+    FlatIndex<PointKey, PointKeyHash> pointIndex_;
     bool pointIndexDirty_ = false;
-    std::unordered_map<std::uint64_t, std::int32_t> edgeIndex_;
+    struct EdgeKeyHash {
+        std::size_t operator()(std::uint64_t k) const {
+            k ^= k >> 33;
+            k *= 0xff51afd7ed558ccdULL;
+            k ^= k >> 33;
+            return static_cast<std::size_t>(k);
+        }
+    };
+    FlatIndex<std::uint64_t, EdgeKeyHash> edgeIndex_;
     bool edgeIndexDirty_ = false;
     EdgeHeap heap_;
     bool heapDirty_ = true;
     std::vector<std::uint32_t> ptStamp_, edgeStamp_;
     std::uint32_t stamp_ = 0;
     std::vector<char> selectedMark_;
-    std::vector<EdgeHeap::Entry> popped_;
+    // refusal cache: the contraction count at which each point last changed near it, and for a
+    // refused edge the count at its refusal and the ends it had then
+    struct Refusal {
+        std::int64_t at = -1;
+        std::int32_t a = 0, b = 0;
+    };
+    std::vector<std::int64_t> ptChanged_;
+    std::vector<Refusal> refusals_;
+    std::int64_t contractions_ = 0;
+    std::vector<char> parked_;  // refused edges held out of the heap
+    std::vector<int> toPark_;
+    void unpark(int edge);
+    void touchPoint(int p) {
+        if (p < 0 || static_cast<std::size_t>(p) >= ptChanged_.size()) return;
+        ptChanged_[static_cast<std::size_t>(p)] = contractions_;
+        if (!heapDirty_)
+            for (const std::int32_t e : pts_[static_cast<std::size_t>(p)].AssEdges) unpark(e);
+    }
+    void touchTriCorners(int t);
+    void touchEdgeEnds(int e);
+    void clearRefusals();
+    bool knownRefused(int edge) const;
 };
 
 } // namespace simplify

@@ -29,6 +29,7 @@ void SurfSimpli::addProducts(Quadric& q, const double p[4]) const {
 }
 
 void SurfSimpli::BuildAllQuadrics() {
+    pristine_ = false;
     for (int p = 1; p <= PointCount(); ++p) {
         SimpPoint& P = pts_[static_cast<std::size_t>(p)];
         if (!P.Valid) continue;
@@ -37,6 +38,7 @@ void SurfSimpli::BuildAllQuadrics() {
 }
 
 void SurfSimpli::BuildPointQuadric(int point) {
+    pristine_ = false;
     SimpPoint& P = pts_.at(static_cast<std::size_t>(point));
     // Triangles that have gone are dropped from the list as it is read; the order of the others stays.
     std::size_t w = 0;
@@ -50,7 +52,10 @@ void SurfSimpli::BuildPointQuadric(int point) {
     P.AssTris.resize(w);
 }
 
-void SurfSimpli::ClearPointQuadric(int point) { pts_.at(static_cast<std::size_t>(point)).Q.fill(0.0); }
+void SurfSimpli::ClearPointQuadric(int point) {
+    pristine_ = false;
+    pts_.at(static_cast<std::size_t>(point)).Q.fill(0.0);
+}
 
 int SurfSimpli::CountValidTris(int edge) const {
     int n = 0;
@@ -128,6 +133,7 @@ bool SurfSimpli::HasColorBorder(int edge) const {
 }
 
 void SurfSimpli::MarkBorderEdges() {
+    pristine_ = false;
     for (int e = 1; e <= EdgeCount(); ++e) {
         SimpEdge& E = edges_[static_cast<std::size_t>(e)];
         if (!E.Valid) continue;
@@ -193,6 +199,7 @@ void SurfSimpli::borderPlane(int edge, double p[4]) const {
 }
 
 void SurfSimpli::AddBorderPenalty(int edge) {
+    pristine_ = false;
     double p[4];
     borderPlane(edge, p);
     const SimpEdge& E = edges_[static_cast<std::size_t>(edge)];
@@ -201,12 +208,14 @@ void SurfSimpli::AddBorderPenalty(int edge) {
 }
 
 void SurfSimpli::AddBorderPenaltyToPoint(int point, int edge) {
+    pristine_ = false;
     double p[4];
     borderPlane(edge, p);
     addProducts(pts_.at(static_cast<std::size_t>(point)).Q, p);
 }
 
 void SurfSimpli::AddLockTerms() {
+    pristine_ = false;
     for (const std::int32_t idx : selectedPts_) {
         if (idx < 0 || idx > PointCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
         SimpPoint& P = pts_[static_cast<std::size_t>(idx)];
@@ -222,11 +231,17 @@ void SurfSimpli::AddLockTerms() {
 }
 
 void SurfSimpli::EvaluateEdgeQuadric(int edge) {
+    pristine_ = false;
     const SimpEdge& E = edges_.at(static_cast<std::size_t>(edge));
     const Quadric& a = pts_.at(static_cast<std::size_t>(E.PtA)).Q;
     const Quadric& b = pts_.at(static_cast<std::size_t>(E.PtB)).Q;
     Quadric& q = edgeQ_[static_cast<std::size_t>(edge)];
-    for (std::size_t k = 0; k < 16; ++k) q[k] = fin(a[k] + b[k]); // MatrixADD raises on a non-finite sum
+    bool finite = true;
+    for (std::size_t k = 0; k < 16; ++k) {
+        q[k] = a[k] + b[k];
+        finite &= std::isfinite(q[k]);
+    }
+    if (!finite) vexil::raiseOverflow(); // MatrixADD raises on a non-finite sum
 }
 
 double SurfSimpli::EdgeCostAt(int edge) const {
@@ -246,7 +261,21 @@ double SurfSimpli::EdgeCostAt(int edge) const {
     return fin(cost);
 }
 
+double SurfSimpli::edgeCostFromEdgeQuadric(int edge) const {
+    const SimpEdge& E = edges_[static_cast<std::size_t>(edge)];
+    const Quadric& q = edgeQ_[static_cast<std::size_t>(edge)];
+    const double v[4] = {E.NewCoords[0], E.NewCoords[1], E.NewCoords[2], 1.0};
+    double cost = 0.0;
+    for (int j = 0; j < 4; ++j) {
+        double r = 0.0;
+        for (int k = 0; k < 4; ++k) r += v[k] * q[static_cast<std::size_t>(k * 4 + j)];
+        cost += r * v[j];
+    }
+    return fin(cost);
+}
+
 void SurfSimpli::PlaceAtBetterEnd(int edge) {
+    pristine_ = false;
     SimpEdge& E = edges_.at(static_cast<std::size_t>(edge));
     const double* A = pts_.at(static_cast<std::size_t>(E.PtA)).Coords;
     const double* B = pts_.at(static_cast<std::size_t>(E.PtB)).Coords;
@@ -260,6 +289,7 @@ void SurfSimpli::PlaceAtBetterEnd(int edge) {
 }
 
 void SurfSimpli::PlaceOptimal(int edge) {
+    pristine_ = false;
     double x, y, z;
     try {
         const Quadric& q = edgeQ_.at(static_cast<std::size_t>(edge));
@@ -287,6 +317,7 @@ void SurfSimpli::PlaceOptimal(int edge) {
 }
 
 void SurfSimpli::PlaceOnSegment(int edge) {
+    pristine_ = false;
     double nc[3];
     try {
         const SimpEdge& E = edges_.at(static_cast<std::size_t>(edge));
@@ -321,22 +352,24 @@ void SurfSimpli::PlaceOnSegment(int edge) {
 }
 
 void SurfSimpli::EvaluateAllEdges() {
+    pristine_ = false;
     for (int e = 1; e <= EdgeCount(); ++e) {
         if (!edges_[static_cast<std::size_t>(e)].Valid) continue;
         EvaluateEdgeQuadric(e);
         if (geomOnly_) PlaceOptimal(e);
         else PlaceOnSegment(e);
-        edges_[static_cast<std::size_t>(e)].Cost = EdgeCostAt(e);
+        edges_[static_cast<std::size_t>(e)].Cost = edgeCostFromEdgeQuadric(e);
     }
     heapDirty_ = true;
 }
 
 void SurfSimpli::EvaluateAffectedEdges() {
+    pristine_ = false;
     for (const std::int32_t e : affectedEdges_) {
         EvaluateEdgeQuadric(e);
         if (geomOnly_) PlaceOptimal(e);
         else PlaceOnSegment(e);
-        edges_[static_cast<std::size_t>(e)].Cost = EdgeCostAt(e);
+        edges_[static_cast<std::size_t>(e)].Cost = edgeCostFromEdgeQuadric(e);
         heapUpdate(e);
     }
 }

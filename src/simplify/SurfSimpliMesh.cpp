@@ -58,6 +58,7 @@ void SurfSimpli::SetOptions(bool protectTexSeams, bool geomOnly, bool lockSelect
 
 void SurfSimpli::AddTriangle(const double c1[9], const double c2[9], const double c3[9], const double plane[4],
                              int bitmapHandle, double brightness, const int color[3]) {
+    pristine_ = false;
     tris_.emplace_back();
     const int t = TriCount();
     {
@@ -93,15 +94,16 @@ void SurfSimpli::AddTriangle(const double c1[9], const double c2[9], const doubl
 }
 
 int SurfSimpli::BucketPoint(const double coords[3], int tri) {
+    pristine_ = false;
     if (pointIndexDirty_) rebuildPointIndex();
     const int octant = octantOf(coords, octantCentre_);
     const bool hashable = !std::isnan(coords[0]) && !std::isnan(coords[1]) && !std::isnan(coords[2]);
     PointKey key{keyBits(coords[0]), keyBits(coords[1]), keyBits(coords[2]), octant};
     if (hashable) {
-        const auto it = pointIndex_.find(key);
-        if (it != pointIndex_.end()) {
-            pts_.at(static_cast<std::size_t>(it->second)).AssTris.push_back(tri);
-            return it->second;
+        const std::int32_t found = pointIndex_.find(key);
+        if (found != 0) {
+            pts_.at(static_cast<std::size_t>(found)).AssTris.push_back(tri);
+            return found;
         }
     }
     pts_.emplace_back();
@@ -119,12 +121,11 @@ int SurfSimpli::BucketPoint(const double coords[3], int tri) {
 }
 
 int SurfSimpli::AddEdgeOfTri(int pA, int pB, int tri) {
+    pristine_ = false;
     if (edgeIndexDirty_) rebuildEdgeIndex();
     const std::uint64_t key = edgeKey(pA, pB);
-    int e;
-    const auto it = edgeIndex_.find(key);
-    if (it != edgeIndex_.end()) {
-        e = it->second;
+    int e = edgeIndex_.find(key);
+    if (e != 0) {
         edges_[static_cast<std::size_t>(e)].AssTris.push_back(tri);
     } else {
         edges_.emplace_back();
@@ -203,6 +204,7 @@ double SurfSimpli::GetEdgCost(int edge) const {
 // ---- life cycle ----
 
 void SurfSimpli::Reset() {
+    pristine_ = false;
     pts_.assign(1, SimpPoint{});
     edges_.assign(1, SimpEdge{});
     tris_.assign(1, SimpTri{});
@@ -224,6 +226,7 @@ void SurfSimpli::Reset() {
 }
 
 void SurfSimpli::CopyGeomForRestore() {
+    pristine_ = true;
     backup_.pts = pts_;
     backup_.edges = edges_;
     backup_.tris = tris_;
@@ -231,6 +234,12 @@ void SurfSimpli::CopyGeomForRestore() {
 }
 
 void SurfSimpli::RestoreGeomFromCopy() {
+    // Nothing changed since the copy or the last restore: the arrays are the copy already.
+    if (pristine_ && !backup_.pts.empty()) {
+        heapDirty_ = true;
+        return;
+    }
+    pristine_ = !backup_.pts.empty();
     if (backup_.pts.empty()) { // never copied: the arrays of an empty model
         pts_.assign(1, SimpPoint{});
         edges_.assign(1, SimpEdge{});
@@ -280,7 +289,7 @@ std::size_t SurfSimpli::MemoryBytes() const {
     };
     std::size_t n = arrays(pts_, edges_, tris_, edgeQ_) + arrays(backup_.pts, backup_.edges, backup_.tris, backup_.edgeQ);
     for (const auto& b : buckets_) n += b.capacity() * sizeof(SimpBucketEntry);
-    n += pointIndex_.size() * (sizeof(PointKey) + 24) + edgeIndex_.size() * 32 + heap_.memoryBytes();
+    n += pointIndex_.memoryBytes() + edgeIndex_.memoryBytes() + heap_.memoryBytes();
     return n;
 }
 

@@ -55,6 +55,7 @@ int SurfSimpli::Reduce(int target, int group, bool protectTexSeams, SimplifyProg
 }
 
 void SurfSimpli::SimplifyLoop(int target) {
+    pristine_ = false;
     setStatus(msg(messages_.simplifying, "Simplyfing"));
     if (selectedMark_.size() != pts_.size()) markSelected();
     if (!continueRun_) {
@@ -122,38 +123,101 @@ void SurfSimpli::rebuildHeap() {
     }
     heap_.build(std::move(entries), EdgeCount());
     heapDirty_ = false;
+    clearRefusals();
+    parked_.assign(edges_.size(), 0);
 }
 
 void SurfSimpli::heapUpdate(int edge) {
     if (heapDirty_) return;
+    if (parked_[static_cast<std::size_t>(edge)]) parked_[static_cast<std::size_t>(edge)] = 0;
     const SimpEdge& E = edges_[static_cast<std::size_t>(edge)];
     if (eligible(E)) heap_.set(edge, E.Cost);
     else heap_.remove(edge);
 }
 
 // The scans of NextCheapestEdge, with the floor raised to each refused candidate's cost and the
-// refused ones excluded, visit the chosen-able edges in (cost, index) order: this takes them
-// from the heap in that order and puts the refused ones back.
+// refused ones excluded, visit the chosen-able edges in (cost, index) order: this visits the
+// heap in that order, without changing it, until a candidate passes the three tests.
+// A refused edge is parked out of the heap until a contraction touches one of its ends (its
+// refusal cannot change before), so later selections do not visit it again. A failed
+// selection leaves MinCost at the cost of the last chosen-able edge in that order, as the scans do.
 int SurfSimpli::SelectContractibleEdge() {
     if (heapDirty_) rebuildHeap();
-    popped_.clear();
+    ++SelectionCount;
+    toPark_.clear();
     int result = -1;
     try {
-        while (!heap_.empty()) {
-            const EdgeHeap::Entry top = heap_.pop();
-            popped_.push_back(top);
+        result = heap_.visitInOrder([&](const EdgeHeap::Entry& top) {
+            ++CandidateCount;
             minCost_ = top.cost;
-            if (!WouldDegenerate(top.edge) && !WouldFlipNormal(top.edge) && KeepsManifold(top.edge)) {
-                result = top.edge;
-                break;
+            if (CacheRefusals && knownRefused(top.edge)) {
+                ++CachedRefusals;
+                toPark_.push_back(top.edge);
+                return false;
             }
-        }
+            const bool ok = !WouldDegenerate(top.edge) && !WouldFlipNormal(top.edge) && KeepsManifold(top.edge);
+            if (!ok && CacheRefusals) {
+                const SimpEdge& E = edges_[static_cast<std::size_t>(top.edge)];
+                refusals_[static_cast<std::size_t>(top.edge)] = Refusal{contractions_, E.PtA, E.PtB};
+                toPark_.push_back(top.edge);
+            }
+            return ok;
+        });
     } catch (...) {
         heapDirty_ = true; // a test raised: the heap is rebuilt from the costs when next used
         throw;
     }
-    for (const EdgeHeap::Entry& e : popped_) heap_.set(e.edge, e.cost);
+    for (const int e : toPark_) {
+        heap_.remove(e);
+        parked_[static_cast<std::size_t>(e)] = 1;
+    }
+    if (result == -1 && CacheRefusals) {
+        // every chosen-able edge was refused: the scans' last candidate is the greatest in order
+        int last = 0;
+        for (int e = 1; e <= EdgeCount(); ++e) {
+            const SimpEdge& E = edges_[static_cast<std::size_t>(e)];
+            if (!eligible(E)) continue;
+            if (last == 0 || !(E.Cost < edges_[static_cast<std::size_t>(last)].Cost)) last = e;
+        }
+        if (last != 0) minCost_ = edges_[static_cast<std::size_t>(last)].Cost;
+    }
     return result;
+}
+
+void SurfSimpli::unpark(int edge) {
+    if (static_cast<std::size_t>(edge) >= parked_.size() || !parked_[static_cast<std::size_t>(edge)]) return;
+    parked_[static_cast<std::size_t>(edge)] = 0;
+    const SimpEdge& E = edges_[static_cast<std::size_t>(edge)];
+    if (eligible(E)) heap_.set(edge, E.Cost);
+}
+
+// Refusal cache. The three tests of an edge (A, B) read: the edge's ends, NewCoords and
+// AssTris; the valid triangles of A and B with their corners, positions and planes; the valid
+// edges of A and B with their ends and their triangles' validity. A contraction changes these
+// only for edges with an end among the points it touches (touchPoint in ContractEdge), so a
+// refusal stands while neither end has been touched since and the ends are the same.
+void SurfSimpli::clearRefusals() {
+    ptChanged_.assign(pts_.size(), 0);
+    refusals_.assign(edges_.size(), Refusal{});
+}
+
+bool SurfSimpli::knownRefused(int edge) const {
+    const Refusal& r = refusals_[static_cast<std::size_t>(edge)];
+    if (r.at < 0) return false;
+    const SimpEdge& E = edges_[static_cast<std::size_t>(edge)];
+    return E.PtA == r.a && E.PtB == r.b && ptChanged_[static_cast<std::size_t>(r.a)] <= r.at &&
+           ptChanged_[static_cast<std::size_t>(r.b)] <= r.at;
+}
+
+void SurfSimpli::touchTriCorners(int t) {
+    const SimpTri& T = tris_[static_cast<std::size_t>(t)];
+    for (int k = 0; k < 3; ++k) touchPoint(T.Pts[k]);
+}
+
+void SurfSimpli::touchEdgeEnds(int e) {
+    const SimpEdge& E = edges_[static_cast<std::size_t>(e)];
+    touchPoint(E.PtA);
+    touchPoint(E.PtB);
 }
 
 // ---- the refusal tests ----
@@ -268,6 +332,7 @@ bool SurfSimpli::KeepsManifold(int edge) {
 // ---- the contraction ----
 
 int SurfSimpli::ContractEdge() {
+    pristine_ = false;
     const int edge = minEdge_;
     if (edge < 1 || edge > EdgeCount()) return 0; // e.g. -1 after "Can't simplify further!"
     SimpEdge& E = edges_[static_cast<std::size_t>(edge)];
@@ -276,9 +341,24 @@ int SurfSimpli::ContractEdge() {
     int kept = E.PtA, gone = E.PtB;
     if (selectedMark_.size() != pts_.size()) markSelected();
     if (selectedFast(gone)) std::swap(kept, gone);
+    // the points whose tests may read something this contraction changes (refusal cache)
+    ++contractions_;
+    if (ptChanged_.size() < pts_.size()) ptChanged_.resize(pts_.size(), 0);
+    if (refusals_.size() < edges_.size()) refusals_.resize(edges_.size());
+    for (const std::int32_t t : E.AssTris) {
+        touchTriCorners(t);
+        for (const std::int32_t s : tris_[static_cast<std::size_t>(t)].Edges) touchEdgeEnds(s);
+    }
+    for (const int p : {kept, gone}) {
+        for (const std::int32_t t : pts_[static_cast<std::size_t>(p)].AssTris) touchTriCorners(t);
+        for (const std::int32_t e : pts_[static_cast<std::size_t>(p)].AssEdges) touchEdgeEnds(e);
+    }
     if (!geomOnly_) InterpolateTexCoords(E.NewCoords, kept, gone);
     E.Valid = false;
-    if (!heapDirty_) heap_.remove(edge);
+    if (!heapDirty_) {
+        heap_.remove(edge);
+        parked_[static_cast<std::size_t>(edge)] = 0;
+    }
     SimpPoint& K = pts_[static_cast<std::size_t>(kept)];
     for (int k = 0; k < 3; ++k) K.Coords[k] = E.NewCoords[k];
     int removed = 0;
@@ -320,6 +400,7 @@ int SurfSimpli::ContractEdge() {
         prune(KP.AssEdges, [&](std::int32_t e) { return !edges_[static_cast<std::size_t>(e)].Valid; });
     }
     CollectAffected(kept);
+    for (const std::int32_t p : affectedPts_) touchPoint(p);
     EvaluatePlaneOfAffectedTris(kept);
     for (const std::int32_t p : affectedPts_) ClearPointQuadric(p);
     for (const std::int32_t p : affectedPts_) BuildPointQuadric(p);
@@ -336,6 +417,7 @@ int SurfSimpli::ContractEdge() {
 }
 
 void SurfSimpli::RemoveTriOfEdge(int tri, int edge) {
+    pristine_ = false;
     SimpTri& T = tris_.at(static_cast<std::size_t>(tri));
     T.Valid = false;
     int e1 = 0, e2 = 0;
@@ -350,10 +432,14 @@ void SurfSimpli::RemoveTriOfEdge(int tri, int edge) {
     SimpEdge& E2 = edges_[static_cast<std::size_t>(e2)];
     if (E2.IsBorder) edges_[static_cast<std::size_t>(e1)].IsBorder = true;
     E2.Valid = false;
-    if (!heapDirty_) heap_.remove(e2);
+    if (!heapDirty_) {
+        heap_.remove(e2);
+        parked_[static_cast<std::size_t>(e2)] = 0;
+    }
 }
 
 void SurfSimpli::MergeEdgeTris(int e1, int e2) {
+    pristine_ = false;
     auto& l1 = edges_.at(static_cast<std::size_t>(e1)).AssTris;
     const auto& l2 = edges_.at(static_cast<std::size_t>(e2)).AssTris;
     for (std::size_t i = 0; i < l2.size(); ++i) {
@@ -369,6 +455,7 @@ void SurfSimpli::MergeEdgeTris(int e1, int e2) {
 }
 
 void SurfSimpli::RepointTriEdges(int from, int to) {
+    pristine_ = false;
     for (const std::int32_t t : edges_.at(static_cast<std::size_t>(from)).AssTris) {
         SimpTri& T = tris_[static_cast<std::size_t>(t)];
         if (!T.Valid) continue;
@@ -381,6 +468,7 @@ void SurfSimpli::RepointTriEdges(int from, int to) {
 }
 
 void SurfSimpli::CollectAffected(int kept) {
+    pristine_ = false;
     affectedPts_.clear();
     affectedEdges_.clear();
     if (++stamp_ == 0) { // wrapped: start the marks afresh
@@ -419,6 +507,7 @@ void SurfSimpli::CollectAffected(int kept) {
 }
 
 void SurfSimpli::EvaluatePlaneOfAffectedTris(int kept) {
+    pristine_ = false;
     for (const std::int32_t t : pts_.at(static_cast<std::size_t>(kept)).AssTris) {
         SimpTri& T = tris_[static_cast<std::size_t>(t)];
         if (!T.Valid) continue;
@@ -446,6 +535,7 @@ void SurfSimpli::EvaluatePlaneOfAffectedTris(int kept) {
 }
 
 void SurfSimpli::InterpolateTexCoords(const double newCoords[3], int kept, int gone) {
+    pristine_ = false;
     const SimpEdge& E = edges_.at(static_cast<std::size_t>(minEdge_ >= 0 ? minEdge_ : 0));
     const double* K = pts_.at(static_cast<std::size_t>(kept)).Coords;
     const double* G = pts_.at(static_cast<std::size_t>(gone)).Coords;

@@ -1,0 +1,150 @@
+// simplify_bench: the figures of docs/performance.md, "Simplification".
+//
+//   simplify_bench [--mesh FILE] [--keep 0.5,0.1] [--runs N] [--mode prod|ref] [--faces N]
+//
+// prod: the production SurfSimpli, N runs per target in this process (a fresh object each run),
+//       median wall and CPU time of Reduce (extraction, restart copy, loop and output included),
+//       split by phase from the status texts; the peak resident memory of the process.
+// ref:  the literal reference, one run per target, on the first --faces faces of the mesh.
+// Every run goes through the in-memory engine, so the engine's own cost is not measured.
+#include "MemoryEngine.h"
+#include "MeshData.h"
+#include "reference/RefSurfSimpli.h"
+#include "simplify/SurfSimpli.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using namespace simplify_test;
+
+namespace {
+double wallMs() {
+    timespec t{};
+    clock_gettime(CLOCK_MONOTONIC, &t);
+    return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
+}
+double cpuMs() {
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
+}
+long peakKb() {
+    FILE* f = std::fopen("/proc/self/status", "r");
+    if (!f) return -1;
+    char line[256];
+    long kb = -1;
+    while (std::fgets(line, sizeof line, f))
+        if (std::strncmp(line, "VmHWM:", 6) == 0) kb = std::atol(line + 6);
+    std::fclose(f);
+    return kb;
+}
+double median(std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v[v.size() / 2];
+}
+
+// Time stamps (CPU) of the status texts: extraction, loop, output.
+struct PhaseClock final : simplify::SimplifyStatus {
+    double extract = 0, loop = 0, output = 0, end = 0;
+    void setText(const std::string& t) override {
+        const double now = cpuMs();
+        if (t == "Extracting Triangles") extract = now;
+        else if (t == "Simplyfing") loop = now;
+        else if (t == "Building Output") output = now;
+        else if (t.empty()) end = now;
+    }
+};
+struct Quiet final : simplify::SimplifyHost {
+    void messageBox(const std::string& t) override { std::printf("  (message: %s)\n", t.c_str()); }
+    void yieldEvents() override {}
+};
+} // namespace
+
+int main(int argc, char** argv) {
+    std::string path = "/usr/share/glmark2/models/bunny.obj", mode = "prod";
+    std::vector<double> keeps = {0.5, 0.1};
+    int runs = 5;
+    std::size_t faces = 0;
+    for (int i = 1; i < argc; ++i) {
+        const std::string a = argv[i];
+        auto next = [&]() -> std::string { return i + 1 < argc ? argv[++i] : ""; };
+        if (a == "--mesh") path = next();
+        else if (a == "--mode") mode = next();
+        else if (a == "--runs") runs = std::stoi(next());
+        else if (a == "--faces") faces = static_cast<std::size_t>(std::stol(next()));
+        else if (a == "--keep") {
+            keeps.clear();
+            std::stringstream ss(next());
+            std::string item;
+            while (std::getline(ss, item, ',')) keeps.push_back(std::stod(item));
+        }
+    }
+    MeshData mesh = triangulateFans(loadMesh(path));
+    if (faces) mesh = firstFaces(mesh, faces);
+    const int total = static_cast<int>(mesh.faces.size());
+    std::printf("mesh %s: %d triangles; mode %s\n", path.c_str(), total, mode.c_str());
+    Quiet host;
+    for (const double keep : keeps) {
+        const int target = static_cast<int>(total * keep + 0.5);
+        if (mode == "ref") {
+            MemoryEngine eng;
+            const int g = eng.addMesh(mesh);
+            simplify_ref::RefSurfSimpli s(&eng);
+            s.SetHost(&host);
+            s.ForceRestart = simplify_ref::vbTrue;
+            PhaseClock phases;
+            const double w0 = wallMs(), c0 = cpuMs();
+            try {
+                s.Reduce(target, g, false, nullptr, &phases, false, false, false);
+            } catch (const std::exception& e) {
+                std::printf("  reference raised: %s\n", e.what());
+            }
+            const double w1 = wallMs(), c1 = cpuMs();
+            std::printf("reference keep %.2f: %d -> %d triangles, wall %.1f ms, cpu %.1f ms (extract+copy %.1f, loop %.1f, "
+                        "output %.1f)\n",
+                        keep, total, s.TriCurrent, w1 - w0, c1 - c0, phases.loop - phases.extract,
+                        phases.output - phases.loop, phases.end - phases.output);
+            continue;
+        }
+        std::vector<double> wall, cpu, ex, lp, out;
+        int result = 0;
+        long long selections = 0, candidates = 0, cached = 0;
+        for (int r = 0; r < runs; ++r) {
+            MemoryEngine eng;
+            const int g = eng.addMesh(mesh);
+            simplify::SurfSimpli s(&eng);
+            s.SetHost(&host);
+            s.ForceRestart = true;
+            PhaseClock phases;
+            const double w0 = wallMs(), c0 = cpuMs();
+            try {
+                s.Reduce(target, g, false, nullptr, &phases, false, false, false);
+            } catch (const std::exception& e) {
+                std::printf("  production raised: %s\n", e.what());
+            }
+            const double w1 = wallMs(), c1 = cpuMs();
+            wall.push_back(w1 - w0);
+            cpu.push_back(c1 - c0);
+            ex.push_back(phases.loop - phases.extract);
+            lp.push_back(phases.output - phases.loop);
+            out.push_back(phases.end - phases.output);
+            result = s.TriCurrent();
+            selections = s.SelectionCount;
+            candidates = s.CandidateCount;
+            cached = s.CachedRefusals;
+        }
+        std::printf("production keep %.2f: %d -> %d triangles, median of %d: wall %.1f ms, cpu %.1f ms "
+                    "(extract+copy %.1f, loop %.1f, output %.1f); %lld selections, %lld candidates, %lld refusals "
+                    "from the cache\n",
+                    keep, total, result, runs, median(wall), median(cpu), median(ex), median(lp), median(out), selections,
+                    candidates, cached);
+    }
+    std::printf("peak resident memory of this process: %ld kB\n", peakKb());
+    return 0;
+}
