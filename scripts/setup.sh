@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 
 PACKAGES=(build-essential cmake pkg-config libgtest-dev libgmock-dev libbenchmark-dev
           zlib1g-dev libzstd-dev libstb-dev qt6-base-dev qt6-base-dev-tools
-          libgl-dev libegl-dev libgl1-mesa-dri xvfb xauth clang libclang-rt-14-dev
+          libgl-dev libegl-dev libopengl-dev libgl1-mesa-dri xvfb xauth clang libclang-rt-14-dev
           glmark2-data assimp-testmodels)
 missing=()
 for p in "${PACKAGES[@]}"; do
