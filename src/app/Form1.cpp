@@ -54,6 +54,7 @@ Form1::Form1(QWidget* parent) : QMainWindow(parent) {
 
 Form1::~Form1() {
     if (m_loaded && !m_unloaded) Form_Unload();
+    if (dialogs().parentWindow == this) dialogs().parentWindow = nullptr;
     if (theForm() == this) theForm() = nullptr;
 }
 
