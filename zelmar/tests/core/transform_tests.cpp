@@ -216,3 +216,32 @@ TEST_F(Transform, CenterOfMassIsTheMeanOfThePoints) {
     ZELMAR_group_get_center_of_mass(g, c);
     EXPECT_V3_NEAR(c, 1, 1, 3, 1e-12);
 }
+
+TEST_F(Transform, TurnToMatchAPolygonAndFindExtremes) {
+    const int g = ZELMAR_group_create("g");
+    const int top = square(g, 0, 0, 1);
+    const int bottom = poly(g, {{0, 0, 0}, {0, 1, 0}, {1, 1, 0}, {1, 0, 0}});
+    EXPECT_EQ(ZELMAR_group_get_top_polygon(g), top);
+    EXPECT_EQ(ZELMAR_group_get_bottom_polygon(g), bottom);
+    // Turn so that the top face looks along +x, like a wall facing that way.
+    const int h = ZELMAR_group_create("wall");
+    const int wall = poly(h, {{5, 0, 0}, {5, 1, 0}, {5, 1, 1}, {5, 0, 1}});
+    ASSERT_EQ(ZELMAR_group_rotate_to_match_polygon(g, top, wall), 1);
+    double plane[4];
+    ZELMAR_polygon_get_plane(top, plane);
+    EXPECT_V3_NEAR(plane, 1, 0, 0, 1e-12);
+    EXPECT_EQ(ZELMAR_group_rotate_to_match_polygon(g, top, 99999), 0);
+    // Turning about a line through the wall brings the normals together too.
+    const int k = ZELMAR_group_create("k");
+    const int face = square(k, 0, 0, 0);
+    const double at[3] = {0, 0, 0}, along[3] = {0, 1, 0};
+    ASSERT_EQ(ZELMAR_group_rotate_around_line_to_match_polygon(k, at, along, face, wall), 1);
+    ZELMAR_polygon_get_plane(face, plane);
+    EXPECT_V3_NEAR(plane, 1, 0, 0, 1e-12);
+    EXPECT_V3_NEAR(xyz(ZELMAR_polygon_get_first_point(face)), 0, 0, 0, 1e-12); // on the line: stays
+    // Box mapping over the group: the bitmap spans the box once.
+    ZELMAR_group_wrap_a_bitmap(h, 0, 1, 1);
+    double uv[2];
+    ZELMAR_point_get_bitmap_xy(ZELMAR_point_get_next_point(ZELMAR_polygon_get_first_point(wall)), uv);
+    EXPECT_V3_NEAR((std::array<double, 3>{uv[0], uv[1], 0}), 1, 1, 0, 1e-12);
+}
