@@ -15,18 +15,32 @@ class WalkTable {
         Handle group = 0;
         uint32_t index = 0;
         uint64_t used = 0;
+        uint64_t steps = 0; // "next" calls answered
     };
 
+    // A free slot; else, when two or more walks have not taken a step yet (a "first" used
+    // only to look, as in an emptiness test), the latest of them, so that a run of such
+    // looks reuses one slot and an outer walk that has just begun survives it; else the
+    // least recently used walk (most likely one left unfinished).
     Record* open(Handle root) {
-        Record* slot = &records_[0];
+        Record* free = nullptr;
+        Record* latestProbe = nullptr;
+        Record* oldest = nullptr;
+        int probes = 0;
         for (Record& r : records_) {
             if (r.last == 0) {
-                slot = &r;
+                free = &r;
                 break;
             }
-            if (r.used < slot->used) slot = &r;
+            if (r.steps == 0) {
+                ++probes;
+                if (!latestProbe || r.used > latestProbe->used) latestProbe = &r;
+            } else if (!oldest || r.used < oldest->used) {
+                oldest = &r;
+            }
         }
-        *slot = Record{root, 0, 0, 0, ++clock_};
+        Record* slot = free ? free : (probes >= 2 || !oldest ? latestProbe : oldest);
+        *slot = Record{root, 0, 0, 0, ++clock_, 0};
         recent_ = static_cast<size_t>(slot - records_);
         return slot;
     }
@@ -39,7 +53,10 @@ class WalkTable {
         if (best) recent_ = static_cast<size_t>(best - records_);
         return best;
     }
-    void touch(Record* r) { r->used = ++clock_; }
+    void touch(Record* r) {
+        r->used = ++clock_;
+        ++r->steps;
+    }
     void close(Record* r) { *r = Record{}; }
     void reset() {
         for (Record& r : records_)
@@ -47,7 +64,7 @@ class WalkTable {
     }
 
   private:
-    Record records_[16];
+    Record records_[32];
     uint64_t clock_ = 0;
     size_t recent_ = 0;
 };

@@ -63,6 +63,21 @@ TEST_F(Contract, NestedWalksKeepTheirOwnRoots) {
     }
     EXPECT_EQ(outer, 3);
     EXPECT_EQ(inner, 2 + 2 + 1);
+    // Looking at the first polygon of many groups (emptiness tests) inside a walk of a
+    // subgroup keeps that walk inside its subgroup.
+    std::vector<int> probes;
+    for (int i = 0; i < 40; ++i) {
+        probes.push_back(ZELMAR_group_create("probe"));
+        square(probes.back());
+    }
+    std::vector<int> inA;
+    for (int p = ZELMAR_group_get_first_polygon(a); p; p = ZELMAR_group_get_next_polygon(p)) {
+        inA.push_back(p);
+        for (int g : probes)
+            EXPECT_NE(ZELMAR_group_get_first_polygon(g), 0);
+    }
+    EXPECT_EQ(inA, walk(a));
+    EXPECT_EQ(inA.size(), 2u);
     // Many abandoned walks do not break a later one.
     for (int i = 0; i < 40; ++i)
         ZELMAR_group_get_first_polygon(a);
