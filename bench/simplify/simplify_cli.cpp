@@ -149,7 +149,7 @@ int main(int argc, char** argv) {
             std::printf("production via engine: %d -> %d triangles in %.1f ms (output group %d, %d polygons)\n", total,
                         s.TriCurrent(), ms(a, b), outGroup, ZELMAR_group_get_number_of_polygons(outGroup));
             if (!out.empty()) {
-                const int r = ZELMAR_engine_save(out.c_str(), outGroup, 0);
+                const int r = ZELMAR_engine_save(out.c_str(), outGroup, 0x0001); // kSaveGroups
                 std::printf("ZELMAR_engine_save(%s) answered %d%s%s\n", out.c_str(), r, r ? "" : ": ",
                             r ? "" : ZELMAR_engine_get_last_error());
             }

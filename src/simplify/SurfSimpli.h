@@ -113,9 +113,18 @@ public:
     // Selection (the list SelectedPts; Part 6.4 fills it).
     void SelectMultiplePoints(double x1, double y1, double x2, double y2, bool ignoreBackFaced, SelectMode mode,
                               const double cameraLocation[3]);
-    void ResetPtSelection() { selectedPts_.clear(); }
-    void SetSelectedPts(std::vector<std::int32_t> points) { selectedPts_ = std::move(points); }
-    void AddSelectedPt(std::int32_t point) { selectedPts_.push_back(point); }
+    void ResetPtSelection() {
+        selectedPts_.clear();
+        selectedMark_.clear();
+    }
+    void SetSelectedPts(std::vector<std::int32_t> points) {
+        selectedPts_ = std::move(points);
+        selectedMark_.clear();
+    }
+    void AddSelectedPt(std::int32_t point) {
+        selectedPts_.push_back(point);
+        selectedMark_.clear();
+    }
     bool IsPtSelected(std::int32_t point) const; // linear search from the first entry
     void RemoveSelectedPt(std::int32_t point);   // entries behind move up by one
     const std::vector<std::int32_t>& SelectedPts() const { return selectedPts_; }

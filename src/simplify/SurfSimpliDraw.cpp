@@ -91,6 +91,7 @@ void SurfSimpli::SelectMultiplePoints(double x1, double y1, double x2, double y2
                                       SelectMode mode, const double cameraLocation[3]) {
     const double left = std::min(x1, x2), right = std::max(x1, x2);
     const double top = std::min(y1, y2), bottom = std::max(y1, y2);
+    selectedMark_.clear();
     if (mode == SelectMode::Replace) selectedPts_.clear();
     for (int p = 1; p <= PointCount(); ++p) {
         const SimpPoint& P = pts_[static_cast<std::size_t>(p)];

@@ -264,6 +264,7 @@ bool SurfSimpli::IsPtSelected(std::int32_t point) const {
 void SurfSimpli::RemoveSelectedPt(std::int32_t point) {
     const auto it = std::find(selectedPts_.begin(), selectedPts_.end(), point);
     if (it != selectedPts_.end()) selectedPts_.erase(it);
+    selectedMark_.clear();
 }
 
 void SurfSimpli::markSelected() {

@@ -192,18 +192,74 @@ TEST(Equivalence, FilesFromAssimpTestModels) {
 TEST(Equivalence, BunnySubset) {
     const char* path = "/usr/share/glmark2/models/bunny.obj";
     if (!std::filesystem::exists(path)) GTEST_SKIP() << "glmark2-data not installed";
-    const MeshData mesh = firstFaces(loadObj(path), 2500);
-    PairRun run(mesh);
+    const MeshData mesh = firstFaces(loadObj(path), 4000);
     const int total = static_cast<int>(mesh.faces.size());
     for (bool geomOnly : {false, true}) {
+        PairRun run(mesh);
         Step st;
         st.geomOnly = geomOnly;
         st.target = total / 2;
-        ASSERT_EQ(run.step(st, nullptr, false), "");
+        StepResult r;
+        ASSERT_EQ(run.step(st, &r, false), "");
+        EXPECT_FALSE(r.threw);
+        EXPECT_EQ(r.trace.size() > 1000, true);
         st.forceRestart = false;
-        st.target = total / 10;
-        ASSERT_EQ(run.step(st, nullptr, false), "");
+        st.target = total * 3 / 10;
+        ASSERT_EQ(run.step(st, &r, false), "");
     }
+}
+
+TEST(Equivalence, WithoutTheRefusalCacheToo) {
+    for (const Corpus& c : smallCorpus()) {
+        SCOPED_TRACE(c.name);
+        PairRun run(c.mesh);
+        run.prod.CacheRefusals = false;
+        const int total = static_cast<int>(c.mesh.faces.size());
+        for (int combo : {0, 2, 5, 9, 15}) {
+            Step st;
+            st.texSeams = combo & 1;
+            st.geomOnly = combo & 2;
+            st.lock = combo & 4;
+            st.colorBorders = combo & 8;
+            st.setSelected = true;
+            if (st.lock) st.selected = {2, 7};
+            st.target = total / 2;
+            ASSERT_EQ(run.step(st), "") << combo;
+            st.forceRestart = false;
+            st.target = 0;
+            ASSERT_EQ(run.step(st), "") << combo;
+        }
+    }
+}
+
+// The whole bunny is too large for the reference in a test; the production with and without
+// its refusal cache (the latter a plain transcription of the scans, proven above) must agree.
+TEST(Equivalence, WholeBunnyWithAndWithoutTheRefusalCache) {
+    const char* path = "/usr/share/glmark2/models/bunny.obj";
+    if (!std::filesystem::exists(path)) GTEST_SKIP() << "glmark2-data not installed";
+#ifdef NDEBUG
+    const MeshData mesh = loadObj(path);
+#else
+    const MeshData mesh = firstFaces(loadObj(path), 20000); // unoptimised (sanitizer) builds
+#endif
+    const int total = static_cast<int>(mesh.faces.size());
+    MemoryEngine e1, e2;
+    const int g1 = e1.addMesh(mesh), g2 = e2.addMesh(mesh);
+    simplify::SurfSimpli cached(&e1), plain(&e2);
+    plain.CacheRefusals = false;
+    for (simplify::SurfSimpli* s : {&cached, &plain}) {
+        s->ForceRestart = true;
+        s->TraceContractions = true;
+    }
+    const int o1 = cached.Reduce(total / 10, g1, false, nullptr, nullptr, false, false, false);
+    const int o2 = plain.Reduce(total / 10, g2, false, nullptr, nullptr, false, false, false);
+    ASSERT_EQ(cached.ContractionTrace.size(), plain.ContractionTrace.size());
+    EXPECT_TRUE(cached.ContractionTrace == plain.ContractionTrace);
+    StepResult a, b;
+    a.output = readOutput(e1, o1);
+    b.output = readOutput(e2, o2);
+    EXPECT_EQ(compareResults(a, b), "");
+    EXPECT_LT(cached.CandidateCount * 10, plain.CandidateCount);
 }
 
 } // namespace

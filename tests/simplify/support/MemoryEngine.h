@@ -44,6 +44,9 @@ public:
     static void planeOf(const MemPolygon& p, const std::vector<MemPoint>& pts, double plane[4]);
 
     const MemGroup& group(int g) const { return groups_.at(g); }
+    void setLocation(int g, const double loc[3]) {
+        for (int k = 0; k < 3; ++k) groups_[g].location[k] = loc[k];
+    }
     const MemPolygon& polygon(int p) const { return polys_.at(static_cast<std::size_t>(p)); }
     const MemPoint& point(int p) const { return points_.at(static_cast<std::size_t>(p)); }
     MemPolygon& polygonRef(int p) { return polys_.at(static_cast<std::size_t>(p)); }
