@@ -5,6 +5,8 @@
 
 #include <QDialog>
 #include <QFile>
+#include <QListWidget>
+#include <QPushButton>
 #include <QFileInfo>
 #include <QTextStream>
 #include <QTest>
@@ -395,4 +397,45 @@ TEST_F(World, ViewerModeSavesAndStartsTheViewer) {
     const int asked = int(dialogs.asked.size());
     doc->mnuViewerMode_Click();
     EXPECT_EQ(int(dialogs.asked.size()), asked);
+}
+
+TEST_F(World, TheShippedSampleAndTemplatesLoad) {
+    const QString data = QStringLiteral(VEXIL_SOURCE_DIR) + "/data";
+    ASSERT_TRUE(doc->LoadWorld(data + "/samples/Sample.wld"));
+    for (const char* g : {"Ground", "House", "Walls", "Roof", "Door", "Tower", "Trees", "Tree01", "Pond", "Fence"})
+        EXPECT_NE(GroupUsingName(g), 0) << g;
+    EXPECT_GT(ZELMAR_group_get_number_of_polygons(doc->RootGrp), 200);
+    EXPECT_NE(LightUsingName("Sun"), 0);
+    EXPECT_NE(CameraUsingName("Camera01"), 0);
+    EXPECT_NE(TrackUsingName("Track01"), 0);
+    EXPECT_NE(BackgroundUsingName("Background01"), 0);
+    EXPECT_NE(ZELMAR_bitmap_get_handle("brick"), 0);  // the bitmaps were found in data/samples/bitmaps
+    EXPECT_TRUE(cams.Keys().contains("Camera" + QString::number(CameraUsingName("Camera01"))));
+    EXPECT_TRUE(lights.Keys().contains("Light" + QString::number(LightUsingName("Sun"))));
+    EXPECT_GT(doc->WorldSize, 1000.0);
+    for (const char* t : {"Empty Room", "Green Field", "Studio", "Courtyard"}) {
+        ASSERT_TRUE(doc->LoadWorld(data + "/Templates/" + t + ".wld")) << t;
+        EXPECT_GT(ZELMAR_group_get_number_of_polygons(doc->RootGrp), 0) << t;
+        EXPECT_NE(ZELMAR_light_get_first_light(), 0) << t;
+    }
+}
+
+TEST_F(World, ATemplateChosenInTheDialogIsLoaded) {
+    const QString data = QStringLiteral(VEXIL_SOURCE_DIR) + "/data";
+    doc->SetApplicationFolder(data);
+    dialogs.execAnswers.push_back([](QDialog& d) {
+        auto* list = d.findChild<QListWidget*>("List1");
+        EXPECT_NE(list, nullptr);
+        if (!list) return int(QDialog::Rejected);
+        const auto found = list->findItems("Studio", Qt::MatchExactly);
+        EXPECT_EQ(found.size(), 1);
+        if (found.isEmpty()) return int(QDialog::Rejected);
+        list->setCurrentItem(found[0]);
+        QMetaObject::invokeMethod(d.findChild<QPushButton*>("cmdOk"), "click");
+        return d.result();
+    });
+    doc->mnuNew_Click();
+    EXPECT_EQ(doc->WorldFileName, data + "/Templates/Studio.wld");
+    EXPECT_NE(GroupUsingName("Pedestals"), 0);
+    EXPECT_TRUE(doc->WorldOpen);
 }
