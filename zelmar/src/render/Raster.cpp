@@ -16,6 +16,14 @@ inline int64_t ceilDiv(int64_t a, int64_t b) { // b > 0
     return -floorDiv(-a, b);
 }
 
+// Float to int with the value held to +-limit (NaN gives 0), so that no conversion
+// overflows whatever the scene's numbers.
+inline int32_t toInt(float v, float limit) {
+    if (!(v > -limit)) return v != v ? 0 : static_cast<int32_t>(-limit);
+    if (!(v < limit)) return static_cast<int32_t>(limit);
+    return static_cast<int32_t>(v);
+}
+
 inline uint32_t clamp255(int v) {
     return static_cast<uint32_t>(v < 0 ? 0 : (v > 255 ? 255 : v));
 }
@@ -123,14 +131,13 @@ template <bool Translucent> void rasterRowsPow2(const Tri& t, const FrameBuffer&
             uint32_t fu = fixedCoord(ut0, twd) - half, fv = fixedCoord(vt0, thd) - half;
             const int32_t du = static_cast<int32_t>(std::clamp((u1 - u0) * tw / n, -2e9, 2e9));
             const int32_t dv = static_cast<int32_t>(std::clamp((v1 - v0) * th / n, -2e9, 2e9));
-            int32_t ir = static_cast<int32_t>(std::max(sr, 0.0f) * 65536.0f);
-            int32_t ig = static_cast<int32_t>(std::max(sg, 0.0f) * 65536.0f);
-            int32_t ib = static_cast<int32_t>(std::max(sb, 0.0f) * 65536.0f);
-            const int32_t dr = static_cast<int32_t>(t.dx[kR] * 65536.0f),
-                          dg = static_cast<int32_t>(t.dx[kG] * 65536.0f),
-                          db = static_cast<int32_t>(t.dx[kB] * 65536.0f);
-            int32_t iff = static_cast<int32_t>(std::clamp(sf, 0.0f, 1.0f) * 65536.0f);
-            const int32_t df = static_cast<int32_t>(t.dx[kF] * 65536.0f);
+            int32_t ir = toInt(std::max(sr, 0.0f) * 65536.0f, 1e8f);
+            int32_t ig = toInt(std::max(sg, 0.0f) * 65536.0f, 1e8f);
+            int32_t ib = toInt(std::max(sb, 0.0f) * 65536.0f, 1e8f);
+            const int32_t dr = toInt(t.dx[kR] * 65536.0f, 1e8f), dg = toInt(t.dx[kG] * 65536.0f, 1e8f),
+                          db = toInt(t.dx[kB] * 65536.0f, 1e8f);
+            int32_t iff = toInt(std::clamp(sf, 0.0f, 1.0f) * 65536.0f, 1e8f);
+            const int32_t df = toInt(t.dx[kF] * 65536.0f, 1e8f);
             for (int i = 0; i < n; ++i) {
                 const int64_t x = bx + i;
                 if (z > zrow[x]) {
@@ -236,8 +243,8 @@ void rasterRows(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
                                 std::min(255u, (((c >> 16) & 0xFF) * k) >> 16) << 16;
                         }
                     }
-                    const int sr = static_cast<int>(v[kR] * 256.0f), sg = static_cast<int>(v[kG] * 256.0f),
-                              sb = static_cast<int>(v[kB] * 256.0f);
+                    const int sr = toInt(v[kR] * 256.0f, 1e6f), sg = toInt(v[kG] * 256.0f, 1e6f),
+                              sb = toInt(v[kB] * 256.0f, 1e6f);
                     r = clamp255(
                         static_cast<int>(((c & 0xFF) * static_cast<uint32_t>(std::max(sr, 0))) >> 8));
                     g = clamp255(
@@ -245,9 +252,9 @@ void rasterRows(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
                     b = clamp255(
                         static_cast<int>((((c >> 16) & 0xFF) * static_cast<uint32_t>(std::max(sb, 0))) >> 8));
                 } else {
-                    r = clamp255(static_cast<int>(v[kR] + 0.5f));
-                    g = clamp255(static_cast<int>(v[kG] + 0.5f));
-                    b = clamp255(static_cast<int>(v[kB] + 0.5f));
+                    r = clamp255(toInt(v[kR] + 0.5f, 1e6f));
+                    g = clamp255(toInt(v[kG] + 0.5f, 1e6f));
+                    b = clamp255(toInt(v[kB] + 0.5f, 1e6f));
                 }
                 if (draw) {
                     if (lightMap) {
@@ -258,7 +265,7 @@ void rasterRows(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
                         b = std::min(255u, (b * ((l >> 16) & 0xFF)) >> 7);
                     }
                     if (fog) {
-                        const int f = static_cast<int>(std::clamp(v[kF], 0.0f, 1.0f) * 256.0f);
+                        const int f = toInt(std::clamp(v[kF], 0.0f, 1.0f) * 256.0f, 256.0f);
                         r = static_cast<uint32_t>(static_cast<int>(r) +
                                                   ((static_cast<int>(fr) - static_cast<int>(r)) * f >> 8));
                         g = static_cast<uint32_t>(static_cast<int>(g) +

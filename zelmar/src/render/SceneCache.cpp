@@ -97,7 +97,7 @@ void packGroup(const Group& g, GroupCache& c) {
             v.v2 = finiteOr0(d.uv2[1]);
             const double b = (std::isfinite(d.brightness) ? d.brightness / 100.0 : 1.0) * polyBright;
             for (int k = 0; k < 3; ++k)
-                v.shade[k] = std::max(0.0f, finiteOr0(d.rgb[k] / 255.0 * b));
+                v.shade[k] = std::clamp(finiteOr0(d.rgb[k] / 255.0 * b), 0.0f, 64.0f);
             const double nl =
                 std::sqrt(d.normal[0] * d.normal[0] + d.normal[1] * d.normal[1] + d.normal[2] * d.normal[2]);
             for (int k = 0; k < 3; ++k)

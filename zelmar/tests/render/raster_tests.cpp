@@ -206,8 +206,16 @@ TEST_F(Raster, PolygonsWithNonFiniteOrTooFewPointsAreSkipped) {
     polygon(g, {{10, 1, 1}, {10, -1, 1}}, {255, 0, 0});
     polygon(g, {{10, 1, 1}, {NAN, -1, 1}, {10, 0, -1}}, {255, 0, 0});
     polygon(g, {{10, 1e300, 1}, {10, -1e300, 1}, {10, 0, -1e300}}, {0, 255, 0});
+    // Absurd shading and texture coordinates draw, saturated, without overflow.
+    Polygon* bright =
+        polygon(g, {{12, 3, 3, 1e30, NAN}, {12, 3, -3, -1e30, 0}, {12, -3, -3, 0, 1e20}, {12, -3, 3, 0, 0}},
+                {255, 255, 255});
+    bright->fill.brightness = 1e30;
+    bright->points[1].rgb[0] = -1e300;
+    bright->fill.bitmap = bitmap("noise", 32, 32, noise)->handle;
+    changed(bright);
     const auto img = renderImage(cameraAlongX({0, 0, 0}, 90));
-    EXPECT_EQ(pixelAt(img, 32, 20)[0], 0);
+    EXPECT_EQ(pixelAt(img, 32, 24)[1], 255) << "only the saturated polygon is drawn";
 }
 
 TEST_F(Raster, RenderOnTopKeepsThePreviousPictureAndDepth) {
