@@ -171,6 +171,14 @@ TEST_F(Raster, TransparentTexelsLeaveWhatIsBehind) {
     const auto img = renderImage(cameraAlongX({0, 0, 0}, 90));
     EXPECT_EQ(pixelAt(img, 24, 24), (std::array<int, 3>{0, 0, 255})); // left half of the quad: keyed out
     EXPECT_EQ(pixelAt(img, 40, 24), (std::array<int, 3>{0, 255, 0}));
+    // A paletted bitmap keys out by its transparent index instead.
+    b->transparentRgb[0] = -1;
+    b->indices = {7, 3};
+    b->transparentIndex = 3;
+    ++b->version;
+    const auto byIndex = renderImage(cameraAlongX({0, 0, 0}, 90));
+    EXPECT_EQ(pixelAt(byIndex, 24, 24), (std::array<int, 3>{255, 0, 255}));
+    EXPECT_EQ(pixelAt(byIndex, 40, 24), (std::array<int, 3>{0, 0, 255}));
 }
 
 TEST_F(Raster, TargetsAndRendersRefuseBadInput) {
