@@ -3,6 +3,8 @@
 #include "pick/Bvh.h"
 #include "render/Renderer.h"
 #include "render/SceneCache.h"
+#include "render/Settings.h"
+#include "render/ThreadPool.h"
 #include "scene/World.h"
 #include <cmath>
 #include <unordered_map>
@@ -39,14 +41,36 @@ void prune() {
         it = w.group(it->first) ? std::next(it) : m.erase(it);
 }
 
+// Brings the drawn groups' packed data and BVHs up to date (stale ones in parallel) and
+// answers those groups.
+std::vector<const Group*> refreshed() {
+    prune();
+    render::SceneCache& cache = render::sceneCache();
+    const std::vector<const Group*> groups = render::drawnGroups();
+    const int threads = render::workerCount();
+    cache.update(groups, threads);
+    std::vector<std::pair<const render::GroupCache*, Entry*>> stale;
+    for (const Group* g : groups) {
+        const render::GroupCache& gc = cache.get(*g);
+        Entry& e = bvhs()[g->handle];
+        if (e.stamp != gc.stamp) stale.emplace_back(&gc, &e);
+    }
+    render::parallelFor(threads, static_cast<int>(stale.size()), [&](int i) {
+        auto [gc, e] = stale[static_cast<size_t>(i)];
+        e->bvh.build(*gc);
+        e->stamp = gc->stamp;
+    });
+    return groups;
+}
+
 } // namespace
 
 bool pickRay(const double origin[3], const double dir[3], double tMin, double tMax, WorldHit& out) {
-    prune();
+    const std::vector<const Group*> groups = refreshed();
     Ray ray = makeRay(origin, dir, tMin, tMax);
     bool found = false;
     render::SceneCache& cache = render::sceneCache();
-    for (const Group* g : render::drawnGroups()) {
+    for (const Group* g : groups) {
         const render::GroupCache& gc = cache.get(*g);
         if (gc.polys.empty()) continue;
         double tEnter;
@@ -81,10 +105,7 @@ bool pickPixel(const render::View& view, int x, int y, WorldHit& out) {
 }
 
 void refreshAll() {
-    prune();
-    render::SceneCache& cache = render::sceneCache();
-    for (const Group* g : render::drawnGroups())
-        bvhFor(*g, cache.get(*g));
+    refreshed();
 }
 
 } // namespace zelmar::pick

@@ -409,7 +409,9 @@ bool renderFrame(Target& target, const Camera& camera, bool clear, std::string& 
     std::vector<Segment> segs;
     size_t total = 0;
     std::vector<const ActiveLight*> set;
-    for (const Group* g : drawnGroups()) {
+    const std::vector<const Group*> groups = drawnGroups();
+    cache.update(groups, workerCount());
+    for (const Group* g : groups) {
         const GroupCache& gc = cache.get(*g);
         if (gc.polys.empty()) continue;
         int lightSet = -1;

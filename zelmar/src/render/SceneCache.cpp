@@ -1,5 +1,6 @@
 #include "render/SceneCache.h"
 
+#include "render/ThreadPool.h"
 #include "render/Triangulate.h"
 #include "scene/World.h"
 #include <algorithm>
@@ -19,6 +20,19 @@ const GroupCache& SceneCache::get(const Group& g) {
         c.stamp = ++stamps_;
     }
     return c;
+}
+
+void SceneCache::update(const std::vector<const Group*>& groups, int threads) {
+    std::vector<std::pair<const Group*, GroupCache*>> stale;
+    for (const Group* g : groups) {
+        GroupCache& c = groups_[g->handle]; // inserted here, never while packing
+        if (c.version != g->version || c.ownPolygons != g->ownPolygons) stale.emplace_back(g, &c);
+    }
+    parallelFor(threads, static_cast<int>(stale.size()), [&](int i) {
+        packGroup(*stale[static_cast<size_t>(i)].first, *stale[static_cast<size_t>(i)].second);
+    });
+    for (auto& [g, c] : stale)
+        c->stamp = ++stamps_;
 }
 
 void SceneCache::prune() {

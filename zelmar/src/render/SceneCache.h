@@ -46,6 +46,9 @@ class SceneCache {
   public:
     // The group's packed data, rebuilt if stale.
     const GroupCache& get(const Group& g);
+    // Brings the entries of these groups up to date, packing stale ones on `threads`
+    // threads (a freshly loaded world packs in parallel).
+    void update(const std::vector<const Group*>& groups, int threads);
     // Drops entries of groups that no longer exist.
     void prune();
     size_t size() const { return groups_.size(); }
