@@ -45,7 +45,9 @@ void frmPicWins::picWindow_Paint(int index) {
         QPainter p(&win->BackBuffer());
         Grid& grid = *m_grids[index];
         if (m_toolMode == ToolSelect || index == ActiveWin) {
-            if (grid.GridVisible && grid.Draw(&p)) grid.DrawSnapMark(p);
+            // The cell is worked out at every paint, so that snapping fits the view even while the grid is
+            // hidden; lines and the mark are drawn only when it shows.
+            if (grid.Draw(grid.GridVisible ? &p : nullptr) && grid.GridVisible) grid.DrawSnapMark(p);
         }
         DrawBDBoxOrWire(index, p);
         m_host.DrawGizmo(index, p);

@@ -86,6 +86,7 @@ TEST_F(CameraNavigation, ZoomDragStopsAtTheLimits) {
 TEST_F(CameraNavigation, DollyAndWheelNeverBringDistBelowTheMinimum) {
     tool(ToolMoveCamera);
     camera& c = views->ViewCams(2);
+    c.Dist = 10;
     drag(2, {200, 260}, {200, 20}, Qt::LeftButton, 3);
     EXPECT_DOUBLE_EQ(c.Dist, MinDist);
     // Dolly moves by dy * factor * world size / (zoom * 10).
@@ -144,7 +145,9 @@ TEST_F(CameraNavigation, CursorWrapsAtTheScreenEdgeWithoutMotion) {
     fake->setCursorPos(QPoint(21, fake->cursorPos().y()));
     QApplication::sendEvent(win(2), &e);
     EXPECT_NEAR(c.Theta, theta0 - 0.1, 1e-9);
-    release(2, {100, 100}, Qt::LeftButton);
+    // Released where the last move was: no flick, no spin.
+    views->picWindow_MouseUp(2, BtnLeft, 0, 100, 100);
+    EXPECT_EQ(c.AutoRevolving, 0);
 }
 
 TEST_F(CameraNavigation, FirstToggleOfAFreshParallelViewChangesNothingVisible) {

@@ -155,7 +155,7 @@ TEST_F(Dispatch, UpdateCamerasSkipsSmallWindowsButNeverTheActiveOne) {
     EXPECT_EQ(views->PaintCount(3), before[3]); // active, but zero size: not painted at all
 
     // A window a few pixels wide is minimised for the rule; the active one is painted whatever its size.
-    const double fx = 1.0 - (views->TwipsToPixels(80) + 3.0) / views->width();
+    const double fx = (views->width() - 3.0 - views->TwipsToPixels(80) / 2) / views->width();
     views->imgSplitterHV_ResetPos(fx, 0.5);
     ASSERT_GT(win(1)->width(), 0);
     ASSERT_LE(views->PixelsToTwips(win(1)->width()), 75.0);

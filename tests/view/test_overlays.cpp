@@ -136,6 +136,7 @@ TEST_F(Overlays, BoxAndWireOnTopOfTheEngineImageInAViewport) {
     QCoreApplication::processEvents();
     views.ResetCameras();
     views.ActiveWin = 2;
+    host.plugInPaints = 0;
     views.UpdateCamerasSingle(2);
     const QImage box = views.PicWindow(2)->BackBuffer().copy();
     EXPECT_EQ(views.SelectionBox().Group(), w.box);
