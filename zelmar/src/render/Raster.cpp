@@ -73,12 +73,27 @@ inline bool rowSpan(const Tri& t, int y, int64_t& xl, int64_t& xr) {
     for (int i = 0; i < 3; ++i) {
         const int64_t a = t.ea[i];
         const int64_t k = a * 8 + t.eb[i] * py + t.ec[i];
-        if (a > 0)
-            xl = std::max(xl, ceilDiv(-k, 16 * a));
-        else if (a < 0)
-            xr = std::min(xr, floorDiv(k, -16 * a));
-        else if (k < 0)
+        // x from a double division (much cheaper than a 64-bit integer one), then made
+        // exact with the integer edge function.
+        if (a > 0) {
+            const int64_t a16 = 16 * a;
+            int64_t x = static_cast<int64_t>(std::ceil(static_cast<double>(-k) / static_cast<double>(a16)));
+            while (a16 * x + k < 0)
+                ++x;
+            while (a16 * (x - 1) + k >= 0)
+                --x;
+            xl = std::max(xl, x);
+        } else if (a < 0) {
+            const int64_t a16 = -16 * a;
+            int64_t x = static_cast<int64_t>(std::floor(static_cast<double>(k) / static_cast<double>(a16)));
+            while (k - a16 * x < 0)
+                --x;
+            while (k - a16 * (x + 1) >= 0)
+                ++x;
+            xr = std::min(xr, x);
+        } else if (k < 0) {
             return false;
+        }
     }
     return xl <= xr;
 }
