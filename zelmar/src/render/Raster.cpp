@@ -103,11 +103,10 @@ inline bool rowSpan(const Tri& t, int y, int64_t& xl, int64_t& xr) {
 // shade and fog are stepped in fixed point in between.
 constexpr int kStep = 16;
 
-template <bool Translucent> void rasterRowsPow2(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
+template <bool Translucent, bool Bilinear, bool Fog, bool Keyed>
+void rasterRowsPow2(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
     const Texture& tex = *t.tex;
-    const bool bilinear = t.flags & kBilinear;
-    const bool fog = t.flags & kFog;
-    const bool keyed = tex.transparent;
+    constexpr bool bilinear = Bilinear, fog = Fog, keyed = Keyed;
     const uint32_t* texels = tex.texels.data();
     const int shiftW = __builtin_ctz(static_cast<unsigned>(tex.width));
     const uint32_t wmask = tex.wmask, hmask = tex.hmask;
@@ -158,7 +157,7 @@ template <bool Translucent> void rasterRowsPow2(const Tri& t, const FrameBuffer&
                 if (z > zrow[x]) {
                     uint32_t c;
                     const uint32_t tx = (fu >> 16) & wmask, ty = (fv >> 16) & hmask;
-                    if (bilinear) {
+                    if constexpr (bilinear) {
                         const uint32_t tx1 = (tx + 1) & wmask, ty1 = (ty + 1) & hmask;
                         const uint32_t wx = (fu >> 8) & 0xFF, wy = (fv >> 8) & 0xFF;
                         const uint32_t* r0 = texels + (static_cast<size_t>(ty) << shiftW);
@@ -177,7 +176,7 @@ template <bool Translucent> void rasterRowsPow2(const Tri& t, const FrameBuffer&
                         c = texels[(static_cast<size_t>(ty) << shiftW) + tx];
                     }
                     bool draw = true;
-                    if (keyed) {
+                    if constexpr (keyed) {
                         const uint32_t a = c >> 24;
                         if (a < 128) {
                             draw = false;
@@ -196,7 +195,7 @@ template <bool Translucent> void rasterRowsPow2(const Tri& t, const FrameBuffer&
                         int b = static_cast<int>(
                             (((c >> 16) & 0xFF) * static_cast<uint32_t>(std::max(ib, 0) >> 8)) >> 8);
                         r = std::min(r, 255), g = std::min(g, 255), b = std::min(b, 255);
-                        if (fog) {
+                        if constexpr (fog) {
                             const int f = std::clamp(iff, 0, 65536) >> 8;
                             r += ((fr - r) * f) >> 8;
                             g += ((fg - g) * f) >> 8;
@@ -400,10 +399,19 @@ void rasterTri(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
     const bool textured = (t.flags & kTextured) && t.tex;
     const bool translucent = t.blend != 0;
     if (textured && t.tex->pow2 && !((t.flags & kLightMap) && t.tex2) && t.tex->width <= 65536) {
-        if (translucent)
-            rasterRowsPow2<true>(t, fb, y0, y1);
-        else
-            rasterRowsPow2<false>(t, fb, y0, y1);
+        using Fn = void (*)(const Tri&, const FrameBuffer&, int, int);
+        static constexpr Fn table[16] = {
+            rasterRowsPow2<false, false, false, false>, rasterRowsPow2<false, false, false, true>,
+            rasterRowsPow2<false, false, true, false>,  rasterRowsPow2<false, false, true, true>,
+            rasterRowsPow2<false, true, false, false>,  rasterRowsPow2<false, true, false, true>,
+            rasterRowsPow2<false, true, true, false>,   rasterRowsPow2<false, true, true, true>,
+            rasterRowsPow2<true, false, false, false>,  rasterRowsPow2<true, false, false, true>,
+            rasterRowsPow2<true, false, true, false>,   rasterRowsPow2<true, false, true, true>,
+            rasterRowsPow2<true, true, false, false>,   rasterRowsPow2<true, true, false, true>,
+            rasterRowsPow2<true, true, true, false>,    rasterRowsPow2<true, true, true, true>};
+        const int index = (translucent ? 8 : 0) | ((t.flags & kBilinear) ? 4 : 0) |
+                          ((t.flags & kFog) ? 2 : 0) | (t.tex->transparent ? 1 : 0);
+        table[index](t, fb, y0, y1);
     } else if (textured) {
         if (translucent)
             rasterRows<true, true>(t, fb, y0, y1);
