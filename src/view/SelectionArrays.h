@@ -39,8 +39,8 @@ class HandleArray {
 
   private:
     int m_capacity;
-    std::vector<int> m_items;                // slot 0 included
-    std::unordered_map<int, int> m_counts;   // handle -> occurrences
+    std::vector<int> m_items;              // slot 0 included
+    std::unordered_map<int, int> m_counts; // handle -> occurrences
 };
 
 } // namespace vexil

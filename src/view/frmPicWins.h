@@ -111,6 +111,8 @@ class frmPicWins : public QWidget, public CameraContext, public GridContext {
     int ShownCamera(int i) const { return m_shownCam[i]; }
     // Paints of each window since construction (the 75-unit rule and the dispatch are observable).
     unsigned PaintCount(int i) const { return m_paintCount[i]; }
+    // Milliseconds of the last picWindow_Paint: the engine's render, and the whole paint.
+    double LastRenderMs = 0, LastPaintMs = 0;
 
     // NewWorld: the camera object of viewport `index` drives the engine camera `handle`.
     void SetViewportCamera(int index, int handle);

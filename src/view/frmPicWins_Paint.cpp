@@ -4,6 +4,7 @@
 #include "picWindow.h"
 
 #include <QPainter>
+#include <chrono>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
@@ -30,15 +31,18 @@ void frmPicWins::picWindow_Paint(int index) {
     if (index < 0 || index > 3) return;
     picWindow* win = m_wins[index];
     if (PaintLocked || !m_host.WorldOpen() || win->width() * win->height() == 0) return;
+    const auto t0 = std::chrono::steady_clock::now();
     const int target = win->Target();
     const int cam = m_shownCam[index] ? m_shownCam[index] : m_cams[index]->CamHandle;
     ZELMAR_camera_set_current(cam, target);
     m_host.ScaleSceneCameras(index);
     m_host.ScaleSceneLights(index);
+    const auto r0 = std::chrono::steady_clock::now();
     if (UseScreenDC)
         ZELMAR_engine_render(target, cam);
     else
         ZELMAR_engine_render_on_dc(target, cam);
+    LastRenderMs = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - r0).count();
     ++m_paintCount[index];
 
     if (win->CopyFromTarget()) {
@@ -65,6 +69,7 @@ void frmPicWins::picWindow_Paint(int index) {
     picWindow* active = m_wins[ActiveWin];
     const int activeCam = m_shownCam[ActiveWin] ? m_shownCam[ActiveWin] : m_cams[ActiveWin]->CamHandle;
     ZELMAR_camera_set_current(activeCam, active->Target());
+    LastPaintMs = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - t0).count();
 }
 
 void frmPicWins::DrawBDBoxOrWire(int index, QPainter& p) {
