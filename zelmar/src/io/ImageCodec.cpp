@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -83,6 +84,36 @@ std::vector<uint8_t> bmpPalette(const uint8_t* data, size_t size) {
     return pal;
 }
 
+// What is wrong with a .bmp that stb would misread or refuse without saying why: a
+// header or pixel rows cut short (stb reads zeros past the end), or run-length
+// compression, which stb does not decode. Empty when nothing is.
+std::string bmpProblem(const uint8_t* data, size_t size) {
+    if (size < 26) return "truncated .bmp header";
+    const uint32_t headerSize = le32(data + 14);
+    const uint32_t offset = le32(data + 10);
+    int64_t width = 0, height = 0;
+    uint32_t bpp = 0, compression = 0;
+    if (headerSize == 12) {
+        width = le16(data + 18);
+        height = le16(data + 20);
+        bpp = le16(data + 24);
+    } else {
+        if (size < 14 + 40 || headerSize < 40) return "truncated .bmp header";
+        width = int32_t(le32(data + 18));
+        height = int32_t(le32(data + 22));
+        bpp = le16(data + 28);
+        compression = le32(data + 30);
+    }
+    if (compression == 1 || compression == 2) return "run-length compressed .bmp files are not supported";
+    if (compression != 0 && compression != 3)
+        return "unsupported .bmp compression " + std::to_string(compression);
+    if (width <= 0 || height == 0 || bpp == 0 || width > kMaxDimension || std::abs(height) > kMaxDimension)
+        return ""; // stb names these itself
+    const uint64_t stride = (uint64_t(width) * bpp + 31) / 32 * 4;
+    if (uint64_t(offset) + stride * uint64_t(std::abs(height)) > size) return "truncated .bmp pixel data";
+    return "";
+}
+
 // Gives each pixel the first palette entry of its colour. False if a pixel has a colour
 // the palette lacks, in which case the image is treated as true colour.
 bool indexPixels(Image& img) {
@@ -98,6 +129,51 @@ bool indexPixels(Image& img) {
         auto it = lookup.find(uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16);
         if (it == lookup.end()) return false;
         img.indices[i] = it->second;
+    }
+    return true;
+}
+
+// stb 2.27 trusts the symbol counts of a JPEG Huffman table and writes past its tables
+// when they add up to more than 256; such files are refused before stb sees them.
+bool jpegHuffmanTablesSane(const uint8_t* data, size_t size) {
+    size_t pos = 2; // after the start-of-image marker
+    while (pos + 4 <= size) {
+        if (data[pos] != 0xFF) { // stb skips stray bytes between segments, and so do we
+            ++pos;
+            continue;
+        }
+        const uint8_t marker = data[pos + 1];
+        if (marker == 0xFF) {
+            ++pos;
+            continue;
+        }
+        if (marker == 0x01 || marker == 0xD8 || (marker >= 0xD0 && marker <= 0xD7)) {
+            pos += 2;
+            continue;
+        }
+        if (marker == 0xD9) return true;
+        const size_t length = size_t(data[pos + 2]) << 8 | data[pos + 3];
+        if (length < 2) return true;
+        const size_t end = std::min(size, pos + 2 + length);
+        if (marker == 0xC4) {
+            // Tables are read as the decoder reads them: on to the segment's stated end,
+            // with zeros past the end of the data.
+            const auto at = [&](size_t i) { return i < size ? data[i] : uint8_t(0); };
+            for (size_t t = pos + 4; t < pos + 2 + length;) {
+                size_t symbols = 0;
+                for (size_t i = 1; i <= 16; ++i)
+                    symbols += at(t + i);
+                if (symbols > 256) return false;
+                t += 17 + symbols;
+            }
+        }
+        pos = end;
+        if (marker == 0xDA) {
+            // Entropy-coded data runs until the next marker that is not a restart or a stuffed byte.
+            while (pos + 1 < size && !(data[pos] == 0xFF && data[pos + 1] != 0 && data[pos + 1] != 0xFF &&
+                                       !(data[pos + 1] >= 0xD0 && data[pos + 1] <= 0xD7)))
+                ++pos;
+        }
     }
     return true;
 }
@@ -189,6 +265,16 @@ bool decodeMemory(const uint8_t* data, size_t size, Image& out, std::string& err
     if (size > size_t(INT32_MAX)) {
         error = "image data too large";
         return false;
+    }
+    if (f == Format::Jpeg && !jpegHuffmanTablesSane(data, size)) {
+        error = "cannot decode image: corrupt JPEG (bad Huffman table)";
+        return false;
+    }
+    if (f == Format::Bmp) {
+        if (std::string problem = bmpProblem(data, size); !problem.empty()) {
+            error = "cannot decode image: " + problem;
+            return false;
+        }
     }
     int w = 0, h = 0, comp = 0;
     if (!stbi_info_from_memory(data, int(size), &w, &h, &comp)) {
