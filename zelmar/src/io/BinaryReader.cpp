@@ -1,6 +1,7 @@
 #include "io/BinaryFormat.h"
 
 #include "io/Schema.h"
+#include <algorithm>
 #include <cstring>
 #include <zlib.h>
 
@@ -242,7 +243,8 @@ struct Reader {
 
     void readPolygons(Cursor& c, const uint8_t* fileBegin) {
         const uint32_t n = c.count(20);
-        d.polygons.reserve(d.polygons.size() + n);
+        if (d.polygons.size() + n > d.polygons.capacity())
+            d.polygons.reserve(std::max(d.polygons.size() + n, d.polygons.capacity() * 2));
         const uint32_t fileAttrs = static_cast<uint32_t>(pointOwn.size());
         const auto& attrs = pointAttrs();
         for (uint32_t i = 0; i < n; ++i) {

@@ -37,6 +37,7 @@ class VectorSink : public Sink {
 class Out {
   public:
     void raw(const void* p, size_t n) {
+        if (n == 0) return; // p may be the null data() of an empty vector
         if (n_ + n > buf_.size()) grow(n);
         std::memcpy(buf_.data() + n_, p, n);
         n_ += n;
