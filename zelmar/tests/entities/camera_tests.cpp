@@ -354,3 +354,31 @@ TEST_F(CameraTest, WalksNamesCurrentAndStaleHandles) {
 }
 
 } // namespace
+
+namespace {
+
+TEST(CameraScreen, PixelOperationsUseTheCurrentTarget) {
+    zelmar::world().clear();
+    const int cam = ZELMAR_camera_create("view");
+    const int other = ZELMAR_camera_create("other");
+    const int target = ZELMAR_target_create(200, 100);
+    ASSERT_NE(target, 0);
+    ZELMAR_camera_set_current(cam, target);
+    EXPECT_EQ(ZELMAR_camera_get_width(cam), 200);
+    EXPECT_EQ(ZELMAR_camera_get_height(cam), 100);
+    EXPECT_EQ(ZELMAR_camera_get_width(other), 0); // not the current camera
+    ZELMAR_camera_set_zoom(cam, 90);
+    // The left edge pixel looks 45 degrees to the left (less half a pixel).
+    ASSERT_EQ(ZELMAR_camera_point_at_2D(cam, 0, 50), 1);
+    EXPECT_NEAR(ZELMAR_camera_get_head_angle(cam), 45, 0.5);
+    EXPECT_NEAR(ZELMAR_camera_get_tilt(cam), 0, 0.5);
+    ZELMAR_camera_set_head_angle(cam, 0);
+    ASSERT_EQ(ZELMAR_camera_move_toward_point_2D(cam, 100, 50, 10), 1);
+    double loc[3];
+    ZELMAR_camera_get_location(cam, loc);
+    EXPECT_NEAR(loc[0], 10, 0.01);
+    EXPECT_NEAR(loc[1], 0, 0.1);
+    ZELMAR_target_destroy(target);
+}
+
+} // namespace
