@@ -3,8 +3,10 @@
 #include "Overlays.h"
 #include "app/Settings.h"
 
+#include <QLine>
 #include <QPainter>
 #include <cmath>
+#include <vector>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
@@ -97,21 +99,26 @@ bool Grid::Draw(QPainter* p) {
                  hiA = std::ceil((centre[a] + half) / CellSize);
     const double loB = std::floor((centre[b] - half) / CellSize),
                  hiB = std::ceil((centre[b] + half) / CellSize);
-    auto edge = [&](double ca0, double cb0, double ca1, double cb1) {
+    // Lines are projected one by one and drawn in two batches, cells then axes.
+    std::vector<QLine> cells, axes;
+    auto edge = [&](std::vector<QLine>& out, double ca0, double cb0, double ca1, double cb1) {
         double p0[3], p1[3];
         p0[n] = p1[n] = GridOrigin[n];
         p0[a] = ca0, p0[b] = cb0, p1[a] = ca1, p1[b] = cb1;
-        DrawEdge3D(*p, p0, p1);
+        int r1[2], r2[2];
+        if (ZELMAR_engine_3D_edge_to_2D(p0, p1, r1, r2) != 0) out.emplace_back(r1[0], r1[1], r2[0], r2[1]);
     };
+    for (double i = loA; i <= hiA; ++i)
+        edge(cells, i * CellSize, loB * CellSize, i * CellSize, hiB * CellSize);
+    for (double j = loB; j <= hiB; ++j)
+        edge(cells, loA * CellSize, j * CellSize, hiA * CellSize, j * CellSize);
+    if (loA <= 0 && hiA >= 0) edge(axes, 0, loB * CellSize, 0, hiB * CellSize);
+    if (loB <= 0 && hiB >= 0) edge(axes, loA * CellSize, 0, hiA * CellSize, 0);
     p->save();
     p->setPen(Pens().gridThin());
-    for (double i = loA; i <= hiA; ++i)
-        edge(i * CellSize, loB * CellSize, i * CellSize, hiB * CellSize);
-    for (double j = loB; j <= hiB; ++j)
-        edge(loA * CellSize, j * CellSize, hiA * CellSize, j * CellSize);
+    p->drawLines(cells.data(), static_cast<int>(cells.size()));
     p->setPen(Pens().gridStrong());
-    if (loA <= 0 && hiA >= 0) edge(0, loB * CellSize, 0, hiB * CellSize);
-    if (loB <= 0 && hiB >= 0) edge(loA * CellSize, 0, hiA * CellSize, 0);
+    p->drawLines(axes.data(), static_cast<int>(axes.size()));
     p->restore();
     return true;
 }

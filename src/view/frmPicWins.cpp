@@ -337,6 +337,20 @@ void frmPicWins::buildToolBand() {
     m_toolActions[0]->setChecked(true);
 }
 
+void frmPicWins::UseToolButtons(const std::array<QAction*, 10>& buttons) {
+    for (int m = 0; m < 10; ++m) {
+        QAction* a = buttons[m];
+        if (!a) continue;
+        const QString key = QString::fromLatin1(ToolKeys[m]);
+        a->setCheckable(true);
+        a->setChecked(m == m_toolMode);
+        connect(a, &QAction::triggered, this, [this, key] {
+            handleEvent("Form1", "Toolbar1_ButtonClick", [&] { Toolbar1_ButtonClick(key); });
+        });
+        m_toolActions[m] = a;
+    }
+}
+
 void frmPicWins::SetToolMode(int mode) {
     if (mode < 0 || mode > 9) return;
     for (int m = 0; m < 10; ++m)

@@ -181,6 +181,9 @@ class frmPicWins : public QWidget, public CameraContext, public GridContext {
     // Band 2 of Toolbar1: Select ... Roll Camera, Align. Form1 adds it to its toolbar area.
     QToolBar* ToolBand() const { return m_toolBand; }
     QAction* ToolButton(int mode) const { return m_toolActions[mode]; }
+    // The main window's own band 2 buttons (keys "Select" ... "Align") take the place of ToolBand's:
+    // they drive Toolbar1_ButtonClick and SetToolMode presses them.
+    void UseToolButtons(const std::array<QAction*, 10>& buttons);
     bool AlignPressed() const;
     void picWinSetMousePtr(const QString& name);
     void SetMousePointer(const QString& key);

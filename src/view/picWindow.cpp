@@ -7,7 +7,6 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
-#include <cstring>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
@@ -69,15 +68,14 @@ bool picWindow::CopyFromTarget() {
     const int w = ZELMAR_target_get_width(m_target), h = ZELMAR_target_get_height(m_target);
     const unsigned char* px = ZELMAR_target_get_pixels(m_target);
     if (!px || w < 1 || h < 1) return false;
-    if (m_back.width() != w || m_back.height() != h || m_back.format() != QImage::Format_RGBX8888)
-        m_back = QImage(w, h, QImage::Format_RGBX8888);
-    const qsizetype row = static_cast<qsizetype>(w) * 4;
-    if (m_back.bytesPerLine() == row) {
-        std::memcpy(m_back.bits(), px, static_cast<size_t>(row) * h);
-    } else {
-        for (int y = 0; y < h; ++y)
-            std::memcpy(m_back.scanLine(y), px + row * y, static_cast<size_t>(row));
-    }
+    // The back buffer is in the painter's and the screen's own format (0xffRRGGBB words): overlays and the
+    // blit then take Qt's fastest paths, and the one reordering of the bytes happens here.
+    if (m_back.width() != w || m_back.height() != h || m_back.format() != QImage::Format_RGB32)
+        m_back = QImage(w, h, QImage::Format_RGB32);
+    const QImage engine(px, w, h, w * 4, QImage::Format_RGBX8888); // a view of the engine's pixels, no copy
+    QPainter p(&m_back);
+    p.setCompositionMode(QPainter::CompositionMode_Source);
+    p.drawImage(0, 0, engine);
     return true;
 }
 
