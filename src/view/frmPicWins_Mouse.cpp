@@ -105,7 +105,8 @@ void frmPicWins::picWindow_MouseMove(int index, int button, int shift, int x, in
         if (navigates) picWindow_MouseMove_PanRevolveZoomCammoveCamroll(index, button, shift, x, y);
         break;
     }
-    if (button == BtnMiddle && !navigates)
+    // The middle button always navigates, and so does a held I key (a pan without a button, in any tool).
+    if ((button == BtnMiddle || keyDown(Qt::Key_I)) && !navigates)
         picWindow_MouseMove_PanRevolveZoomCammoveCamroll(index, button, shift, x, y);
 }
 

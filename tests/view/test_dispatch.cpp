@@ -206,6 +206,44 @@ TEST_F(Dispatch, ToolKeysAndButtonsAgree) {
     EXPECT_EQ(views->ToolBand()->actions().size(), 10);
 }
 
+TEST_F(Dispatch, HoldingIPansWithoutAButton) {
+    views->picWindow_MouseDown(2, BtnLeft, 0, 100, 100);
+    views->picWindow_MouseUp(2, BtnLeft, 0, 100, 100);
+    camera& c = views->ViewCams(2);
+    fake->setCursorPos(global(2, {100, 100}));
+    fake->press(Qt::Key_I);
+    QKeyEvent down(QEvent::KeyPress, Qt::Key_I, Qt::NoModifier);
+    QApplication::sendEvent(win(2), &down);
+    EXPECT_TRUE(views->KeyIHeld);
+    EXPECT_EQ(views->LastDownX, 100);
+    const double h = c.LookAtOffsetH;
+    move(2, {120, 100}, Qt::NoButton);
+    EXPECT_LT(c.LookAtOffsetH, h);
+    fake->release(Qt::Key_I);
+    QKeyEvent up(QEvent::KeyRelease, Qt::Key_I, Qt::NoModifier);
+    QApplication::sendEvent(win(2), &up);
+    EXPECT_FALSE(views->KeyIHeld);
+    const double h2 = c.LookAtOffsetH;
+    move(2, {140, 100}, Qt::NoButton);
+    EXPECT_DOUBLE_EQ(c.LookAtOffsetH, h2);
+}
+
+TEST_F(Dispatch, TheMainWindowsToolButtonsCanDriveTheTools) {
+    std::array<QAction*, 10> mine{};
+    QToolBar band;
+    const char* keys[10] = {"Select",  "Move",        "Rotate",      "Scale",       "Pan",
+                            "Revolve", "Zoom Camera", "Move Camera", "Roll Camera", "Align"};
+    for (int m = 0; m < 10; ++m)
+        mine[m] = band.addAction(keys[m]);
+    views->UseToolButtons(mine);
+    mine[ToolPan]->trigger();
+    EXPECT_EQ(views->ToolMode(), ToolPan);
+    EXPECT_EQ(views->MousePointerKey(2), "Pan");
+    views->SetToolMode(ToolRevolve);
+    EXPECT_TRUE(mine[ToolRevolve]->isChecked());
+    EXPECT_FALSE(mine[ToolPan]->isChecked());
+}
+
 TEST_F(Dispatch, KeysOfTheViewsActOnlyWithTheFocus) {
     views->ViewHasFocus = false;
     key(2, Qt::Key_R);
