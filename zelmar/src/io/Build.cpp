@@ -267,30 +267,37 @@ BuildResult build(World& w, WorldData& d, BitmapImages& images) {
     }
 
     // Styles: references resolved once, then copied into each polygon by field.
-    std::vector<Fields> styleFieldLists(d.styles.size());
-    for (size_t i = 0; i < d.styles.size(); ++i) {
-        styleFields(d.styles[i], styleFieldLists[i]);
-        b.resolveFields(styleFieldLists[i]);
+    for (Polygon& style : d.styles) {
+        Fields f;
+        styleFields(style, f);
+        b.resolveFields(f);
     }
     const auto& attrs = pointAttrs();
     auto& polygonHandles = b.handles[static_cast<int>(Kind::Polygon)];
     polygonHandles.reserve(d.polygons.size());
     const PointData defaults{};
+    uint32_t planMask = 0;
+    std::vector<uint32_t> plan;
     for (const StagedPolygon& s : d.polygons) {
         Polygon* p = w.createPolygon();
         p->name = s.name;
-        Fields to;
-        styleFields(*p, to);
-        copyFields(styleFieldLists[s.style], to);
+        copyStyle(d.styles[s.style], *p);
         p->points.reserve(s.pointCount);
+        if (s.mask != planMask) { // the doubles to place, worked out once per attribute mask
+            planMask = s.mask;
+            plan.clear();
+            for (size_t a = 0; a < attrs.size(); ++a)
+                if (s.mask & (1u << a))
+                    for (unsigned c = 0; c < attrs[a].count; ++c)
+                        plan.push_back(attrs[a].offset + 8 * c);
+        }
         const uint8_t* src = d.pointBytes + s.pointOffset;
         for (uint32_t k = 0; k < s.pointCount; ++k) {
             PointData pd = defaults;
-            for (size_t a = 0; a < attrs.size(); ++a) {
-                if (!(s.mask & (1u << a))) continue;
-                const size_t bytes = attrs[a].count * sizeof(double);
-                std::memcpy(reinterpret_cast<char*>(&pd) + attrs[a].offset, src, bytes);
-                src += bytes;
+            char* dst = reinterpret_cast<char*>(&pd);
+            for (uint32_t off : plan) { // fixed-size copies: no call, no string instruction
+                std::memcpy(dst + off, src, 8);
+                src += 8;
             }
             w.addPoint(*p, pd);
         }

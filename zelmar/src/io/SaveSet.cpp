@@ -108,15 +108,16 @@ bool collectSaveSet(const World& w, Group* root, int flags, SaveSet& out, std::s
             out.fathers.push_back(g == root ? -1 : static_cast<int32_t>(out.index.at(g->father->handle)));
         }
         std::unordered_map<std::string, uint32_t> styleIds;
-        std::string key, prevKey;
+        std::string key;
         uint32_t prevStyle = 0;
+        const Polygon* prev = nullptr;
         for (uint32_t gi = 0; gi < out.groups.size(); ++gi) {
             for (Polygon* p = out.groups[gi]->firstPolygon; p; p = p->nextInGroup) {
-                styleKey(*p, key);
                 uint32_t sid;
-                if (!out.styles.empty() && key == prevKey) {
+                if (prev && sameStyle(*prev, *p)) { // neighbours mostly look alike
                     sid = prevStyle;
                 } else {
+                    styleKey(*p, key);
                     auto [it, fresh] = styleIds.emplace(key, static_cast<uint32_t>(out.styles.size()));
                     if (fresh) {
                         out.styles.push_back(p);
@@ -125,9 +126,9 @@ bool collectSaveSet(const World& w, Group* root, int flags, SaveSet& out, std::s
                         if (p->fill.animation) usedAnimations.insert(p->fill.animation);
                     }
                     sid = it->second;
-                    prevKey.swap(key);
                     prevStyle = sid;
                 }
+                prev = p;
                 out.polygons.push_back(p);
                 out.polygonGroup.push_back(gi);
                 out.polygonStyle.push_back(sid);

@@ -264,6 +264,92 @@ uint32_t pointMaskOf(const Polygon& p) {
     return mask;
 }
 
+namespace {
+struct Slot {
+    uint32_t offset;
+    uint32_t bytes;
+    FieldType type;
+};
+
+uint32_t podBytes(const Field& x) {
+    switch (x.type) {
+    case FieldType::I32:
+    case FieldType::Ref:
+        return 4u * x.count;
+    case FieldType::I64:
+    case FieldType::F64:
+        return 8u * x.count;
+    case FieldType::Bool:
+        return sizeof(bool);
+    default:
+        return 0;
+    }
+}
+
+const std::vector<Slot>& styleSlots() {
+    static const std::vector<Slot> slots = [] {
+        std::vector<Slot> out;
+        Polygon p;
+        Fields f;
+        styleFields(p, f);
+        for (const Field& x : f)
+            out.push_back(Slot{
+                static_cast<uint32_t>(static_cast<const char*>(x.ptr) - reinterpret_cast<const char*>(&p)),
+                podBytes(x), x.type});
+        return out;
+    }();
+    return slots;
+}
+
+template <class T> const T& at(const Polygon& p, const Slot& s) {
+    return *reinterpret_cast<const T*>(reinterpret_cast<const char*>(&p) + s.offset);
+}
+template <class T> T& at(Polygon& p, const Slot& s) {
+    return *reinterpret_cast<T*>(reinterpret_cast<char*>(&p) + s.offset);
+}
+} // namespace
+
+bool sameStyle(const Polygon& a, const Polygon& b) {
+    for (const Slot& s : styleSlots()) {
+        if (s.bytes) {
+            const char* x = reinterpret_cast<const char*>(&a) + s.offset;
+            const char* y = reinterpret_cast<const char*>(&b) + s.offset;
+            for (uint32_t k = 0; k < s.bytes; ++k) // short runs: a call to memcmp costs more
+                if (x[k] != y[k]) return false;
+        } else if (s.type == FieldType::Str) {
+            if (at<std::string>(a, s) != at<std::string>(b, s)) return false;
+        } else if (s.type == FieldType::F64List) {
+            const auto& u = at<std::vector<double>>(a, s);
+            const auto& v = at<std::vector<double>>(b, s);
+            if (u.size() != v.size() || (!u.empty() && std::memcmp(u.data(), v.data(), u.size() * 8) != 0))
+                return false;
+        } else {
+            const auto& u = at<std::vector<Animation::Frame>>(a, s);
+            const auto& v = at<std::vector<Animation::Frame>>(b, s);
+            if (u.size() != v.size()) return false;
+            for (size_t k = 0; k < u.size(); ++k)
+                if (u[k].bitmap != v[k].bitmap || u[k].time != v[k].time ||
+                    u[k].transparentIndex != v[k].transparentIndex)
+                    return false;
+        }
+    }
+    return true;
+}
+
+void copyStyle(const Polygon& from, Polygon& to) {
+    for (const Slot& s : styleSlots()) {
+        if (s.bytes)
+            std::memcpy(reinterpret_cast<char*>(&to) + s.offset,
+                        reinterpret_cast<const char*>(&from) + s.offset, s.bytes);
+        else if (s.type == FieldType::Str)
+            at<std::string>(to, s) = at<std::string>(from, s);
+        else if (s.type == FieldType::F64List)
+            at<std::vector<double>>(to, s) = at<std::vector<double>>(from, s);
+        else
+            at<std::vector<Animation::Frame>>(to, s) = at<std::vector<Animation::Frame>>(from, s);
+    }
+}
+
 bool allFinite(const Fields& f, const char** badField) {
     for (const Field& x : f) {
         const double* v = nullptr;

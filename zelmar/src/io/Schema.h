@@ -92,6 +92,11 @@ const std::vector<PointAttr>& pointAttrs();
 // Bit i set: attribute i differs from its default on at least one point of the polygon.
 uint32_t pointMaskOf(const Polygon& p);
 
+// Style fields compared and copied straight between two polygons, through offsets found
+// once: these run once per polygon of a save or a load.
+bool sameStyle(const Polygon& a, const Polygon& b); // handles compared as they are
+void copyStyle(const Polygon& from, Polygon& to);
+
 // True when every double (fixed arrays and lists) is finite; else names the field.
 bool allFinite(const Fields& f, const char** badField);
 
