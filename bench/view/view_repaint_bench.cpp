@@ -2,7 +2,7 @@
 // as during a camera drag, for worlds of 10,000, 100,000 and 1,000,000 polygons.
 //
 //   view_repaint_bench [--frames N] [--sizes 10000,100000,1000000]
-//   view_repaint_bench --show [polygons]     the four views in a window (for screenshots)
+//   view_repaint_bench --show [polygons | world file]   the four views in a window (for screenshots)
 //
 // Reported per world: the median of the engine render alone, of the whole repaint (render, copy into the
 // back buffer, overlays, blit to the widget), and the overlays' share of the render.
@@ -235,10 +235,35 @@ int runBench(int frames, const std::vector<long>& sizes) {
     return 0;
 }
 
-int runShow(long polygons) {
+// A world file: its root is "the_world"; the first group below it is the current group.
+bool loadWorld(BenchHost& host, const char* file) {
+    if (ZELMAR_engine_load_world(file, "", "", 4) != 1) {
+        std::fprintf(stderr, "%s: %s\n", file, ZELMAR_engine_get_last_error());
+        return false;
+    }
+    host.root = ZELMAR_group_get_using_name("the_world");
+    double box[6] = {0, 0, 0, 0, 0, 0};
+    ZELMAR_group_get_bounding_box(host.root, box);
+    host.size = std::max({box[3] - box[0], box[4] - box[1], box[5] - box[2], 1.0});
+    for (int g = ZELMAR_group_get_first_group(); g; g = ZELMAR_group_get_next(g))
+        if (ZELMAR_group_get_father_group(g) == host.root) {
+            host.group = g;
+            break;
+        }
+    return true;
+}
+
+int runShow(long polygons, const char* world) {
     static Setup s(1280, 900);
-    s.host.group = buildTerrain(s.host, polygons, 1000);
-    addBoxes(s.host);
+    if (world) {
+        if (!loadWorld(s.host, world)) return 1;
+        // The view cameras are made after the load, which replaces every entity.
+        for (int i = 0; i < 4; ++i)
+            s.views->SetViewportCamera(i, ZELMAR_camera_create(("View" + std::to_string(i)).c_str()));
+    } else {
+        s.host.group = buildTerrain(s.host, polygons, 1000);
+        addBoxes(s.host);
+    }
     s.top.setWindowTitle(QStringLiteral("Viewports"));
     s.top.move(20, 20);
     s.top.show();
@@ -261,7 +286,11 @@ int main(int argc, char** argv) {
     int frames = 15;
     std::vector<long> sizes = {10000, 100000, 1000000};
     for (int i = 1; i < argc; ++i) {
-        if (!std::strcmp(argv[i], "--show")) return runShow(i + 1 < argc ? std::atol(argv[i + 1]) : 20000);
+        if (!std::strcmp(argv[i], "--show")) {
+            const bool file = i + 1 < argc && !QString::fromLocal8Bit(argv[i + 1]).at(0).isDigit();
+            return runShow(!file && i + 1 < argc ? std::atol(argv[i + 1]) : 20000,
+                           file ? argv[i + 1] : nullptr);
+        }
         if (!std::strcmp(argv[i], "--frames") && i + 1 < argc) frames = std::atoi(argv[++i]);
         if (!std::strcmp(argv[i], "--sizes") && i + 1 < argc) {
             sizes.clear();
