@@ -26,13 +26,7 @@ int LightUsingName(const std::string& name) { return ZELMAR_light_get_using_name
 int TrackUsingName(const std::string& name) { return ZELMAR_track_get_using_name(name.c_str()); }
 int BackgroundUsingName(const std::string& name) { return ZELMAR_background_get_handle(name.c_str()); }
 
-int PolygonUsingName(const std::string& name) {
-    // ZELMAR_polygon_get_handle_using_name is not yet declared with a name argument in ops_polygon.def;
-    // until it is, the same answer by a walk: the first polygon of the world with that name.
-    for (int p = ZELMAR_polygon_get_first_polygon(); p != 0; p = ZELMAR_polygon_get_next(p))
-        if (EntityName(p) == name) return p;
-    return 0;
-}
+int PolygonUsingName(const std::string& name) { return ZELMAR_polygon_get_handle_using_name(name.c_str()); }
 
 namespace {
 template <class Taken> std::string firstFree(const std::string& stem, Taken taken) {
