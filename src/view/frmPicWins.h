@@ -94,6 +94,9 @@ class frmPicWins : public QWidget, public CameraContext, public GridContext {
     bool RedrawPending = false;
     int ViewSelected = ViewNone;
     bool KeyIHeld = false;
+    // True: key events of the picture windows run the key table here. A main window whose key preview
+    // runs the table (and calls ViewportKeyDown) sets it false.
+    bool HandlesOwnKeys = true;
     float LastDownX = 0, LastDownY = 0, LastUpX = 0, LastUpY = 0;
 
     picWindow* PicWindow(int i) const { return m_wins[i]; }

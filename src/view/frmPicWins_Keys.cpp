@@ -13,12 +13,13 @@
 namespace vexil {
 
 void frmPicWins::picWindow_KeyDown(int /*index*/, int key, int shift) {
+    if (!HandlesOwnKeys) return; // the main window's key preview runs the table
     ViewportKeyDown(key, shift);
     m_host.Plugin_KeyDown(key, shift);
 }
 
 void frmPicWins::picWindow_KeyUp(int /*index*/, int key, int /*shift*/) {
-    if (key == Qt::Key_I) KeyIHeld = false;
+    if (HandlesOwnKeys && key == Qt::Key_I) KeyIHeld = false;
 }
 
 bool frmPicWins::ViewportKeyDown(int key, int /*shift*/) {
@@ -52,6 +53,8 @@ bool frmPicWins::ViewportKeyDown(int key, int /*shift*/) {
     if (!ViewHasFocus) return false;
 
     const bool ctrl = keyDown(Qt::Key_Control), alt = keyDown(Qt::Key_Alt), sh = keyDown(Qt::Key_Shift);
+    // A row held "none" wants no modifier, as in the main window's table.
+    const bool none = !ctrl && !alt && !sh;
     auto pressed = [](int k) { return keyPressed(k); };
     auto down = [](int k) { return vexil::keyDown(k); };
 
@@ -85,32 +88,32 @@ bool frmPicWins::ViewportKeyDown(int key, int /*shift*/) {
         m_host.AlignObjects();
     } else if (alt && pressed(Qt::Key_Q)) {
         m_host.DisplaceGrp();
-    } else if (pressed(Qt::Key_F2)) {
+    } else if (none && pressed(Qt::Key_F2)) {
         ToggleWireframe();
-    } else if (down(Qt::Key_M)) {
+    } else if (none && down(Qt::Key_M)) {
         SetToolMode(ToolMoveCamera);
         picWinSetMousePtr(QStringLiteral("Move Camera"));
-    } else if (down(Qt::Key_Z)) {
+    } else if (none && down(Qt::Key_Z)) {
         SetToolMode(ToolZoomCamera);
         picWinSetMousePtr(QStringLiteral("Zoom"));
-    } else if (down(Qt::Key_W)) {
+    } else if (none && down(Qt::Key_W)) {
         ToggleWindowMinMax();
-    } else if (down(Qt::Key_R)) {
+    } else if (none && down(Qt::Key_R)) {
         SetToolMode(ToolRevolve);
         picWinSetMousePtr(QStringLiteral("Revolve"));
-    } else if (down(Qt::Key_P)) {
+    } else if (none && down(Qt::Key_P)) {
         SetToolMode(ToolPan);
         picWinSetMousePtr(QStringLiteral("Pan"));
-    } else if (down(Qt::Key_S)) {
+    } else if (none && down(Qt::Key_S)) {
         SetToolMode(ToolSelect);
         picWinSetMousePtr(m_host.CreateTrackUp() ? QStringLiteral("Cross hair") : QStringLiteral("Select"));
-    } else if (pressed(Qt::Key_Delete)) {
+    } else if (none && pressed(Qt::Key_Delete)) {
         m_host.DeleteSelected();
-    } else if (pressed(VkAdd)) {
+    } else if (none && pressed(VkAdd)) {
         m_host.SetCamMoveFactor(m_host.CamMoveFactor() * 2);
-    } else if (pressed(VkSubtract)) {
+    } else if (none && pressed(VkSubtract)) {
         m_host.SetCamMoveFactor(m_host.CamMoveFactor() / 2);
-    } else if (pressed(Qt::Key_G)) {
+    } else if (none && pressed(Qt::Key_G)) {
         m_grids[ActiveWin]->ToggleVisibility();
         UpdateCameras();
     } else {
