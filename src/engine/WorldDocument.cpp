@@ -114,7 +114,12 @@ QString WorldDocument::SaveFilter() {
 
 QString WorldDocument::GetOpenedFile() { return dialogs().getOpenFileName(GetLocaleString(101), QString(), OpenFilter()); }
 
-QString WorldDocument::GetSaveAsFile() { return dialogs().getSaveFileName(GetLocaleString(331), WorldFileName, SaveFilter()); }
+QString WorldDocument::GetSaveAsFile() {
+    QString path = dialogs().getSaveFileName(GetLocaleString(331), WorldFileName, SaveFilter());
+    // The common dialog gave a name without an extension the default one; the engine needs an extension.
+    if (!path.isEmpty() && QFileInfo(path).suffix().isEmpty()) path += QStringLiteral(".wld");
+    return path;
+}
 
 // ---- asking to save ----------------------------------------------------------------------------------------
 
@@ -215,6 +220,8 @@ bool WorldDocument::LoadWorld(const QString& path) {
         SetMousePtrToHourGlass(true);
         return false;
     }
+    // A missing bitmap does not fail a load; the engine names it in its last error.
+    if (const QString why = engineLastError(); !why.isEmpty()) logWarning(QStringLiteral("Loading \"%1\": %2").arg(path, why));
     m_host.UndoStack().SetSaveMarker();                                    // 7
     RootGrp = GetRootGroup();                                              // 8
     RootGroupHandleChanged();
@@ -307,6 +314,12 @@ void WorldDocument::AddWorld(const QString& path, const std::array<double, 3>& l
         return;
     }
     ZELMAR_group_set_father_group(AddedGroup, RootGrp);                    // 8
+    // The added root of one of our own files is a second "the_world"; names are how the tree and a later
+    // load find groups, so it is named after its file instead.
+    if (EntityName(AddedGroup) == "the_world") {
+        const std::string base = QFileInfo(path).completeBaseName().toLocal8Bit().toStdString();
+        ZELMAR_group_set_name(AddedGroup, GetNewGrpNameFrmGivenStr(base.empty() ? std::string("World") : base).c_str());
+    }
     m_host.RefreshMarkers();                                               // 9
     UpdateStatusBar();
     PopulateTrees();

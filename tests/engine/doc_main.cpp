@@ -1,6 +1,7 @@
 // main of the document's Qt tests: a QApplication (offscreen), the built-in language, a private settings
 // store and application folder.
 #include "app/AppPaths.h"
+#include "app/ErrLog.h"
 #include "app/Locale.h"
 #include "app/Settings.h"
 
@@ -14,6 +15,7 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QTemporaryDir settings;
     vexil::SettingsStore::setLocation(settings.path());
+    vexil::AppLog().setLogFile(settings.path() + "/VXE_Error.log");
     vexil::SetAppLCID(409);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

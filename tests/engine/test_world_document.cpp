@@ -1,6 +1,7 @@
 // World documents (Part 2.3): new, load, save, save as, hold and fetch, add, close, viewer mode.
 #include "DocTestHost.h"
 
+#include "app/ErrLog.h"
 #include "app/Locale.h"
 
 #include <QDialog>
@@ -253,6 +254,10 @@ TEST_F(World, AddWorldPutsTheAddedRootUnderOurs) {
     ASSERT_NE(doc->AddedGroup, 0);
     EXPECT_EQ(ZELMAR_group_get_father_group(doc->AddedGroup), doc->RootGrp);
     EXPECT_EQ(host.selectedAdded, 1);
+    // The added "the_world" is named after its file; the root stays the one "the_world".
+    EXPECT_EQ(name(doc->AddedGroup), "other");
+    EXPECT_EQ(GroupUsingName("the_world"), doc->RootGrp);
+    EXPECT_NE(GroupUsingName("floor"), 0);
     EXPECT_EQ(ZELMAR_group_get_number_of_polygons(doc->RootGrp), 5);
     EXPECT_EQ(host.panels[1], "5");
     EXPECT_NE(groups.Node("Group" + QString::number(doc->AddedGroup)), nullptr);
@@ -438,4 +443,41 @@ TEST_F(World, ATemplateChosenInTheDialogIsLoaded) {
     EXPECT_EQ(doc->WorldFileName, data + "/Templates/Studio.wld");
     EXPECT_NE(GroupUsingName("Pedestals"), 0);
     EXPECT_TRUE(doc->WorldOpen);
+}
+
+TEST_F(World, ANameWithoutExtensionIsSavedAsWld) {
+    makeGroup("box", doc->RootGrp);
+    dialogs.fileAnswers.push_back(path("plain"));
+    doc->mnuSaveAs_Click();
+    EXPECT_EQ(doc->WorldFileName, path("plain.wld"));
+    EXPECT_TRUE(QFileInfo(path("plain.wld")).isFile());
+}
+
+TEST_F(World, ASaveTheEngineRefusesIsLoggedAsAWarning) {
+    AppLog().setLogFile(path("VXE_Error.log"));
+    AppLog().ClearLogFile();
+    makeGroup("box", doc->RootGrp);
+    dialogs.fileAnswers.push_back(path("odd.txt"));  // an extension the engine does not write
+    doc->mnuSaveAs_Click();
+    EXPECT_FALSE(QFileInfo::exists(path("odd.txt")));
+    EXPECT_FALSE(QFileInfo::exists(scratch(appDir.path())));
+    QFile log(path("VXE_Error.log"));
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    const QString text = QString::fromLocal8Bit(log.readAll());
+    EXPECT_TRUE(text.startsWith("Warning:")) << text.toStdString();
+    EXPECT_TRUE(text.contains("odd.txt")) << text.toStdString();
+}
+
+TEST_F(World, AMissingBitmapDoesNotFailTheLoadButIsLogged) {
+    const QString data = QStringLiteral(VEXIL_SOURCE_DIR) + "/data/samples";
+    QDir().mkpath(path("copy"));
+    ASSERT_TRUE(QFile::copy(data + "/Sample.wld", path("copy/Sample.wld")));  // without its bitmaps
+    AppLog().setLogFile(path("VXE_Error.log"));
+    AppLog().ClearLogFile();
+    ASSERT_TRUE(doc->LoadWorld(path("copy/Sample.wld")));
+    EXPECT_NE(GroupUsingName("House"), 0);
+    QFile log(path("VXE_Error.log"));
+    ASSERT_TRUE(log.open(QIODevice::ReadOnly));
+    const QString text = QString::fromLocal8Bit(log.readAll());
+    EXPECT_TRUE(text.contains("brick")) << text.toStdString();
 }
