@@ -217,6 +217,8 @@ class frmPicWins : public QWidget, public CameraContext, public GridContext {
     void applyStandardView(int index, int view);
     void DrawBDBoxOrWire(int index, QPainter& p);
     void picWindow_MouseMove_PanRevolveZoomCammoveCamroll(int index, int button, int shift, int x, int y);
+    // picWindow_MouseMove from the plug-in hook on (steps 5 to 9).
+    void mouseMoveByTool(int index, int button, int shift, int x, int y);
     bool aimAtSelection(camera& cam);
     bool selectionBounds(double mn[3], double mx[3]);
     void showGroupNameUnderMouse(int x, int y);

@@ -68,17 +68,13 @@ void frmPicWins::picWindow_MouseMove(int index, int button, int shift, int x, in
     // The grid's mark must follow the mouse: the view is redrawn once for this move, unless a step below
     // redraws it anyway (navigation, the rubber band).
     const bool redraw = !(m_toolMode == ToolSelect && !grid.GridVisible && !grid.GridSnapOn);
-    struct RedrawOnce {
-        frmPicWins& w;
-        int index;
-        bool wanted;
-        unsigned before;
-        std::shared_ptr<bool> alive;
-        ~RedrawOnce() {
-            if (wanted && *alive && w.m_paintCount[index] == before) w.UpdateCamerasSingle(index);
-        }
-    } once{*this, index, redraw, m_paintCount[index], m_alive};
+    const unsigned before = m_paintCount[index];
+    const std::shared_ptr<bool> alive = m_alive;
+    mouseMoveByTool(index, button, shift, x, y);
+    if (redraw && *alive && m_paintCount[index] == before) UpdateCamerasSingle(index);
+}
 
+void frmPicWins::mouseMoveByTool(int index, int button, int shift, int x, int y) {
     if (m_host.Plugin_MouseMove(index, button, shift, x, y)) return;
     if (m_host.CutStateActive()) {
         if (button == BtnLeft) m_host.Cut_MouseMove(x, y);
