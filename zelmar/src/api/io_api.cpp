@@ -5,6 +5,7 @@
 #include "scene/World.h"
 
 #include <cmath>
+#include <exception>
 #include <filesystem>
 #include <zelmar/zelmar.h>
 
@@ -19,6 +20,18 @@ std::string resolve(const char* file, const char* folder) {
     std::filesystem::path p(file);
     if (folder && *folder && p.is_relative()) p = std::filesystem::path(folder) / p;
     return p.string();
+}
+
+// Nothing may escape through the C boundary: running out of memory on a huge world becomes
+// an ordinary failure (a load that replaces the world then leaves it empty).
+template <class Fn> bool guarded(Fn fn, std::string& error, World* clearOnFailure) {
+    try {
+        return fn();
+    } catch (const std::exception& e) {
+        if (clearOnFailure) clearOnFailure->clear();
+        error = std::string("out of resources: ") + e.what();
+    }
+    return false;
 }
 
 } // namespace
@@ -45,8 +58,8 @@ int ZELMAR_engine_load_world(const char* file, const char* folder, const char* b
     }
     io::LoadOutcome outcome;
     std::string error;
-    if (!io::loadWorld(w, resolve(file, folder), bitmaps_folder ? bitmaps_folder : "", true, outcome,
-                       error)) {
+    const std::string path = resolve(file, folder), bitmaps = bitmaps_folder ? bitmaps_folder : "";
+    if (!guarded([&] { return io::loadWorld(w, path, bitmaps, true, outcome, error); }, error, &w)) {
         setLastError("engine_load_world: " + error);
         return -1;
     }
@@ -71,8 +84,8 @@ int ZELMAR_engine_add_world(const char* file, const char* folder, const char* bi
     World& w = world();
     io::LoadOutcome outcome;
     std::string error;
-    if (!io::loadWorld(w, resolve(file, folder), bitmaps_folder ? bitmaps_folder : "", false, outcome,
-                       error)) {
+    const std::string path = resolve(file, folder), bitmaps = bitmaps_folder ? bitmaps_folder : "";
+    if (!guarded([&] { return io::loadWorld(w, path, bitmaps, false, outcome, error); }, error, nullptr)) {
         setLastError("engine_add_world: " + error);
         return 0;
     }
@@ -102,7 +115,7 @@ int ZELMAR_engine_save(const char* file, int group, int flags) {
         return 0;
     }
     std::string error;
-    if (!io::saveWorld(w, file, g, flags, error)) {
+    if (!guarded([&] { return io::saveWorld(w, file, g, flags, error); }, error, nullptr)) {
         setLastError("engine_save: " + error);
         return 0;
     }

@@ -103,6 +103,8 @@ struct Reader {
                 fs.own.push_back(own);
             }
             if (kind < 0) continue; // a record kind of a later version: its chunks are skipped
+            // Records of no bytes would let a count claim any number of them.
+            if (fs.fields.empty()) c.fail("schema of " + name + " records has no fields");
             if (schemas[kind].present) c.fail("schema of " + name + " records given twice");
             schemas[kind] = std::move(fs);
         }

@@ -3,6 +3,7 @@
 // Seeds: small valid worlds in each format. Bad files: one fault each, named for it.
 #include "WorldGen.h"
 #include "io/BinaryFormat.h"
+#include "io/Schema.h"
 #include "io/WorldFile.h"
 
 #include <cstdio>
@@ -74,6 +75,54 @@ std::string replaced(std::string s, const std::string& from, const std::string& 
         std::exit(1);
     }
     return s.replace(at, from.size(), to);
+}
+
+void appendChunk(Bytes& b, const char* tag, const Bytes& payload) {
+    const size_t at = b.size();
+    b.insert(b.end(), tag, tag + 4);
+    b.insert(b.end(), 4, 0);
+    const uint64_t len = payload.size();
+    b.insert(b.end(), reinterpret_cast<const uint8_t*>(&len), reinterpret_cast<const uint8_t*>(&len) + 8);
+    b.insert(b.end(), payload.begin(), payload.end());
+    b.insert(b.end(), 4, 0);
+    fixCrc(b, Chunk{at, tag, len});
+}
+
+void appendU32(Bytes& b, uint32_t v) {
+    b.insert(b.end(), reinterpret_cast<const uint8_t*>(&v), reinterpret_cast<const uint8_t*>(&v) + 4);
+}
+void appendStr(Bytes& b, const std::string& s) {
+    appendU32(b, static_cast<uint32_t>(s.size()));
+    b.insert(b.end(), s.begin(), s.end());
+}
+
+// A schema that gives camera records no fields, and a camera chunk claiming 4 billion of them.
+Bytes emptyRecordBomb(const Bytes& bin) {
+    Bytes schema;
+    appendU32(schema, kRecordKinds);
+    for (int k = 0; k < kRecordKinds; ++k) {
+        const RecordKind kind = static_cast<RecordKind>(k);
+        appendStr(schema, recordName(kind));
+        const auto& fields = schemaOf(kind);
+        const bool empty = kind == RecordKind::Camera;
+        appendU32(schema, empty ? 0 : static_cast<uint32_t>(fields.size()));
+        if (empty) continue;
+        for (const SchemaEntry& e : fields) {
+            appendStr(schema, e.name);
+            schema.push_back(static_cast<uint8_t>(e.type));
+            schema.push_back(e.count);
+        }
+    }
+    Bytes out(bin.begin(), bin.begin() + 16);
+    for (const Chunk& c : chunks(bin)) {
+        if (c.tag == "SCHM")
+            appendChunk(out, "SCHM", schema);
+        else if (c.tag == "CAMS")
+            appendChunk(out, "CAMS", Bytes{0xFF, 0xFF, 0xFF, 0xFF});
+        else
+            out.insert(out.end(), bin.begin() + long(c.at), bin.begin() + long(c.at + 20 + c.len));
+    }
+    return out;
 }
 
 Bytes compress(const Bytes& plain, uint64_t declared) {
@@ -217,6 +266,7 @@ int main(int argc, char** argv) {
         fixCrc(b, c);
         put(bad + "/dangling_polygon_group.zelmar", b);
     }
+    put(bad + "/empty_record_bomb.zelmar", emptyRecordBomb(bin));
     {
         Bytes b = bin;
         const uint32_t version = 42;
