@@ -163,3 +163,61 @@ TEST_F(Overlays, BoxAndWireOnTopOfTheEngineImageInAViewport) {
 }
 
 } // namespace
+
+namespace {
+
+// Records the paint hooks in the order the viewport calls them, with the camera current at each call.
+class OrderHost : public TestHost {
+  public:
+    std::vector<std::string> calls;
+    std::vector<int> currentCams;
+    void note(const char* what) {
+        calls.emplace_back(what);
+        currentCams.push_back(ZELMAR_camera_get_current());
+    }
+    void ScaleSceneCameras(int) override { note("ScaleSceneCameras"); }
+    void ScaleSceneLights(int) override { note("ScaleSceneLights"); }
+    void DrawGizmo(int, QPainter&) override { note("DrawGizmo"); }
+    void DrawPoints(int, QPainter&) override { note("DrawPoints"); }
+    void DrawSelectedPts(int, QPainter&) override { note("DrawSelectedPts"); }
+    void DrawSelectedPols(int, QPainter&) override { note("DrawSelectedPols"); }
+    void DrawTrack(int, QPainter&) override { note("DrawTrack"); }
+    void DrawSelectedTrackPts(int, QPainter&) override { note("DrawSelectedTrackPts"); }
+    void DrawCustomTrk(int, QPainter&) override { note("DrawCustomTrk"); }
+    void Plugin_Paint(int, QPainter&) override { note("Plugin_Paint"); }
+};
+
+TEST(OverlayOrder, HooksRunInTheirOrderWithTheViewsCameraCurrent) {
+    app();
+    QTemporaryDir settings;
+    SettingsStore::setLocation(settings.path());
+    FakeInputState fake;
+    TestWorld w;
+    w.build(200);
+    OrderHost host;
+    host.rootGrp = w.root;
+    QWidget top;
+    top.setGeometry(50, 50, 320, 240);
+    frmPicWins views(host, &top);
+    views.setGeometry(0, 0, 320, 240);
+    for (int i = 0; i < 4; ++i)
+        views.SetViewportCamera(i, w.cams[i]);
+    top.show();
+    QCoreApplication::processEvents();
+    views.ActiveWin = 0;
+    host.calls.clear();
+    host.currentCams.clear();
+    views.UpdateCamerasSingle(3);
+    const std::vector<std::string> want = {"ScaleSceneCameras", "ScaleSceneLights",     "DrawGizmo",
+                                           "DrawPoints",        "DrawSelectedPts",      "DrawSelectedPols",
+                                           "DrawTrack",         "DrawSelectedTrackPts", "DrawCustomTrk",
+                                           "Plugin_Paint"};
+    EXPECT_EQ(host.calls, want);
+    for (int c : host.currentCams)
+        EXPECT_EQ(c, w.cams[3]);
+    // Afterwards the active window's camera is current again.
+    EXPECT_EQ(ZELMAR_camera_get_current(), w.cams[0]);
+    ZELMAR_engine_close();
+}
+
+} // namespace
