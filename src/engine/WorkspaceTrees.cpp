@@ -121,7 +121,12 @@ WorkspaceTree::WorkspaceTree(QWidget* parent) : QTreeWidget(parent) {
     header()->hide();
     setIconSize(QSize(16, 16));
     setEditTriggers(QAbstractItemView::NoEditTriggers);
+    connect(model(), &QAbstractItemModel::rowsAboutToBeRemoved, this, [this] { m_nodes.clear(); });
+    connect(model(), &QAbstractItemModel::modelAboutToBeReset, this, [this] { m_nodes.clear(); });
 }
+
+// The model outlives this part of the object: its removals during ~QTreeWidget must not reach m_nodes.
+WorkspaceTree::~WorkspaceTree() { disconnect(model(), nullptr, this, nullptr); }
 
 QTreeWidgetItem* WorkspaceTree::AddNode(const QString& parentKey, const QString& key, const QString& text, const QString& image) {
     QTreeWidgetItem* parentNode = parentKey.isEmpty() ? nullptr : Node(parentKey);
@@ -129,12 +134,17 @@ QTreeWidgetItem* WorkspaceTree::AddNode(const QString& parentKey, const QString&
     item->setText(0, text);
     item->setData(0, KeyRole, key);
     SetNodeImage(item, image);
+    if (!m_nodes.contains(key)) m_nodes.insert(key, item);
     return item;
 }
 
 QTreeWidgetItem* WorkspaceTree::Node(const QString& key) const {
+    if (auto hit = m_nodes.constFind(key); hit != m_nodes.constEnd() && NodeKey(*hit) == key) return *hit;
     for (QTreeWidgetItemIterator it(const_cast<WorkspaceTree*>(this)); *it; ++it)
-        if (NodeKey(*it) == key) return *it;
+        if (NodeKey(*it) == key) {
+            m_nodes.insert(key, *it);
+            return *it;
+        }
     return nullptr;
 }
 

@@ -2,6 +2,7 @@
 // tracks, backgrounds) and trwLight (lights). Views of the engine, filled again after each load; single
 // changes update single nodes. A node's key is kept in Qt::UserRole, its image name in ImageRole.
 #pragma once
+#include <QHash>
 #include <QIcon>
 #include <QString>
 #include <QTreeWidget>
@@ -22,6 +23,7 @@ public:
     static constexpr int ImageRole = Qt::UserRole + 1;
 
     explicit WorkspaceTree(QWidget* parent = nullptr);
+    ~WorkspaceTree() override;
     void SetDocument(WorldDocument* doc) { m_doc = doc; }
     WorldDocument* Document() const { return m_doc; }
 
@@ -41,6 +43,11 @@ public:
 
 protected:
     WorldDocument* m_doc = nullptr;
+
+private:
+    // Key -> node, so that filling a tree is linear. Emptied whenever rows leave the model, so it never
+    // holds a dead node; a miss falls back to a walk.
+    mutable QHash<QString, QTreeWidgetItem*> m_nodes;
 };
 
 class trwGroupView : public WorkspaceTree {

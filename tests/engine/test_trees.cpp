@@ -4,6 +4,7 @@
 #include "app/Locale.h"
 #include "undo/ActionRenameEntity.h"
 
+#include <QElapsedTimer>
 #include <QLineEdit>
 #include <QTest>
 
@@ -218,4 +219,34 @@ TEST_F(Trees, TabWorkspaceClickRefillsCmbObj) {
     groups.trwGroupView_Populate();
     doc->tabWorkspace_Click(0);
     EXPECT_EQ(groups.currentItem(), groups.Node(key("Group", a)));
+}
+
+TEST_F(Trees, NodesRemovedOrClearedAreNeverFoundAgain) {
+    const int a = makeGroup("alpha", root, 0, 3);
+    groups.trwGroupView_Populate();
+    groups.trwGroupView_PopulateWithPolygons(a);
+    const int p = ZELMAR_group_get_first_polygon(a);
+    ASSERT_NE(groups.Node(key("Pol", p)), nullptr);
+    groups.RemoveNode(key("Group", a));  // its polygon nodes go with it
+    EXPECT_EQ(groups.Node(key("Group", a)), nullptr);
+    EXPECT_EQ(groups.Node(key("Pol", p)), nullptr);
+    groups.trwGroupView_Populate();
+    ASSERT_NE(groups.Node(key("Group", a)), nullptr);
+    groups.trwGroupView_Reset();
+    EXPECT_EQ(groups.Node(key("Group", a)), nullptr);
+    // A node deleted behind the tree's back (as Form1 may do) is not found either.
+    groups.trwGroupView_Populate();
+    delete groups.Node(key("Group", a));
+    EXPECT_EQ(groups.Node(key("Group", a)), nullptr);
+}
+
+TEST_F(Trees, ALargeWorldFillsQuickly) {
+    const int g = makeGroup("big", root, 0, 1);
+    for (int i = 0; i < 300; ++i) makeGroup(("child" + std::to_string(i)).c_str(), g, i, 10);
+    QElapsedTimer t;
+    t.start();
+    groups.trwGroupView_Populate();
+    for (int i = 0; i < 20; ++i) groups.trwGroupView_PopulateWithPolygons(GroupUsingName("child" + std::to_string(i)));
+    EXPECT_EQ(groups.Keys().size(), 1 + 301 + 200);
+    EXPECT_LT(t.elapsed(), 5000);
 }
