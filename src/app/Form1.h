@@ -333,6 +333,14 @@ public:
     void ClearViewports() override;
     void UpdateCameras() override;
     void SetCmbObjItems(const QStringList& items, int chosen) override;
+    // The selection's side of the document (src/view/Form1_Selection.cpp).
+    int CurrSelEntityType() override;
+    int CurrSelEntity() override;
+    std::vector<int> PrevMultiSelGroups() override;
+    void SelectEntityFromTree(int kind, int handle) override;
+    void SelectAddedGroup(int group) override;
+    void WorldChanged() override;
+    void ClearWorldState() override;
     void SetSelectedGroupNameText(const QString& text) override;
     void DisableAllTabs() override;
     void EnableWorkspaceTab(int index) override;

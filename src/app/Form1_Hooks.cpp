@@ -5,6 +5,7 @@
 
 #include "Locale.h"
 #include "Preferences.h"
+#include "view/Form1_Selection.h"
 
 #include <QLabel>
 
@@ -48,12 +49,6 @@ void Form1::ToggleGridVisibility(int index) {
 void Form1::SetGridDensity(double density) { m_gridDensity = density; }
 double Form1::GridDensity() const { return m_gridDensity; }
 
-// Part 3.6 and 4.2: selection and deletion (src/view, src/undo).
-void Form1::ShowSelectionWindow() {}
-void Form1::mnuSelectAll_Click() {}
-void Form1::mnuSelectInvert_Click() {}
-void Form1::DeleteSelected() {}
-
 // Part 5 and the deformers (src/geometry).
 void Form1::MirrorObjects() {}
 void Form1::DuplicatGrp() {}
@@ -82,7 +77,10 @@ void Form1::PluginsKeyDown(int, Qt::KeyboardModifiers) {}
 // (MultiSel, PrevMultiSel, LightMarkers, CameraMarkers, the six makers, LineDrawer, WireframeDrawer, the
 // four TransformGizmo, SelectionBox, the four camera, the four Grid). Created and released in the
 // specified orders by their owners.
-void Form1::CreateSharedObjects() { m_gridDensity = ReadGridDensity(); }
-void Form1::ReleaseSharedObjects() {}
+void Form1::CreateSharedObjects() {
+    m_gridDensity = ReadGridDensity();
+    InstallSelection(*this);
+}
+void Form1::ReleaseSharedObjects() { ReleaseSelection(); }
 
 } // namespace vexil

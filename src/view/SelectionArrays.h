@@ -3,6 +3,7 @@
 // handle's occurrences answers "is it selected?" in constant time, so that adding to or inverting a
 // selection of a quarter of a million points stays linear.
 #pragma once
+#include <cstddef>
 #include <unordered_map>
 #include <vector>
 
@@ -16,7 +17,7 @@ class HandleArray {
     int Count() const { return static_cast<int>(m_items.size()) - 1; }
     int Capacity() const { return m_capacity; }
     // Slot i (1..Count); 0 outside.
-    int At(int i) const { return i >= 1 && i <= Count() ? m_items[static_cast<size_t>(i)] : 0; }
+    int At(int i) const { return i >= 1 && i <= Count() ? m_items[static_cast<std::size_t>(i)] : 0; }
     int operator[](int i) const { return At(i); }
     // Appends at Count + 1; past the capacity it raises error 9 (subscript out of range) and keeps
     // what was there.

@@ -231,6 +231,25 @@ void SelectionModel::mnuGroupMenuUnhide_Click() {
     ThingsToDoAfterUnhiding();
 }
 
+void SelectionModel::mnuUnhideCurrent_Click() {
+    SelectionState& s = Sel();
+    if (!m_host.WorldOpen()) return;
+    if (s.CurrSelEntityType == 1) {
+        mnuGroupMenuUnhide_Click();
+        return;
+    }
+    if (s.CurrSelEntityType != 2 && s.CurrSelEntityType != 4) return;
+    if (!IsEntityHidden(s.CurrSelEntityType, s.CurrSelEntity)) return;
+    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionUnhide);
+    auto* a = env->As<ActionUnhide>();
+    if (!a) return;
+    a->SetEntityUnHidden(s.CurrSelEntityType, s.CurrSelEntity, nullptr);
+    a->SetEntitySelBeforeUnhide(s.CurrSelEntityType, s.CurrSelEntity, s.MultiSel);
+    m_host.UndoStack().Push(env);
+    HideUnhideEntity(s.CurrSelEntityType, s.CurrSelEntity, nullptr, false);
+    ThingsToDoAfterUnhiding();
+}
+
 void SelectionModel::mnuLightMenuHideAll_Click(bool hide) {
     if (!m_host.WorldOpen()) return;
     SelectionState& s = Sel();

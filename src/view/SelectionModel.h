@@ -183,6 +183,8 @@ class SelectionModel {
     void mnuUnhideAll_Click();
     void mnuGroupMenuHide_Click();
     void mnuGroupMenuUnhide_Click();
+    // Shows the current camera or light (a group: mnuGroupMenuUnhide_Click).
+    void mnuUnhideCurrent_Click();
     void mnuLightMenuHideAll_Click(bool hide);
     void mnuCamTrkBkMenuHideAll_Click(bool hide);
     // Sets the selection to (kind, handle, set) and runs the change notice (undo of hide and unhide).

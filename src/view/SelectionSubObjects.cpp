@@ -3,6 +3,7 @@
 #include "SelectionModel.h"
 
 #include "WeldedPoints.h"
+#include "engine/WorkspaceTrees.h"
 #include "frmPicWins.h"
 #include "undo/ActionSubSelect.h"
 #include "undo/ActionUndoRedo_Stack.h"
