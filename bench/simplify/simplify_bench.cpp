@@ -1,11 +1,13 @@
 // simplify_bench: the figures of docs/performance.md, "Simplification".
 //
-//   simplify_bench [--mesh FILE] [--keep 0.5,0.1] [--runs N] [--mode prod|ref] [--faces N]
+//   simplify_bench [--mesh FILE] [--keep 0.5,0.1] [--targets N,M] [--runs N] [--mode prod|ref] [--faces N] [--plain]
 //
 // prod: the production SurfSimpli, N runs per target in this process (a fresh object each run),
 //       median wall and CPU time of Reduce (extraction, restart copy, loop and output included),
 //       split by phase from the status texts; the peak resident memory of the process.
 // ref:  the literal reference, one run per target, on the first --faces faces of the mesh.
+// --targets gives triangle counts instead of fractions; --plain runs the production without its
+// refusal cache (its candidate count is then that of the reference's scans).
 // Every run goes through the in-memory engine, so the engine's own cost is not measured.
 #include "MemoryEngine.h"
 #include "MeshData.h"
@@ -71,6 +73,8 @@ int main(int argc, char** argv) {
     std::vector<double> keeps = {0.5, 0.1};
     int runs = 5;
     std::size_t faces = 0;
+    bool plain = false;
+    std::vector<int> targets;
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
         auto next = [&]() -> std::string { return i + 1 < argc ? argv[++i] : ""; };
@@ -78,7 +82,12 @@ int main(int argc, char** argv) {
         else if (a == "--mode") mode = next();
         else if (a == "--runs") runs = std::stoi(next());
         else if (a == "--faces") faces = static_cast<std::size_t>(std::stol(next()));
-        else if (a == "--keep") {
+        else if (a == "--plain") plain = true;
+        else if (a == "--targets") {
+            std::stringstream ss(next());
+            std::string item;
+            while (std::getline(ss, item, ',')) targets.push_back(std::stoi(item));
+        } else if (a == "--keep") {
             keeps.clear();
             std::stringstream ss(next());
             std::string item;
@@ -90,6 +99,10 @@ int main(int argc, char** argv) {
     const int total = static_cast<int>(mesh.faces.size());
     std::printf("mesh %s: %d triangles; mode %s\n", path.c_str(), total, mode.c_str());
     Quiet host;
+    if (!targets.empty()) {
+        keeps.clear();
+        for (int t : targets) keeps.push_back(static_cast<double>(t) / total);
+    }
     for (const double keep : keeps) {
         const int target = static_cast<int>(total * keep + 0.5);
         if (mode == "ref") {
@@ -121,6 +134,7 @@ int main(int argc, char** argv) {
             simplify::SurfSimpli s(&eng);
             s.SetHost(&host);
             s.ForceRestart = true;
+            s.CacheRefusals = !plain;
             PhaseClock phases;
             const double w0 = wallMs(), c0 = cpuMs();
             try {
@@ -139,10 +153,10 @@ int main(int argc, char** argv) {
             candidates = s.CandidateCount;
             cached = s.CachedRefusals;
         }
-        std::printf("production keep %.2f: %d -> %d triangles, median of %d: wall %.1f ms, cpu %.1f ms "
+        std::printf("production%s keep %.2f: %d -> %d triangles, median of %d: wall %.1f ms, cpu %.1f ms "
                     "(extract+copy %.1f, loop %.1f, output %.1f); %lld selections, %lld candidates, %lld refusals "
                     "from the cache\n",
-                    keep, total, result, runs, median(wall), median(cpu), median(ex), median(lp), median(out), selections,
+                    plain ? " (no refusal cache)" : "", keep, total, result, runs, median(wall), median(cpu), median(ex), median(lp), median(out), selections,
                     candidates, cached);
     }
     std::printf("peak resident memory of this process: %ld kB\n", peakKb());

@@ -176,7 +176,9 @@ TEST_F(EngineCrossing, TriangulatedCopyThenReduceAndAFourPointPolygonsFirstThree
     const int out = s.Reduce(9, tri, false, nullptr, nullptr, false, false, false);
     EXPECT_EQ(s.TriTotal(), 18);
     EXPECT_EQ(ZELMAR_group_get_number_of_polygons(out), s.TriCurrent());
-    if (planesPointAsSpecified()) EXPECT_LE(s.TriCurrent(), 9);
+    if (planesPointAsSpecified()) {
+        EXPECT_LE(s.TriCurrent(), 9);
+    }
 }
 
 TEST_F(EngineCrossing, EmptyGroupAndSavedOutput) {

@@ -374,7 +374,9 @@ TEST(Reduce, OutputKeepsColoursAndBitmapsOfEveryValidTriangle) {
         if (!T.Valid) continue;
         const OutputTri& o = res.output[static_cast<std::size_t>(i++)];
         EXPECT_EQ(o.bitmap, T.BitmapHandle);
-        if (T.BitmapHandle == 0) EXPECT_EQ(o.color[0], T.TriColor[0]);
+        if (T.BitmapHandle == 0) {
+            EXPECT_EQ(o.color[0], T.TriColor[0]);
+        }
     }
 }
 
