@@ -5,7 +5,7 @@ cd "$(dirname "$0")/.."
 jobs=$(nproc)
 
 echo "== engine tests under AddressSanitizer and UndefinedBehaviorSanitizer"
-cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DVEXIL_SANITIZE=ON -DVEXIL_BUILD_GUI=OFF -DVEXIL_BUILD_BENCH=OFF >/dev/null
+cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVEXIL_SANITIZE=ON -DVEXIL_BUILD_GUI=OFF -DVEXIL_BUILD_BENCH=OFF >/dev/null
 cmake --build build-asan -j"$jobs"
 (cd build-asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
    ctest --output-on-failure -j"$jobs" -R '^zelmar|^maths|^simplify' --timeout 900)

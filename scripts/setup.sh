@@ -20,5 +20,5 @@ if [ ${#missing[@]} -gt 0 ]; then
 fi
 
 BUILD=${BUILD_DIR:-build}
-cmake -S . -B "$BUILD" -DCMAKE_BUILD_TYPE=${BUILD_TYPE:-RelWithDebInfo} "$@" >/dev/null
+cmake -S . -B "$BUILD" -DCMAKE_BUILD_TYPE=${BUILD_TYPE:-Release} "$@" >/dev/null
 cmake --build "$BUILD" -j"$(nproc)"
