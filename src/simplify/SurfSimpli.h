@@ -336,6 +336,7 @@ private:
     void unpark(int edge);
     void touchPoint(int p) {
         if (p < 0 || static_cast<std::size_t>(p) >= ptChanged_.size()) return;
+        if (ptChanged_[static_cast<std::size_t>(p)] == contractions_) return; // touched already
         ptChanged_[static_cast<std::size_t>(p)] = contractions_;
         if (!heapDirty_)
             for (const std::int32_t e : pts_[static_cast<std::size_t>(p)].AssEdges) unpark(e);
