@@ -96,6 +96,7 @@ int main(int argc, char** argv) {
     }
     MeshData mesh = triangulateFans(loadMesh(path));
     if (faces) mesh = firstFaces(mesh, faces);
+    std::printf("peak resident memory after loading the mesh: %ld kB\n", peakKb());
     const int total = static_cast<int>(mesh.faces.size());
     std::printf("mesh %s: %d triangles; mode %s\n", path.c_str(), total, mode.c_str());
     Quiet host;
@@ -128,6 +129,7 @@ int main(int argc, char** argv) {
         std::vector<double> wall, cpu, ex, lp, out;
         int result = 0;
         long long selections = 0, candidates = 0, cached = 0;
+        std::size_t modelBytes = 0;
         for (int r = 0; r < runs; ++r) {
             MemoryEngine eng;
             const int g = eng.addMesh(mesh);
@@ -152,12 +154,14 @@ int main(int argc, char** argv) {
             selections = s.SelectionCount;
             candidates = s.CandidateCount;
             cached = s.CachedRefusals;
+            modelBytes = s.MemoryBytes();
         }
         std::printf("production%s keep %.2f: %d -> %d triangles, median of %d: wall %.1f ms, cpu %.1f ms "
                     "(extract+copy %.1f, loop %.1f, output %.1f); %lld selections, %lld candidates, %lld refusals "
                     "from the cache\n",
                     plain ? " (no refusal cache)" : "", keep, total, result, runs, median(wall), median(cpu), median(ex), median(lp), median(out), selections,
                     candidates, cached);
+        std::printf("  model held by SurfSimpli after the run (arrays, lists, copy, indexes): %.1f MB\n", modelBytes / 1048576.0);
     }
     std::printf("peak resident memory of this process: %ld kB\n", peakKb());
     return 0;
