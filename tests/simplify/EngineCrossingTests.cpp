@@ -1,4 +1,4 @@
-// Part 6.3 through the real engine (libzelmar3): the group is read with the ZELMAR_* polygon and
+// the simplification output through the real engine (libzelmar3): the group is read with the ZELMAR_* polygon and
 // point calls, a triangulated copy made by ZELMAR_group_create_copy_made_of_triangles, and the
 // output written back as a new group. The same mesh through the in-memory engine gives the same
 // model (but for the planes, which each engine computes its own way).
@@ -41,7 +41,7 @@ protected:
     }
     static bool engineIsReal() { return ZELMAR_group_create("probe") != 0; }
 
-    // Does the engine's plane point the way spec Part 7.1 says (opposite to PlaneFromPoints)?
+    // Does the engine's plane point the way the maths library says (opposite to PlaneFromPoints)?
     static bool planesPointAsSpecified() {
         const int g = ZELMAR_group_create("orientation");
         const int p = ZELMAR_polygon_create();

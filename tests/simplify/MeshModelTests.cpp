@@ -1,4 +1,4 @@
-// Part 6.1, the mesh model: sharing of points and edges, the octant centre, last-bit
+// the simplification mesh, the mesh model: sharing of points and edges, the octant centre, last-bit
 // differences, sides of three triangles, walks at the ends, empty and one-triangle groups, the
 // first three points of a polygon, the third corner's brightness, the copy for restarting.
 // Each case runs on the production and on the literal reference, and their models are compared.

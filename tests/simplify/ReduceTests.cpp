@@ -1,7 +1,7 @@
-// Part 6.2 and 6.3 edge cases: zero-error stop on an open plane, restarts, costs of 1e32 and
+// the edge contraction and 6.3 edge cases: zero-error stop on an open plane, restarts, costs of 1e32 and
 // more, which end point stays, locks, borders of bitmaps, seams and colours, the manifold test,
 // the closed cube in GeomOnly, texture interpolation, the host calls, the output group, and the
-// failures that the spec lets pass to the caller. Each case runs on the production and on the
+// failures that the design lets pass to the caller. Each case runs on the production and on the
 // literal reference (PairRun compares results and models), then checks the property itself.
 #include "Harness.h"
 #include "MeshMaker.h"
@@ -391,7 +391,7 @@ TEST(Reduce, FloatingPointFailuresPassToTheCaller) {
     ASSERT_EQ(run.step(st, &res), "");
     EXPECT_TRUE(res.threw);
     // A subset of the bunny is open: a contraction leaves a border edge from a point to itself,
-    // whose penalty plane normalises a zero vector (Division by zero), as the spec has it.
+    // whose penalty plane normalises a zero vector (Division by zero), as the design has it.
     const char* bunny = "/usr/share/glmark2/models/bunny.obj";
     if (!std::filesystem::exists(bunny)) GTEST_SKIP() << "glmark2-data not installed";
     PairRun sub(firstFaces(loadObj(bunny), 2500));

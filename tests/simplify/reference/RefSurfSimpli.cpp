@@ -1,4 +1,4 @@
-// The literal reference of SurfSimpli: each procedure follows the text of Parts 6.1 to 6.3 step
+// The literal reference of SurfSimpli: each procedure follows the text of simplification mesh to simplification output step
 // by step. See RefSurfSimpli.h.
 #include "RefSurfSimpli.h"
 
@@ -21,7 +21,7 @@ inline double cdiv(double a, double b) { return fin(vexil::checkedDiv(a, b)); }
 
 RefSurfSimpli::RefSurfSimpli(simplify::SimplifyEngine* engine) : engine_(engine) { Reset(); }
 
-// ---------------------------------------------------------------- Part 6.1
+// ---------------------------------------------------------------- the simplification mesh
 
 bool RefSurfSimpli::listHas(const std::vector<std::int32_t>& list, std::int32_t count, std::int32_t value) {
     for (int i = 1; i <= count; ++i)
@@ -241,7 +241,7 @@ void RefSurfSimpli::RemoveSelected(int point) {
         }
 }
 
-// ---------------------------------------------------------------- Part 6.2
+// ---------------------------------------------------------------- the edge contraction
 
 int RefSurfSimpli::Reduce(int target, int group, bool protectTexSeams, simplify::SimplifyProgress* progress,
                           simplify::SimplifyStatus* status, bool geomOnly, bool lockSelected, bool protectColorBorders) {
@@ -959,7 +959,7 @@ void RefSurfSimpli::InterpolateTexCoords(const Maths::Vector& newCoords, int kep
     }
 }
 
-// ---------------------------------------------------------------- Part 6.3
+// ---------------------------------------------------------------- the simplification output
 
 void RefSurfSimpli::ExtractTriangles(int group) {
     setStatus(msg(messages_.extracting, "Extracting Triangles"));

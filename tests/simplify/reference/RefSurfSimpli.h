@@ -1,7 +1,7 @@
-// The LITERAL reference of SurfSimpli (spec Parts 6.1 to 6.3): every search is the spec's linear
-// scan, every list is kept as the spec keeps it, booleans are 16-bit -1/0, quadrics are 5 x 5
-// matrices of the maths library, and vector work goes through the procedures of Part 7.1 that
-// the spec names. It exists only to check the production implementation (src/simplify); it is
+// The LITERAL reference of SurfSimpli: every search is the documented linear
+// scan, every list is kept as the design keeps it, booleans are 16-bit -1/0, quadrics are 5 x 5
+// matrices of the maths library, and vector work goes through the procedures of the maths library that
+// the design names. It exists only to check the production implementation (src/simplify); it is
 // slow on purpose.
 #pragma once
 #include "maths/Maths.h"
@@ -70,7 +70,7 @@ public:
     void SetHost(simplify::SimplifyHost* host) { host_ = host; }
     void SetLocaleMessages(const simplify::SimplifyMessages& m) { messages_ = m; }
 
-    // Part 6.1
+    // the simplification mesh
     void AddTriangle(const double c1[9], const double c2[9], const double c3[9], const double plane[4], int bitmapHandle,
                      double brightness, const int color[3]);
     int BucketPoint(const double coords[3], int tri);
@@ -91,7 +91,7 @@ public:
     bool IsSelected(int point) const;
     void RemoveSelected(int point);
 
-    // Part 6.2
+    // the edge contraction
     int Reduce(int target, int group, bool protectTexSeams, simplify::SimplifyProgress* progress,
                simplify::SimplifyStatus* status, bool geomOnly, bool lockSelected, bool protectColorBorders);
     void SimplifyLoop(int target);
@@ -126,7 +126,7 @@ public:
     void PlaceAtBetterEnd(int edge);
     int CountValidTris(int edge);
 
-    // Part 6.3
+    // the simplification output
     void ExtractTriangles(int group);
     int BuildOutput();
     bool GetFirstTriangle(double c1[9], double c2[9], double c3[9], int& bitmap, double& brightness, int color[3]);

@@ -1,7 +1,7 @@
-// An in-memory stand-in for the engine calls of Part 6.3, so that the simplification can be run
+// An in-memory stand-in for the engine calls of the simplification output, so that the simplification can be run
 // on arrays of triangles without libzelmar3. Groups hold polygons, polygons hold rings of points;
 // handles are plain counters. A polygon's plane is the unit normal opposite to
-// (p2 - p1) x (p3 - p1), as spec Part 7.1 says of the engine's planes ("the engine's planes
+// (p2 - p1) x (p3 - p1), as the maths library says of the engine's planes ("the engine's planes
 // point the other way" than PlaneFromPoints), and D := -(n . p1); (0, 0, 0, 0) without area.
 // Output groups are recorded for comparison.
 #pragma once
