@@ -6,7 +6,7 @@
 //
 // Without --engine the mesh goes through an in-memory engine and --out writes OBJ. With
 // --engine it goes through libzelmar3: the mesh becomes a group, SurfSimpli reads it through
-// the ZELMAR_* calls of Part 6.3, and --out saves the output group as a world
+// the ZELMAR_* calls of the simplification output, and --out saves the output group as a world
 // (ZELMAR_engine_save; .wld, .zelmar, ...). --reference runs the literal implementation.
 #include "MemoryEngine.h"
 #include "MeshData.h"

@@ -1,5 +1,5 @@
-// The built-in UI string table, language 409 (spec Part 1.4), taken from the spec's table; the ids
-// the spec names without a text carry texts of our own (listed in docs/ui.md).
+// The built-in UI string table, language 409, taken from the documented table; the ids
+// the design names without a text carry texts of our own (listed in docs/ui.md).
 #include "Locale.h"
 
 namespace vexil {

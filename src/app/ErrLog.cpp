@@ -1,4 +1,4 @@
-// ErrLog, ReportError and the formatter (spec Part 1.2).
+// ErrLog, ReportError and the formatter.
 #include "ErrLog.h"
 
 #include <QApplication>

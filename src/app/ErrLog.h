@@ -1,4 +1,4 @@
-// Failure reporting and the event log (spec Part 1.2).
+// Failure reporting and the event log.
 //
 //   vexil::AppLog().LogEvent("text", vexil::LogWarning);   // a line in VXE_Error.log
 //   vexil::ReportError(number, source, description);        // log + formError (modal, via the dialogs seam)
@@ -18,7 +18,7 @@ class ErrLog {
 public:
     ErrLog() = default;
 
-    // Beep mask: 16 at construction, then the setting "ErrLogBeepVal" (Part 1.3).
+    // Beep mask: 16 at construction, then the setting "ErrLogBeepVal".
     // The tests of LogEvent are by bit values 4, 6 and 2 (the kept quirk, see ErrLog.cpp).
     std::uint8_t beepMask = 16;
 
@@ -61,7 +61,7 @@ inline void ReportError(const VexilError& e) {
 using ErrorPresenter = std::function<void(const QString& text)>;
 void setErrorPresenter(ErrorPresenter presenter);
 
-// True after the user chose to terminate from formError (Part 1.1): the close box stops asking
+// True after the user chose to terminate from formError: the close box stops asking
 // and the viewports ignore the mouse.
 bool& TerminatingOnError();
 

@@ -1,4 +1,4 @@
-// Form1, the shell (spec Part 1.1): construction, Form_Initialize, Form_Load, the first activation,
+// Form1, the shell: construction, Form_Initialize, Form_Load, the first activation,
 // MDIForm_Resize, Form_QueryUnload, Form_Unload, ParseCommand.
 #include "Form1.h"
 
@@ -114,8 +114,8 @@ void Form1::Form_Load() {
         // 6.
         MouseStepFactor = 1.0;
         trwModel_InitialSetup();
-        // 7. MultiSel (Part 3.6, CreateSharedObjects), UndoStack.
-        // "MaxUndoRedo": empty, "0" or not numeric gives 20 (Part 1.3); the stack itself reads "0" as 0 (Part 4.1),
+        // 7. MultiSel, UndoStack.
+        // "MaxUndoRedo": empty, "0" or not numeric gives 20; the stack itself reads "0" as 0,
         // so "0" is handed over as empty.
         QString maxUndo = ReadMaxUndoRedoText();
         if (IsNumeric(maxUndo) && ToDouble(maxUndo) == 0.0) maxUndo.clear();
@@ -197,7 +197,7 @@ void Form1::Form_Load() {
     try {
         load();
     } catch (VexilError& e) {
-        // The engine version test (Part 1.1, Failure handling): the engine file is older than the program.
+        // The engine version test: the engine file is older than the program.
         if (e.description == "Can't find DLL entry point ZELMAR_engine_set_coordinates_auto_correct_mode in zelmar3") {
             dialogs().msgBox(GetLocaleString(330), MsgOKOnly, MsgCritical);
             Form_Unload();

@@ -1,4 +1,4 @@
-// Form1: the toolbar bands CoolBar1 with Toolbar1(0) to Toolbar1(7) (Parts 1.1, 1.3, 1.4): their
+// Form1: the toolbar bands CoolBar1 with Toolbar1(0) to Toolbar1(7): their
 // buttons, tool tips by band (base id + button index), and the saved state of the bands.
 //
 // A band's state is one value of "Interface"/"Coolbar1 Band<n>", six lines joined by LF:

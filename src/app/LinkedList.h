@@ -1,4 +1,4 @@
-// LinkedList (spec Part 1.5): a singly linked list of 32-bit values with a cursor.
+// LinkedList: a singly linked list of 32-bit values with a cursor.
 #pragma once
 #include <cstdint>
 

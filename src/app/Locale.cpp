@@ -1,4 +1,4 @@
-// Language resources (spec Part 1.4): the current table, MessageStrings, switching, satellites.
+// Language resources: the current table, MessageStrings, switching, satellites.
 #include "Locale.h"
 
 #include "AppPaths.h"

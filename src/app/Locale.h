@@ -1,4 +1,4 @@
-// Language resources (spec Part 1.4). Every visible text comes from the numbered string table:
+// Language resources. Every visible text comes from the numbered string table:
 //
 //   label->setText(vexil::GetLocaleString(322));   // "New Object" in the current language
 //

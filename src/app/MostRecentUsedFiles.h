@@ -1,4 +1,4 @@
-// MostRecentUsedFiles (spec Part 1.3): the recent-files list, at most 8 items, shown as the menu array
+// MostRecentUsedFiles: the recent-files list, at most 8 items, shown as the menu array
 // mnuMru below the File menu's separator. Persisted in section "MRUFiles", keys "0", "1", ... oldest
 // first, with the empty string after the last item as an end mark.
 #pragma once

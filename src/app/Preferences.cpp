@@ -1,4 +1,4 @@
-// The preference loader (spec Part 1.3).
+// The preference loader.
 #include "Preferences.h"
 
 #include "ErrLog.h"

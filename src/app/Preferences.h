@@ -1,4 +1,4 @@
-// The preference globals and their loader (spec Part 1.3). Read once, at start-up, before any window
+// The preference globals and their loader. Read once, at start-up, before any window
 // exists; frmPrefrences writes them back.
 #pragma once
 #include <QString>

@@ -1,4 +1,4 @@
-// The settings store (spec Part 1.3): QSettings in INI format, key lookup without regard to case.
+// The settings store: QSettings in INI format, key lookup without regard to case.
 #include "Settings.h"
 
 #include <QDir>

@@ -1,4 +1,4 @@
-// The settings store (spec Part 1.3, DESIGN.md section 3): application "Vexil 2.0", section,
+// The settings store: application "Vexil 2.0", section,
 // key; every value a string. An INI file (QSettings) under the user's config folder, wrapped so
 // that key lookup ignores letter case as the registry does ("rotateStep" and "RotateStep" are
 // one key; "scaleStep " with its blank is another).

@@ -1,4 +1,4 @@
-// The numeric Spinner control of the spec: a value with a step, a minimum and a maximum, and the events
+// The numeric Spinner control of the design: a value with a step, a minimum and a maximum, and the events
 // Changed and MouseUp. Keeping Shift pressed doubles the step, Alt halves it (UI string 201).
 #pragma once
 #include <QDoubleSpinBox>

@@ -1,10 +1,10 @@
-// The editor's one failure mechanism (spec Part 1.2, DESIGN.md section 3): an exception that
+// The editor's one failure mechanism: an exception that
 // carries the number, the description and a source text that grows into a call trace as it
 // passes up, one "Vexil.Object.Procedure" line per level, innermost first, lines joined by CR LF.
 //
 // This header has no Qt in it: GUI-free components (maths, simplify) use it too.
 //
-// The handler shape of Part 1.2 in C++:
+// The handler shape of the failure reporting in C++:
 //
 //   void Form1::mnuSomething_Click() {                    // an event handler
 //       vexil::handleEvent("Form1", "mnuSomething_Click", [&] { ...body... });
@@ -42,7 +42,7 @@ enum ErrNumber : long {
     ErrUserBase = 0x80040000L,   // vbObjectError: base of the program's own numbers
 };
 
-// The formatter of Part 1.2. An empty source means "the error began in this procedure" (the
+// The formatter of the failure reporting. An empty source means "the error began in this procedure" (the
 // C++ counterpart of ErrorSourceDefault): the result is the one line
 // "Vexil.objectName.procedureName". Otherwise the line is appended behind source after CR LF.
 inline std::string FormatErrorSource(const std::string& source, const std::string& objectName,

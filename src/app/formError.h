@@ -1,4 +1,4 @@
-// formError (spec Part 1.2): the dialog of an unexpected error, with the mail report and, when it
+// formError: the dialog of an unexpected error, with the mail report and, when it
 // closes, the question whether to terminate.
 #pragma once
 #include <QDialog>

@@ -1,4 +1,4 @@
-// formSplash (spec Part 1.1): shown for at least 3 seconds at start; then it shows Form1, lingers
+// formSplash: shown for at least 3 seconds at start; then it shows Form1, lingers
 // 500 milliseconds and unloads itself.
 #pragma once
 #include <QTimer>

@@ -1,4 +1,4 @@
-// frmPrefrences (spec Part 1.3): the preferences dialog, opened from Edit > Preference.
+// frmPrefrences: the preferences dialog, opened from Edit > Preference.
 #pragma once
 #include <QDialog>
 #include <array>

@@ -1,4 +1,4 @@
-// File-name helpers (spec Part 1.5), with "/" in place of "\" (DESIGN.md section 3).
+// File-name helpers, with "/" in place of "\" (DESIGN.md section 3).
 #pragma once
 #include <QString>
 

@@ -1,4 +1,4 @@
-// The entry routine (spec Part 1.1, module mdlSubMain) and the tick loop.
+// The entry routine and the tick loop.
 #pragma once
 #include <QString>
 #include <QStringList>

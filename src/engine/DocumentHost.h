@@ -1,11 +1,11 @@
-// What the world document (Parts 2.3 and 2.4) needs of the main window. Form1 implements it and owns the
+// What the world document needs of the main window. Form1 implements it and owns the
 // WorldDocument and the three workspace trees; src/engine never includes Form1.h.
 //
 // Messages, file dialogs, UI strings, settings, the log and the application folder are not here: the document
 // uses the frame's seams directly (src/app: Dialogs.h, Locale.h, Settings.h, ErrLog.h, AppPaths.h).
 //
 // Every hook has an empty default, so that Form1 can fill them in as the subsystems that own them arrive,
-// and tests override only what they watch. The comment of each hook names the spec's step it stands for.
+// and tests override only what they watch. The comment of each hook names the documented step it stands for.
 #pragma once
 #include <QString>
 #include <QStringList>
@@ -22,7 +22,7 @@ public:
     virtual ~DocumentHost() = default;
 
     // ---- frame ---------------------------------------------------------------------------------------
-    // The one undo stack (Part 4.1). Required.
+    // The one undo stack. Required.
     virtual ActionUndoRedo_Stack& UndoStack() = 0;
     // The main window, owner of modal forms (formTemplate); may be null in tests.
     virtual QWidget* MainWindow() { return nullptr; }
@@ -36,14 +36,14 @@ public:
     virtual void SetBusyPointers(bool /*busy*/) {}
     // Lets pending events run (DoEvents).
     virtual void ProcessEvents() {}
-    // The recent-files list (Part 1.3): MruList.AddMRUItem, and RemoveItem + menu rebuild.
+    // The recent-files list: MruList.AddMRUItem, and RemoveItem + menu rebuild.
     virtual void AddMRUItem(const QString& /*path*/) {}
     virtual void RemoveMRUItem(int /*index*/) {}
 
-    // ---- main window state touched by new, load, add and unload (Part 2.3) ---------------------------
-    // ResetControls (Part 1.1): cmbObj to UI string 322, tabWorkspace to tab 4.
+    // ---- main window state touched by new, load, add and unload ---------------------------
+    // ResetControls: cmbObj to UI string 322, tabWorkspace to tab 4.
     virtual void ResetControls() {}
-    // mnu_Update (Part 1.1).
+    // mnu_Update.
     virtual void MenuUpdate() {}
     // tabWorkspace enabled; mnuAddWorld enabled.
     virtual void SetWorkspaceEnabled(bool /*enabled*/) {}
@@ -53,11 +53,11 @@ public:
     virtual void Set3DCardTogglePressed(bool /*pressed*/) {}
     // NewWorld step 13: cmbObj to UI string 322 ("New Object"), cmbObjEditGeom to 325 ("Point").
     virtual void SetNewWorldCombos(const QString& /*cmbObjText*/, const QString& /*cmbObjEditGeomText*/) {}
-    // NewWorld step 15: populate the texture tree (Part 8.1).
+    // NewWorld step 15: populate the texture tree.
     virtual void PopulateTextureTree() {}
     // NewWorld step 16: the camera object of viewport `index` gets the engine camera `handle`.
     virtual void SetViewportCamera(int /*index*/, int /*handle*/) {}
-    // mnuResetViews_Click (Part 3.1).
+    // mnuResetViews_Click.
     virtual void ResetViews() {}
     // The world-changed step (NewWorld 21): clear the stored entity type, SetCurrSelEntityToPrevSelEntity,
     // InformPluginsOfWorldChange. (The document blanks the status text itself.)
@@ -72,16 +72,16 @@ public:
     virtual void ClearViewports() {}
     // AddWorld step 9: refresh CameraMarkers and LightMarkers (their first method).
     virtual void RefreshMarkers() {}
-    // UpdateCameras (Part 3.1).
+    // UpdateCameras.
     virtual void UpdateCameras() {}
     // AddWorldWithOpenDialog: select the added group (type 1), push an ActionCreate with it, redraw the
     // selection box.
     virtual void SelectAddedGroup(int /*group*/) {}
-    // Part 12.1: the import or export entry of plug-in number `plugin`.
+    // the plugin host: the import or export entry of plug-in number `plugin`.
     virtual void PluginImport(int /*plugin*/) {}
     virtual void PluginExport(int /*plugin*/) {}
 
-    // ---- selection (Part 3.6), read by UpdateStatusBar and the trees ---------------------------------
+    // ---- selection, read by UpdateStatusBar and the trees ---------------------------------
     virtual int CurrSelEntityType() { return 0; }
     virtual int CurrSelEntity() { return 0; }
     // The groups of PrevMultiSel (type 6).
@@ -95,7 +95,7 @@ public:
     // txtSelectedGrpName.
     virtual void SetSelectedGroupNameText(const QString& /*text*/) {}
 
-    // ---- tabWorkspace_Click (Part 2.4) ----------------------------------------------------------------
+    // ---- tabWorkspace_Click ----------------------------------------------------------------
     virtual void DisableAllTabs() {}
     // EnblDsbl_GrpTab (0), EnblDsbl_EditGrpTab (1), EnblDsbl_CamTab (2), EnblDsbl_LightTab (3).
     virtual void EnableWorkspaceTab(int /*index*/) {}

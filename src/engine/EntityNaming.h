@@ -1,4 +1,4 @@
-// Entity names (Part 2.4): the naming of new entities, name reading through the engine, and name lookups.
+// Entity names: the naming of new entities, name reading through the engine, and name lookups.
 // GUI-free.
 #pragma once
 #include <string>

@@ -1,4 +1,4 @@
-// The workspace trees (spec Part 2.4).
+// The workspace trees.
 #include "WorkspaceTrees.h"
 
 #include "DocumentHost.h"

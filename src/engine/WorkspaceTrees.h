@@ -1,4 +1,4 @@
-// The workspace trees (spec Part 2.4): trwGroupView (groups and their polygons), trwCamTrackBK (cameras,
+// The workspace trees: trwGroupView (groups and their polygons), trwCamTrackBK (cameras,
 // tracks, backgrounds) and trwLight (lights). Views of the engine, filled again after each load; single
 // changes update single nodes. A node's key is kept in Qt::UserRole, its image name in ImageRole.
 #pragma once
@@ -82,7 +82,7 @@ public:
     void trwCamTrackBK_Reset();  // the three folders only
     void trwCamTrackBK_Populate();
     void trwCamTrackBK_Collapse(QTreeWidgetItem* node) { CollapseNode(node); }
-    // Node 1, 2, 3 of the spec: the folders "CAMERA", "TRACK", "BACKGROUND".
+    // Node 1, 2, 3 of the design: the folders "CAMERA", "TRACK", "BACKGROUND".
     QTreeWidgetItem* FolderNode(int index) const;
 };
 

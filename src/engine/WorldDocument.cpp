@@ -1,4 +1,4 @@
-// World documents (spec Part 2.3). Each procedure follows the spec's steps in order; the step numbers are in
+// World documents. Each procedure follows the documented steps in order; the step numbers are in
 // the comments.
 #include "WorldDocument.h"
 
@@ -55,7 +55,7 @@ bool moveReplacing(const QString& from, const QString& to) {
     return QFile::remove(from);
 }
 
-// MoveFolderFiles (Part 1.5): every file (not directory) of source to target, replacing; a failed move is
+// MoveFolderFiles: every file (not directory) of source to target, replacing; a failed move is
 // remembered and the walk goes on. Each failure is logged as a warning (DESIGN.md section 2).
 bool moveFolderFiles(const QString& source, const QString& target) {
     bool ok = true;
@@ -299,7 +299,7 @@ void WorldDocument::AddWorld(const QString& path, const std::array<double, 3>& l
         SetMousePtrToHourGlass(true);
         return;
     }
-    // 4: the spec passes "\Bitmaps" with a capital letter, which the original file system matched without
+    // 4: the design passes "\Bitmaps" with a capital letter, which the original file system matched without
     // regard to case; so do we.
     const QString bitmaps = folderIgnoringCase(FolderOfPath(path), QStringLiteral("Bitmaps"));
     AddedGroup = ZELMAR_engine_add_world(ansi(path).constData(), "", ansi(bitmaps).constData(), location.data());
@@ -540,7 +540,7 @@ void WorldDocument::UpdateStatusBar() {
     }
 }
 
-// ---- Part 2.4 pieces that live on the main window ----------------------------------------------------------
+// ---- the workspace trees pieces that live on the main window ----------------------------------------------------------
 
 void WorldDocument::tabWorkspace_Click(int tabIndex) {
     m_host.DisableAllTabs();

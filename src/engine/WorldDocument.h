@@ -1,4 +1,4 @@
-// The world as a document (spec Part 2.3): new, load, add, save, save as, hold, fetch, viewer mode, close,
+// The world as a document: new, load, add, save, save as, hold, fetch, viewer mode, close,
 // the careful save through the scratch folder, the caption and the status bar. Form1 owns one WorldDocument
 // and forwards its File menu items to the mnu..._Click methods here.
 #pragma once
@@ -48,7 +48,7 @@ public:
     static QString OpenFilter();
     static QString SaveFilter();
 
-    // ---- Part 2.3 operations -----------------------------------------------------------------------------
+    // ---- the world documents operations -----------------------------------------------------------------------------
     QString GetOpenedFile();
     QString GetSaveAsFile();
     bool LoadWorld(const QString& path);
@@ -86,7 +86,7 @@ public:
     void mnuImport_Click(int pluginNumber);
     void mnuExport_Click(int pluginNumber);
 
-    // ---- Part 2.4 -------------------------------------------------------------------------------------------
+    // ---- the workspace trees -------------------------------------------------------------------------------------------
     void tabWorkspace_Click(int tabIndex);
     void tabWorkspace_ResetGroupsTabToNewObj();
     // GroupHide(group): the tree's marks of a hidden group (node image "Group Invisible").
@@ -120,7 +120,7 @@ private:
     QString m_programFolder;
 };
 
-// Folder and file name of a path (Part 1.5 rules with "/": the folder is the text before the last "/",
+// Folder and file name of a path (the shared containers rules with "/": the folder is the text before the last "/",
 // empty for a bare file name).
 QString FolderOfPath(const QString& path);
 QString NameOfPath(const QString& path);

@@ -1,4 +1,4 @@
-// formTemplate (spec Part 11.2): "Choose a template to start with." Lists "New" and the worlds of the
+// formTemplate: "Choose a template to start with." Lists "New" and the worlds of the
 // Templates folder; OK loads the chosen one.
 #pragma once
 #include <QDialog>

@@ -1,4 +1,4 @@
-// formTip (spec Part 11.2): "Tip of the Day", one line of TIPOFDAY.TXT, shown without blocking at start-up.
+// formTip: "Tip of the Day", one line of TIPOFDAY.TXT, shown without blocking at start-up.
 #pragma once
 #include <QDialog>
 #include <QString>
@@ -32,7 +32,7 @@ public:
     static bool ShouldShowAtStartup(const QString& tipsFile = QString());
     static QString DefaultTipsFile();
 
-    QStringList Tips;       // 1-based in the spec: CurrentTip 1..Tips.size()
+    QStringList Tips;       // 1-based in the design: CurrentTip 1..Tips.size()
     int CurrentTip = 0;
     QLabel* lblTipText = nullptr;
     QPushButton* cmdNextTip = nullptr;

@@ -1,4 +1,4 @@
-// Part 7.1, module Maths: vectors, lines and planes. Angles are in MathsAngles.cpp.
+// the maths library, module Maths: vectors, lines and planes. Angles are in MathsAngles.cpp.
 #include "maths/Maths.h"
 
 #include "maths/MathsDetail.h"

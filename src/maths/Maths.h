@@ -1,4 +1,4 @@
-// Part 7.1, module `Maths`: stateless vector, plane and angle procedures.
+// the maths library, module `Maths`: stateless vector, plane and angle procedures.
 //
 // Conventions (see docs/maths.md):
 // - A Vector is a dynamic array of doubles from index 0; elements 0, 1, 2 are x, y, z.
@@ -9,7 +9,7 @@
 // - Results go to an output array given by the caller. An output that is smaller than
 //   what is written is grown (never shrunk; other elements are kept). An input that is too
 //   small raises vexil::VexilError number 9 (ErrSubscript), as the original's bounds failure.
-// - Outputs may be the same array as an input wherever the table of Part 7.1 says so; in
+// - Outputs may be the same array as an input wherever the table of the maths library says so; in
 //   this implementation every procedure also tolerates the other aliasings.
 // - Failures: a division by zero raises vexil::VexilError ErrDivisionByZero (11), a result
 //   that overflows (not finite) ErrOverflow (6). Every procedure appends

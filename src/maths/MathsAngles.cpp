@@ -1,4 +1,4 @@
-// Part 7.1, module Maths: angles.
+// the maths library, module Maths: angles.
 #include "maths/Maths.h"
 
 #include "maths/MathsDetail.h"

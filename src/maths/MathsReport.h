@@ -1,5 +1,5 @@
 // The two outlets of the maths library that are not return values: lines for the event
-// log (Part 1.2, `AppLog.LogEvent`) and message boxes (`MatrixADD`, `MatrixMultiply`).
+// log and message boxes (`MatrixADD`, `MatrixMultiply`).
 // The library has no Qt and no log of its own: the application points these sinks at
 // `AppLog` and at its dialogs seam at start-up; tests point them at a recorder.
 // Without a sink, both write a line to standard error.

@@ -1,4 +1,4 @@
-// Part 7.1, module mdlMatrixFunctions.
+// the maths library, module mdlMatrixFunctions.
 #include "maths/mdlMatrixFunctions.h"
 
 #include "app/VexilError.h"

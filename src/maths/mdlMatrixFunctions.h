@@ -1,4 +1,4 @@
-// Part 7.1, module `mdlMatrixFunctions`: sum, product and transpose of matrices.
+// the maths library, module `mdlMatrixFunctions`: sum, product and transpose of matrices.
 //
 // A Matrix is the original's two-dimensional dynamic array of doubles: each dimension has a
 // lower and an upper bound (inclusive), usually declared from 0 with the content from 1.

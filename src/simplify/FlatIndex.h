@@ -1,6 +1,6 @@
 // A small open-addressing hash index from a key to a positive int32 (record index), used by
 // SurfSimpli to find points by exact position and edges by their pair of ends. Insert keeps the
-// first value of a key, as the spec's scans find the first record.
+// first value of a key, as the documented scans find the first record.
 #pragma once
 #include <cstdint>
 #include <vector>

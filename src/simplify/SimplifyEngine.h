@@ -1,4 +1,4 @@
-// The engine operations that Part 6.3 uses, as one small interface, so that the mesh algorithm
+// The engine operations that the simplification output uses, as one small interface, so that the mesh algorithm
 // can be run and checked without the engine (tests feed arrays of triangles through an
 // in-memory implementation). ZelmarSimplifyEngine forwards each call to the ZELMAR_* function
 // of the same name; it is what SurfSimpli uses when it is given no engine.

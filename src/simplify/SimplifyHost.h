@@ -1,6 +1,6 @@
-// The outlets of SurfSimpli toward its caller (Parts 6.2, 6.3): a progress bar, a status label,
-// message boxes, the once-per-contraction yield, and the diagnostic drawing surface (Part 6.1).
-// No Qt here: the workbench window (Part 6.4) implements these small interfaces.
+// The outlets of SurfSimpli toward its caller: a progress bar, a status label,
+// message boxes, the once-per-contraction yield, and the diagnostic drawing surface.
+// No Qt here: the workbench window implements these small interfaces.
 #pragma once
 #include <string>
 
@@ -42,7 +42,7 @@ struct SimplifyMessages {
     std::string building;         // default "Building Output"
 };
 
-// The seven pens of the diagnostic drawing, in the order of making (Part 6.1).
+// The seven pens of the diagnostic drawing, in the order of making.
 enum class SimpPen { White1 = 0, Red1, Blue1, Red2, Green2, Blue2, Yellow2 };
 
 // The paintable area given by SetPaintableAreaDC: projection of a mesh position to the

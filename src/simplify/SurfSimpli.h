@@ -1,11 +1,11 @@
 // SurfSimpli: reduces the triangle count of one group by quadric-error edge contraction
-// (spec Parts 6.1 mesh model, 6.2 edge cost and contraction, 6.3 extraction and output).
+// (mesh model, edge cost and contraction, extraction and output).
 //
-// This is the production implementation. Its behaviour is that of the spec's linear scans to
+// This is the production implementation. Its behaviour is that of the documented linear scans to
 // the last tie-break; what differs is only how things are found:
-//   - points and edges are found by hashing instead of the octant and edge scans of Part 6.1;
+//   - points and edges are found by hashing instead of the octant and edge scans of the simplification mesh;
 //   - the cheapest contractible edge comes from an indexed heap ordered by (cost, index) instead
-//     of one scan of all edges per candidate (Part 6.2 NextCheapestEdge);
+//     of one scan of all edges per candidate (the edge contraction NextCheapestEdge);
 //   - association lists of points drop entries of dead records (nothing reads those).
 // tests/simplify/reference holds the literal implementation; the tests prove that both give the
 // same contractions and bit-identical output. docs/simplify.md records the open decisions.
@@ -27,7 +27,7 @@
 namespace simplify {
 
 // Quadric(i, j), i and j from 1 to 4, stored row by row at [(i - 1) * 4 + (j - 1)]. Row 0 and
-// column 0 of the spec's 5 x 5 array are always 0 and are not stored.
+// column 0 of the documented 5 x 5 array are always 0 and are not stored.
 using Quadric = std::array<double, 16>;
 inline constexpr int qi(int i, int j) { return (i - 1) * 4 + (j - 1); }
 
@@ -48,7 +48,7 @@ struct SimpEdge {
     bool IsBorder = false;
     std::int32_t PtA = 0;
     std::int32_t PtB = 0;
-    std::vector<std::int32_t> AssTris; // slots of removed triangles stay (Part 6.2 MergeEdgeTris)
+    std::vector<std::int32_t> AssTris; // slots of removed triangles stay (the edge contraction MergeEdgeTris)
     double NewCoords[3] = {0, 0, 0};
     double Cost = 0;
     int NumAssTris() const { return static_cast<int>(AssTris.size()); }
@@ -75,13 +75,13 @@ enum class SelectMode { Replace, Add, Remove };
 
 class SurfSimpli {
 public:
-    // engine: the engine crossing of Part 6.3; nullptr means libzelmar3 (ZelmarSimplifyEngine).
+    // engine: the engine crossing of the simplification output; nullptr means libzelmar3 (ZelmarSimplifyEngine).
     explicit SurfSimpli(SimplifyEngine* engine = nullptr);
     ~SurfSimpli();
     SurfSimpli(const SurfSimpli&) = delete;
     SurfSimpli& operator=(const SurfSimpli&) = delete;
 
-    // ---- public properties (Part 6.2) ----
+    // ---- public properties ----
     bool ZeroErrorMode = false;
     bool ForceRestart = false;
 
@@ -89,7 +89,7 @@ public:
     void SetLocaleMessages(const SimplifyMessages& messages) { messages_ = messages; }
     void SetEngine(SimplifyEngine* engine);
 
-    // ---- Part 6.1: mesh model ----
+    // ---- the simplification mesh: mesh model ----
     void AddTriangle(const double corner1[9], const double corner2[9], const double corner3[9], const double plane[4],
                      int bitmapHandle, double brightness, const int color[3]);
     int BucketPoint(const double coords[3], int tri);
@@ -110,7 +110,7 @@ public:
     void CopyGeomForRestore();
     void RestoreGeomFromCopy();
 
-    // Selection (the list SelectedPts; Part 6.4 fills it).
+    // Selection (the list SelectedPts; the simplification workbench fills it).
     void SelectMultiplePoints(double x1, double y1, double x2, double y2, bool ignoreBackFaced, SelectMode mode,
                               const double cameraLocation[3]);
     void ResetPtSelection() {
@@ -129,7 +129,7 @@ public:
     void RemoveSelectedPt(std::int32_t point);   // entries behind move up by one
     const std::vector<std::int32_t>& SelectedPts() const { return selectedPts_; }
 
-    // Diagnostic drawing (Part 6.1, on the area of Part 6.4).
+    // Diagnostic drawing.
     void SetPaintableAreaDC(SimplifyCanvas* canvas) { canvas_ = canvas; }
     void DisplayPoint(int point, SimpPen pen);
     void DisplayEdge(int edge, SimpPen pen);
@@ -144,17 +144,17 @@ public:
     void DisplayAffectedEdges();
     void DrawSelectedPts();
 
-    // ---- Part 6.2: edge cost and contraction ----
+    // ---- the edge contraction: edge cost and contraction ----
     int Reduce(int target, int group, bool protectTexSeams, SimplifyProgress* progress, SimplifyStatus* status,
                bool geomOnly, bool lockSelected, bool protectColorBorders);
     void SimplifyLoop(int target);
     int ContractEdge();
     int SelectContractibleEdge();
-    // The spec's linear scan, kept for diagnostics and tests; SelectContractibleEdge uses the heap.
+    // The documented linear scan, kept for diagnostics and tests; SelectContractibleEdge uses the heap.
     int NextCheapestEdge(int after, const std::vector<int>& excluded);
     bool WouldDegenerate(int edge);
     bool WouldFlipNormal(int edge);
-    bool KeepsManifold(int edge); // the spec's -1 is true
+    bool KeepsManifold(int edge); // the documented -1 is true
     void InterpolateTexCoords(const double newCoords[3], int kept, int gone);
     void RemoveTriOfEdge(int tri, int edge);
     void MergeEdgeTris(int e1, int e2);
@@ -183,7 +183,7 @@ public:
     void PlaceAtBetterEnd(int edge);
     int CountValidTris(int edge) const;
 
-    // ---- Part 6.3: extraction and output ----
+    // ---- the simplification output: extraction and output ----
     void ExtractTriangles(int group);
     int BuildOutput();
     bool GetFirstTriangle(double corner1[9], double corner2[9], double corner3[9], int& bitmapHandle,

@@ -1,6 +1,6 @@
-// Part 6.2: quadrics, border penalties, lock terms, placement and cost.
+// the edge contraction: quadrics, border penalties, lock terms, placement and cost.
 //
-// The arithmetic is that of the spec's procedures and of the maths library they name
+// The arithmetic is that of the documented procedures and of the maths library they name
 // (src/maths), written out for speed but in the same order of operations, so that every
 // result is bit-identical to the literal implementation (tests/simplify/reference). Where the
 // maths library raises (a non-finite result is the original's Overflow, a zero divisor its

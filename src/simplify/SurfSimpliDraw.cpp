@@ -1,5 +1,5 @@
-// Diagnostic drawing of the model (Part 6.1) on the paintable area of the workbench (Part 6.4),
-// and the rectangle selection of mesh points. The pens are chosen here (the spec leaves it):
+// Diagnostic drawing of the model on the paintable area of the workbench,
+// and the rectangle selection of mesh points. The pens are chosen here (the design leaves it):
 // points and single records in the pen given; a record's associations in contrasting pens.
 #include "simplify/SurfSimpli.h"
 

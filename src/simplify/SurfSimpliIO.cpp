@@ -1,4 +1,4 @@
-// Part 6.3: the two crossings with the engine (extraction of a group's triangles, building of
+// the simplification output: the two crossings with the engine (extraction of a group's triangles, building of
 // the output group) and the walk over the mesh's valid triangles.
 #include "simplify/SurfSimpli.h"
 

@@ -1,4 +1,4 @@
-// Part 6.1: the mesh model of SurfSimpli (records, sharing of points and edges, walks, the copy
+// the simplification mesh: the mesh model of SurfSimpli (records, sharing of points and edges, walks, the copy
 // kept for restarting, the selection list).
 #include "simplify/SurfSimpli.h"
 
@@ -148,7 +148,7 @@ void SurfSimpli::addIfAbsent(std::vector<std::int32_t>& list, std::int32_t value
     if (std::find(list.begin(), list.end(), value) == list.end()) list.push_back(value);
 }
 
-// The buckets hold the positions the points had when they were made; the scan of Part 6.1
+// The buckets hold the positions the points had when they were made; the scan of the simplification mesh
 // compares with those, first entry first. The index keeps the first entry of each position.
 void SurfSimpli::rebuildPointIndex() {
     pointIndex_.clear();
@@ -160,7 +160,7 @@ void SurfSimpli::rebuildPointIndex() {
     pointIndexDirty_ = false;
 }
 
-// The edge scan of Part 6.1 matches every edge, valid or not, by its current ends, lowest index
+// The edge scan of the simplification mesh matches every edge, valid or not, by its current ends, lowest index
 // first. Contractions change ends, so the index is rebuilt before it is next used.
 void SurfSimpli::rebuildEdgeIndex() {
     edgeIndex_.clear();

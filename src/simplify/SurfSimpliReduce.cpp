@@ -1,4 +1,4 @@
-// Part 6.2: Reduce, the loop, the choice of the next edge, the refusal tests and the contraction.
+// the edge contraction: Reduce, the loop, the choice of the next edge, the refusal tests and the contraction.
 #include "simplify/SurfSimpli.h"
 
 #include "app/VexilError.h"

@@ -1,4 +1,4 @@
-// The engine crossing of Part 6.3: each call forwards to the ZELMAR_* function of the same name.
+// The engine crossing of the simplification output: each call forwards to the ZELMAR_* function of the same name.
 #include "simplify/SimplifyEngine.h"
 
 #include <zelmar/zelmar.h>

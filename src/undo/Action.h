@@ -1,4 +1,4 @@
-// The contract of an action class (spec Part 4.1): Undo and Redo take no arguments, act on the engine and
+// The contract of an action class: Undo and Redo take no arguments, act on the engine and
 // on the editor directly, and rely on the state being the very one their own previous step left.
 // An action that has deferred a destruction does it in its destructor, which runs when the action
 // leaves the stack (falls off the end, dropped from the redo side at a Push, Reset, stack destroyed).

@@ -1,4 +1,4 @@
-// ActionRenameEntity (type 27, Part 4.2): kind, handle, old and new name. Undo sets the engine name and the
+// ActionRenameEntity (type 27, the entity actions): kind, handle, old and new name. Undo sets the engine name and the
 // tree node's text to the old name, Redo to the new one.
 #pragma once
 #include "Action.h"
@@ -7,7 +7,7 @@
 
 namespace vexil {
 
-// Entity kinds of Part 3.6, and the polygon, which the group tree can rename too (its own kind here).
+// Entity kinds of the selection model, and the polygon, which the group tree can rename too (its own kind here).
 enum EntityKind : int {
     EntityNone = 0,
     EntityGroup = 1,

@@ -1,4 +1,4 @@
-// The envelope of one action (spec Part 4.1): ActionType, and the one action object that matches it.
+// The envelope of one action: ActionType, and the one action object that matches it.
 #pragma once
 #include "Action.h"
 

@@ -1,4 +1,4 @@
-// The one undo stack of the program (spec Part 4.1), with the save marker that is the document's dirty
+// The one undo stack of the program, with the save marker that is the document's dirty
 // flag. Slots are 1-based as specified: slot 0 is never used; StackTop is the slot the next undo takes.
 // References are shared: an envelope returned by Pop stays alive while its caller holds it, as a VB
 // reference does; an action leaves for good (its destructor runs) when the stack and every caller drop it.
@@ -63,7 +63,7 @@ private:
     UndoHost* m_host = nullptr;
 };
 
-// mnuUndo_Click and mnuRedo_Click (Part 4.1): pop (or get the redo object), dispatch on ActionType,
+// mnuUndo_Click and mnuRedo_Click: pop (or get the redo object), dispatch on ActionType,
 // UpdateCameras, SetCaption. Return false when there was nothing to undo or redo.
 bool mnuUndo_Click(ActionUndoRedo_Stack& stack, UndoHost& host);
 bool mnuRedo_Click(ActionUndoRedo_Stack& stack, UndoHost& host);

@@ -9,20 +9,20 @@ class UndoHost {
 public:
     virtual ~UndoHost() = default;
 
-    // Menu enabling (Part 4.1: "a notification to the user-interface layer").
+    // Menu enabling (the action stack: "a notification to the user-interface layer").
     virtual void SetUndoMenuEnabled(bool /*enabled*/) {}
     virtual void SetRedoMenuEnabled(bool /*enabled*/) {}
-    // Form1.SetCaption (Part 2.3), after each Push and each undo or redo.
+    // Form1.SetCaption, after each Push and each undo or redo.
     virtual void SetCaption() {}
-    // Form1.SetMousePtrToHourGlass(bRestore) (Part 2.3): false shows the hourglass, true restores.
+    // Form1.SetMousePtrToHourGlass(bRestore): false shows the hourglass, true restores.
     virtual void SetMousePtrToHourGlass(bool /*bRestore*/) {}
-    // UpdateCameras (Part 3.1): repaint all viewports.
+    // UpdateCameras: repaint all viewports.
     virtual void UpdateCameras() {}
 
     // Tree node text by key ("Group" + handle, "Pol" + handle, "Camera" + handle, ...), in whichever
-    // workspace tree holds that key (Part 2.4). Used by ActionRenameEntity.
+    // workspace tree holds that key. Used by ActionRenameEntity.
     virtual void SetTreeNodeText(const std::string& /*key*/, const std::string& /*text*/) {}
-    // txtSelectedGrpName of the group tab shows the current group's name (Part 2.4).
+    // txtSelectedGrpName of the group tab shows the current group's name.
     virtual void SetSelectedGroupNameText(const std::string& /*text*/) {}
 };
 

@@ -1,4 +1,4 @@
-// Part 1.2: the log's format, the beep mask, the formatter and the trace of nested procedures.
+// the failure reporting: the log's format, the beep mask, the formatter and the trace of nested procedures.
 #include "AppTestSupport.h"
 
 using namespace vexil;

@@ -1,4 +1,4 @@
-// Parts 1.2 to 1.4 through the window: frmPrefrences (language switch, quirks, beep list), formError.
+// failure reporting to language resources through the window: frmPrefrences (language switch, quirks, beep list), formError.
 #include "Form1Fixture.h"
 #include "formError.h"
 #include "frmPrefrences.h"

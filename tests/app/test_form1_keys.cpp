@@ -1,4 +1,4 @@
-// Part 1.1: the key table of Form_KeyDown, with its "down" and "pressed" tests.
+// the application entry: the key table of Form_KeyDown, with its "down" and "pressed" tests.
 #include "Form1Fixture.h"
 #include "InputState.h"
 

@@ -1,4 +1,4 @@
-// Part 1.1: start-up, the splash, close and unload, resize, the tick loop; every menu item.
+// the application entry: start-up, the splash, close and unload, resize, the tick loop; every menu item.
 #include "Form1Fixture.h"
 #include "engine/WorldDocument.h"
 

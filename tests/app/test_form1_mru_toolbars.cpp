@@ -1,4 +1,4 @@
-// Part 1.3: the recent-files list and the toolbar bands' saved state.
+// the preferences: the recent-files list and the toolbar bands' saved state.
 #include "Form1Fixture.h"
 #include "MostRecentUsedFiles.h"
 

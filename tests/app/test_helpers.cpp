@@ -1,4 +1,4 @@
-// Part 1.5 (LinkedList, file helpers), ParseCommand of Part 1.1, and the dialogs and input seams.
+// the shared containers (LinkedList, file helpers), ParseCommand of the application entry, and the dialogs and input seams.
 #include "AppTestSupport.h"
 #include "Form1.h"
 #include "InputState.h"

@@ -1,4 +1,4 @@
-// Part 1.4: the string table, missing strings, satellites, switching, the list of languages.
+// the language resources: the string table, missing strings, satellites, switching, the list of languages.
 #include "AppTestSupport.h"
 
 #include <QSignalSpy>
@@ -13,7 +13,7 @@ TEST_F(LocaleTest, BuiltInTableHoldsEveryIdFrom100To636) {
     EXPECT_EQ(table.size(), 537u);
     for (int id = 100; id <= 636; ++id) {
         if (id == 331 || (id >= 411 && id <= 414) || (id >= 485 && id <= 492) || (id >= 610 && id <= 612)) continue;
-        // The ids that the spec leaves without text are ours; all others are the spec's.
+        // The ids that the design leaves without text are ours; all others are the documented.
         EXPECT_FALSE(GetLocaleString(id).isEmpty()) << id;
     }
     EXPECT_EQ(GetLocaleString(602), QStringLiteral("Vexil 2.0 c"));

@@ -1,4 +1,4 @@
-// Part 1.3: the store ignores the letter case of keys, the kept quirks, the preference loader.
+// the preferences: the store ignores the letter case of keys, the kept quirks, the preference loader.
 #include "AppTestSupport.h"
 
 using namespace vexil;

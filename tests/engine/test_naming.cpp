@@ -1,4 +1,4 @@
-// Naming of new entities (Part 2.4) against the real engine.
+// Naming of new entities against the real engine.
 #include "engine/EntityNaming.h"
 
 #include <zelmar/zelmar.h>

@@ -1,4 +1,4 @@
-// The workspace trees (Part 2.4): keys, images, texts, population rules, rename and node clicks.
+// The workspace trees: keys, images, texts, population rules, rename and node clicks.
 #include "DocTestHost.h"
 
 #include "app/Locale.h"

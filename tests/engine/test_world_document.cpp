@@ -1,4 +1,4 @@
-// World documents (Part 2.3): new, load, save, save as, hold and fetch, add, close, viewer mode.
+// World documents: new, load, save, save as, hold and fetch, add, close, viewer mode.
 #include "DocTestHost.h"
 
 #include "app/ErrLog.h"

@@ -1,4 +1,4 @@
-// formTemplate and formTip (Part 11.2), and the shipped data files they read.
+// formTemplate and formTip, and the shipped data files they read.
 #include "library/formTemplate.h"
 #include "library/formTip.h"
 #include "app/Locale.h"

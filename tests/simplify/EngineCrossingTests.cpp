@@ -91,7 +91,7 @@ TEST_F(EngineCrossing, ExtractionReadsWhatTheInMemoryEngineGives) {
 TEST_F(EngineCrossing, PlaneOrientationAgreesWithPart71) {
     if (!engineIsReal()) GTEST_SKIP() << "engine operations are not real yet";
     if (!planesPointAsSpecified())
-        GTEST_SKIP() << "open: ZELMAR_polygon_get_plane points along (p2-p1)x(p3-p1); Part 7.1 says the engine's planes "
+        GTEST_SKIP() << "open: ZELMAR_polygon_get_plane points along (p2-p1)x(p3-p1); the maths library says the engine's planes "
                         "point the other way. Until settled, WouldFlipNormal refuses every contraction of a group read "
                         "from the engine (docs/simplify.md)";
     SUCCEED();

@@ -1,4 +1,4 @@
-// The undo stack of Part 4.1: push, pop, redo, the limit, deferred destruction, the save-marker arithmetic.
+// The undo stack of the action stack: push, pop, redo, the limit, deferred destruction, the save-marker arithmetic.
 #include "undo/ActionRenameEntity.h"
 #include "undo/ActionUndoRedo_Stack.h"
 #include "undo/UndoHost.h"
