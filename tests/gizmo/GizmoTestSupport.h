@@ -44,6 +44,7 @@ class GizmoHost : public ViewportHost, public SelectionHost {
     SelectionModel* model = nullptr;
     int root = 0;
     SelectMode mode = SelectMode::Entity;
+    int tab = 1;
     std::vector<QString> status3;
 
     bool WorldOpen() override { return true; }
@@ -77,6 +78,7 @@ class GizmoHost : public ViewportHost, public SelectionHost {
     void SelectMultiplePoints() override { model->SelectMultiplePoints(); }
     // SelectionHost
     ActionUndoRedo_Stack& UndoStack() override { return stack; }
+    int WorkspaceTab() override { return tab; }
     frmPicWins* Views() override { return views; }
 };
 
