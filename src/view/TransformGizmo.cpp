@@ -1,15 +1,14 @@
 // TransformGizmo: placement, drawing, hit testing and the drag of one viewport's gizmo.
 #include "TransformGizmo.h"
 
-#include "EntityKinds.h"
 #include "SelectionModel.h"
+#include "SelectionTransforms.h"
 #include "app/InputState.h"
 #include "app/Locale.h"
 #include "app/Preferences.h"
 #include "frmPicWins.h"
 #include "maths/Maths.h"
 #include "picWindow.h"
-#include "undo/ActionTransformEntity.h"
 #include "undo/ActionTransformSubObject.h"
 #include "undo/ActionUndoRedo_Stack.h"
 #include "undo/EntityActions.h"
@@ -30,34 +29,6 @@ SelectMode modeOf(frmPicWins& v) {
     return v.Host().CurrentSelectMode();
 }
 
-std::vector<int> trackIndicesAll(int track) {
-    std::vector<int> all;
-    const int n = ZELMAR_track_get_number_of_points(track);
-    for (int i = 0; i < n; ++i)
-        all.push_back(i);
-    return all;
-}
-
-Vec3 trackCentre(frmPicWins& v, int track) {
-    double c[3];
-    if (v.Host().TrackCenter(track, c)) return {c[0], c[1], c[2]};
-    return TrackCentre(track);
-}
-
-Vec3 plus(const Vec3& a, const Vec3& b) {
-    return {a[0] + b[0], a[1] + b[1], a[2] + b[2]};
-}
-
-// A camera or light of a set turns on its own and swings about the common centre.
-void swingAbout(int kind, int handle, const Vec3& centre, double degrees, int axis) {
-    EntityKindOps& ops = KindOps(kind);
-    Vec3 turn{0, 0, 0};
-    turn[size_t(axis)] = degrees;
-    if (ops.Rotate) ops.Rotate(handle, turn);
-    if (ops.GetLocation && ops.SetLocation)
-        ops.SetLocation(handle, RotateAbout(ops.GetLocation(handle), centre, degrees, axis));
-}
-
 } // namespace
 
 TransformGizmo::TransformGizmo(frmPicWins& views, int index, ActionUndoRedo_Stack& stack)
@@ -71,68 +42,12 @@ TransformGizmo::~TransformGizmo() = default;
 // ---- selection and placement -----------------------------------------------------------------------------
 
 bool TransformGizmo::SelectionExists() const {
-    ViewportHost& h = m_views.Host();
-    if (h.EditTextureMode()) return false;
-    const SelectionState& s = Sel();
-    switch (modeOf(m_views)) {
-    case SelectMode::Point:
-        return s.SelPts.Count() > 0;
-    case SelectMode::Polygon:
-        return s.SelPols.Count() > 0;
-    case SelectMode::TrackPoint:
-        return s.SelTrackPtsCount() > 0;
-    case SelectMode::TrackPointInsert:
-        return false;
-    case SelectMode::Entity:
-        break;
-    }
-    const int t = s.CurrSelEntityType;
-    return (t >= 0 && t <= 4) || t == 6;
-}
-
-bool TransformGizmo::ChoosePivot(Vec3& pivot) const {
-    const SelectionState& s = Sel();
-    switch (modeOf(m_views)) {
-    case SelectMode::Point:
-        pivot = s.SelPtsAvgCenter;
-        return s.SelPts.Count() > 0;
-    case SelectMode::Polygon:
-        pivot = s.SelPolsAvgCenter;
-        return s.SelPols.Count() > 0;
-    case SelectMode::TrackPoint:
-        pivot = s.SelTrackPtsAvgCenter;
-        return s.SelTrackPtsCount() > 0;
-    case SelectMode::TrackPointInsert:
-        return false;
-    case SelectMode::Entity:
-        break;
-    }
-    const int h = s.CurrSelEntity;
-    switch (s.CurrSelEntityType) {
-    case 1:
-        if (ZELMAR_group_is_group(h) != 1) return false;
-        ZELMAR_group_get_rotate_reference_point(h, pivot.data());
-        return true;
-    case 6:
-        pivot = s.SelObjsAvgCenter;
-        return s.MultiSel.TotalCount > 0;
-    case 2:
-    case 4:
-        if (m_views.Host().CurrentEntityHidden() || !KindOps(s.CurrSelEntityType).GetLocation) return false;
-        pivot = KindOps(s.CurrSelEntityType).GetLocation(h);
-        return true;
-    case 3:
-        if (ZELMAR_track_get_number_of_points(h) <= 0) return false;
-        pivot = trackCentre(m_views, h);
-        return true;
-    default:
-        return false;
-    }
+    return vexil::SelectionExists(m_views.Host(), modeOf(m_views));
 }
 
 bool TransformGizmo::Place() {
     Placed = false;
-    if (!SelectionExists() || !ChoosePivot(Pivot)) return false;
+    if (!SelectionPivot(m_views.Host(), modeOf(m_views), Pivot)) return false;
     picWindow* win = m_views.PicWindow(m_index);
     const int cam =
         m_views.ShownCamera(m_index) ? m_views.ShownCamera(m_index) : m_views.ViewCams(m_index).CamHandle;
@@ -328,16 +243,7 @@ void TransformGizmo::DragHandle(int button, int /*x*/, int /*y*/) {
 }
 
 void TransformGizmo::RefreshDependants() {
-    SelectionModel* m = selectionModel();
-    const SelectionState& s = Sel();
-    const SelectMode mode = modeOf(m_views);
-    if (mode == SelectMode::Point || mode == SelectMode::Polygon) return; // the engine reads points afresh
-    if (mode != SelectMode::Entity) return;
-    if (s.CurrSelEntityType == 1) m_views.SelectionBox().Initialize(s.CurrSelEntity);
-    if (s.CurrSelEntityType == 6) {
-        Sel().MultiSel.InitializeBndBoxes();
-        if (m) m->ComputeSelObjsAvgCenter();
-    }
+    RefreshAfterTransform(m_views.Host(), modeOf(m_views), &m_views);
 }
 
 void TransformGizmo::RefreshViewOrViews() {
@@ -353,121 +259,30 @@ void TransformGizmo::MoveSelection(double amount) {
     if (amount == 0 || ActiveAxis < AxisX || ActiveAxis > AxisZ) return;
     Vec3 d{0, 0, 0};
     d[size_t(ActiveAxis)] = amount;
-    SelectionState& s = Sel();
-    SelectionModel* m = selectionModel();
-    switch (modeOf(m_views)) {
-    case SelectMode::Point:
-        MovePoints(s.SelPts.ToVector(), d);
-        if (m) m->ComputeSelPtsAvgCenter();
-        break;
-    case SelectMode::Polygon:
-        MoveWeldSets(SelectedWeldSets(), d);
-        if (m) m->ComputeSelPolsAvgCenter();
-        break;
-    case SelectMode::TrackPoint:
-        MoveTrackPoints(s.CurrSelEntity, SelectedTrackIndices(), d);
-        if (m) m->ComputeSelTrackPtsAvgCenter();
-        break;
-    case SelectMode::TrackPointInsert:
-        return;
-    case SelectMode::Entity: {
-        auto shift = [&](int kind, int h) {
-            EntityKindOps& ops = KindOps(kind);
-            if (ops.GetLocation && ops.SetLocation) ops.SetLocation(h, plus(ops.GetLocation(h), d));
-        };
-        switch (s.CurrSelEntityType) {
-        case 1:
-            ZELMAR_group_move(s.CurrSelEntity, d.data(), 0);
-            break;
-        case 6:
-            for (int g : s.MultiSel.Groups())
-                ZELMAR_group_move(g, d.data(), 0);
-            for (int c : s.MultiSel.Cams())
-                shift(2, c);
-            for (int l : s.MultiSel.Lights())
-                shift(4, l);
-            break;
-        case 2:
-        case 4:
-            shift(s.CurrSelEntityType, s.CurrSelEntity);
-            break;
-        case 3:
-            MoveTrackPoints(s.CurrSelEntity, trackIndicesAll(s.CurrSelEntity), d);
-            break;
-        default:
-            return;
-        }
-        break;
-    }
-    }
+    MoveSelectionBy(m_views.Host(), modeOf(m_views), d);
     TotalMove += amount;
     UpdateStatusbarTransformParams();
 }
 
 void TransformGizmo::RotatePts(double degrees, int axis) {
-    RotatePoints(Sel().SelPts.ToVector(), Sel().SelPtsAvgCenter, degrees, axis);
+    RotateSelectionBy(m_views.Host(), SelectMode::Point, degrees, axis);
 }
 
 void TransformGizmo::RotatePols(double degrees, int axis) {
-    RotateWeldSets(SelectedWeldSets(), Sel().SelPolsAvgCenter, degrees, axis);
+    RotateSelectionBy(m_views.Host(), SelectMode::Polygon, degrees, axis);
 }
 
 void TransformGizmo::Rotate(double amount) {
     if (amount == 0 || ActiveAxis < AxisX || ActiveAxis > AxisZ) return;
     const double degrees = amount * 30;
-    const int axis = ActiveAxis;
-    TotalRotation[size_t(axis)] += degrees;
-    SelectionState& s = Sel();
-    Vec3 turn{0, 0, 0};
-    turn[size_t(axis)] = degrees;
-    switch (modeOf(m_views)) {
-    case SelectMode::Point:
-        RotatePts(degrees, axis);
-        break;
-    case SelectMode::Polygon:
-        RotatePols(degrees, axis);
-        break;
-    case SelectMode::TrackPoint:
-        RotateTrackPoints(s.CurrSelEntity, SelectedTrackIndices(), s.SelTrackPtsAvgCenter, degrees, axis);
-        break;
-    case SelectMode::TrackPointInsert:
-        return;
-    case SelectMode::Entity:
-        switch (s.CurrSelEntityType) {
-        case 1:
-            ZELMAR_group_rotate(s.CurrSelEntity, turn.data(), 0);
-            break;
-        case 6: {
-            // Every member swings about the common centre.
-            const Vec3 centre = s.SelObjsAvgCenter;
-            for (int g : s.MultiSel.Groups()) {
-                Vec3 own{};
-                ZELMAR_group_get_rotate_reference_point(g, own.data());
-                ZELMAR_group_set_rotate_reference_point(g, centre.data());
-                ZELMAR_group_rotate(g, turn.data(), 0);
-                ZELMAR_group_set_rotate_reference_point(g, own.data());
-            }
-            for (int c : s.MultiSel.Cams())
-                swingAbout(2, c, centre, degrees, axis);
-            for (int l : s.MultiSel.Lights())
-                swingAbout(4, l, centre, degrees, axis);
-            break;
-        }
-        case 2:
-        case 4:
-            if (KindOps(s.CurrSelEntityType).Rotate)
-                KindOps(s.CurrSelEntityType).Rotate(s.CurrSelEntity, turn);
-            break;
-        case 3: {
-            const int t = s.CurrSelEntity;
-            RotateTrackPoints(t, trackIndicesAll(t), trackCentre(m_views, t), degrees, axis);
-            break;
-        }
-        default:
-            break;
-        }
-        break;
-    }
+    TotalRotation[size_t(ActiveAxis)] += degrees;
+    const SelectMode mode = modeOf(m_views);
+    if (mode == SelectMode::Point)
+        RotatePts(degrees, ActiveAxis);
+    else if (mode == SelectMode::Polygon)
+        RotatePols(degrees, ActiveAxis);
+    else
+        RotateSelectionBy(m_views.Host(), mode, degrees, ActiveAxis);
     UpdateStatusbarTransformParams();
 }
 
@@ -481,50 +296,9 @@ void TransformGizmo::ChangeScale(double amount) {
         f[size_t(ActiveAxis)] += amount;
     else
         return;
-    // A scale through 0 would flatten the selection for good.
-    for (double v : f)
-        if (!(v > 0)) return;
-    SelectionState& s = Sel();
+    // A step through 0 would flatten the selection for good: it is not taken.
     const SelectMode mode = modeOf(m_views);
-    switch (mode) {
-    case SelectMode::Point:
-        ScalePoints(s.SelPts.ToVector(), s.SelPtsAvgCenter, f);
-        break;
-    case SelectMode::Polygon:
-        ScaleWeldSets(SelectedWeldSets(), s.SelPolsAvgCenter, f);
-        break;
-    case SelectMode::TrackPoint:
-        ScaleTrackPoints(s.CurrSelEntity, SelectedTrackIndices(), s.SelTrackPtsAvgCenter, f);
-        break;
-    case SelectMode::TrackPointInsert:
-        return;
-    case SelectMode::Entity:
-        switch (s.CurrSelEntityType) {
-        case 1:
-            ZELMAR_group_scale(s.CurrSelEntity, 1, f[0], f[1], f[2]);
-            break;
-        case 6: {
-            const Vec3 c = s.SelObjsAvgCenter;
-            for (int g : s.MultiSel.Groups()) {
-                ZELMAR_group_scale(g, 0, f[0], f[1], f[2]);
-                Vec3 l{};
-                ZELMAR_group_get_location(g, l.data());
-                for (size_t k = 0; k < 3; ++k)
-                    l[k] = l[k] - (1.0 - f[k]) * (l[k] - c[k]);
-                ZELMAR_group_set_location(g, l.data());
-            }
-            break;
-        }
-        case 3: {
-            const int t = s.CurrSelEntity;
-            ScaleTrackPoints(t, trackIndicesAll(t), trackCentre(m_views, t), f);
-            break;
-        }
-        default:
-            return; // cameras and lights have no size
-        }
-        break;
-    }
+    if (!ScaleSelectionBy(m_views.Host(), mode, f)) return;
     Vec3& total = mode == SelectMode::TrackPoint ? TotalTrackScale : TotalScale;
     for (size_t k = 0; k < 3; ++k)
         total[k] *= f[k];

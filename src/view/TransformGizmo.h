@@ -84,7 +84,6 @@ class TransformGizmo {
     void DragHandle(int button, int x, int y);
     static double DistSquared(const std::array<int, 2>& a, const std::array<int, 2>& b);
     const std::array<int, 2>& Tip(int axis) const;
-    bool ChoosePivot(Vec3& pivot) const;
     void RefreshDependants();
     void BeginActions();
     void EndActions();
@@ -95,7 +94,6 @@ class TransformGizmo {
     ActionUndoRedo_Stack& m_stack;
     // The action opened at mouse-down (move, or an entity scale), completed at mouse-up.
     std::shared_ptr<ActionUndoRedo> m_open;
-    bool m_openPushed = false;
 };
 
 } // namespace vexil
