@@ -8,6 +8,7 @@
 //   Form1_Keys.cpp      Form_KeyDown / Form_KeyUp, the wheel (ScrollCheck)
 //   Form1_Toolbars.cpp  toolbar bands (CoolBar1): build, save, restore, reset
 //   Form1_Workspace.cpp workspace tabs, viewports, status bar, DocumentHost and UndoHost
+//   Form1_Views.cpp     the viewport area (frmPicWins) and ViewportHost
 //   Form1_Hooks.cpp     the commands that later issues implement (empty bodies until then)
 //
 // To hang code on Form1: add a member function here and its body in your subsystem's folder (a further
@@ -17,6 +18,8 @@
 #include "Dialogs.h"
 #include "engine/DocumentHost.h"
 #include "undo/UndoHost.h"
+#include "view/ViewportHost.h" // viewport wiring (Form1_Views.cpp)
+#include "view/picWindow.h"
 
 #include <QMainWindow>
 #include <QPen>
@@ -49,27 +52,9 @@ class trwCamTrackBK;
 class trwLight;
 class formTip;
 
-// The viewports are plain placeholder widgets until Part 3.1 gives them rendering.
-class PicWindow : public QWidget {
-    Q_OBJECT
-public:
-    PicWindow(int index, QWidget* parent = nullptr);
-    int Index() const { return m_index; }
-    void Clear(); // mnuCloseFile_Click: a blank surface
-signals:
-    void gotFocus(int index);
-    void lostFocus(int index);
-    void mousePressed(int index);
-protected:
-    void paintEvent(QPaintEvent* e) override;
-    void focusInEvent(QFocusEvent* e) override;
-    void focusOutEvent(QFocusEvent* e) override;
-    void mousePressEvent(QMouseEvent* e) override;
-private:
-    int m_index;
-};
+class frmPicWins;
 
-class Form1 : public QMainWindow, public DocumentHost, public UndoHost {
+class Form1 : public QMainWindow, public DocumentHost, public UndoHost, public ViewportHost {
     Q_OBJECT
 public:
     // Workspace tab indices (docs/ui.md: the spec's Parts disagree about the texture and gallery tabs).
@@ -304,8 +289,8 @@ public:
     QToolBar* tlbrCut = nullptr;
     QToolBar* tlbrBtnInsert = nullptr;
     // Viewports.
-    QFrame* frmPicWins = nullptr;
-    std::array<PicWindow*, 4> picWindow{};
+    ::vexil::frmPicWins* frmPicWins = nullptr;
+    std::array<::vexil::picWindow*, 4> picWindow{}; // frmPicWins' windows
     std::array<QLabel*, 4> lblPicView{};
     // Status bar: panels 1 to 6 (index 0 unused) and the progress bar; StatusBar2 stays hidden.
     QStatusBar* StatusBar1 = nullptr;
@@ -351,6 +336,20 @@ public:
     void SetMousePtrToHourGlass(bool bRestore) override;
     void SetTreeNodeText(const std::string& key, const std::string& text) override;
     void SetSelectedGroupNameText(const std::string& text) override;
+    // ---- ViewportHost and the viewport wiring (Form1_Views.cpp) -----------------------------------------
+    void SetViewportCamera(int index, int handle) override;
+    bool WorldOpen() override;
+    int RootGrp() override;
+    double WorldSize() override;
+    double CamMoveFactor() override;
+    void SetCamMoveFactor(double f) override;
+    int SignificantDecimals() override;
+    bool CutStateActive() override;
+    void ReleaseCutButton() override;
+    bool CreateTrackUp() override;
+    void SetWireframePressed(bool pressed) override;
+    // Pushes Form1's mirrors (ActiveWin, ViewHasFocus, ToolMode, GridDisplay, GridSnap, density) to the views.
+    void SyncViewState();
 
 protected:
     void closeEvent(QCloseEvent* e) override;

@@ -11,44 +11,6 @@
 
 namespace vexil {
 
-// Part 3.1 / 3.2: viewports and their cameras (src/view).
-void Form1::ZoomExtentAll() {
-    for (int i = 0; i < 4; ++i) ZoomExtentSingle(i);
-}
-void Form1::ZoomExtentSingle(int) {}
-void Form1::Toggle3DCard() {}
-void Form1::ToggleWireframe() {}
-void Form1::ToggleWindowMinMax() {}
-void Form1::UpdateCamerasSingle(int index) { picWindow_Paint(index); }
-void Form1::picWindow_Paint(int index) {
-    if (index >= 0 && index < 4) picWindow[size_t(index)]->update();
-}
-void Form1::PointViewCameraAt(int, int, int) {}
-// ScrollCheck steps 2 to 5: z = ZELMAR_camera_get_zoom of the active camera; d = eye distance +
-// s * WorldSize * MouseStepFactor * (shift ? 30.0 : 3.0) / z, at least 1e-05; camera.Update,
-// camera.ReSetCamDistFrmEye, picWindow_Paint(ActiveWin).
-void Form1::WheelZoom(int, bool) {}
-void Form1::mnuResetViews_Click() {
-    static const int labelIds[4] = {129, 127, 335, 128};
-    for (int i = 0; i < 4; ++i) {
-        lblPicView[size_t(i)]->setProperty("stringId", labelIds[i]);
-        lblPicView[size_t(i)]->setText(GetLocaleString(labelIds[i]));
-    }
-    UpdateCameras();
-}
-
-// Part 3.3: tool modes and pointers (src/view).
-void Form1::SetToolMode(int mode) { ToolMode = mode; }
-void Form1::picWinSetMousePtr(const QString&) {}
-void Form1::CenterObjInView() {}
-
-// Part 3.5: the grids (src/view).
-void Form1::ToggleGridVisibility(int index) {
-    if (index >= 0 && index < 4) GridDisplay[size_t(index)] = !GridDisplay[size_t(index)];
-}
-void Form1::SetGridDensity(double density) { m_gridDensity = density; }
-double Form1::GridDensity() const { return m_gridDensity; }
-
 // Part 5 and the deformers (src/geometry).
 void Form1::MirrorObjects() {}
 void Form1::DuplicatGrp() {}

@@ -1,4 +1,4 @@
-// Form1: the keyboard (Part 1.1, Form_KeyDown and Form_KeyUp) and the wheel (ScrollCheck).
+// Form1: the keyboard (Part 1.1, Form_KeyDown and Form_KeyUp); the wheel is in Form1_Views.cpp.
 //
 // Form_KeyDown receives the key code and the shift state but reads most keys by polling the input-state
 // seam: "down" is a negative key state, "pressed" a key state of 0x8001 (down, and not reported since
@@ -18,7 +18,7 @@ void Form1::Form_KeyDown(int keyCode, Qt::KeyboardModifiers shift) {
     handleEvent("Form1", "Form_KeyDown", [&] {
         // First, regardless of state: the I key.
         if (keyCode == Qt::Key_I && !KeyIHeld) {
-            PicWindow* w = picWindow[size_t(ActiveWin)];
+            auto* w = picWindow[size_t(ActiveWin)];
             IKeyMousePos = w->mapFromGlobal(inputState().cursorPos());
             if (WorldOpen()) PointViewCameraAt(ActiveWin, IKeyMousePos.x(), IKeyMousePos.y());
             KeyIHeld = true;
@@ -121,25 +121,5 @@ void Form1::Form_KeyDown(int keyCode, Qt::KeyboardModifiers shift) {
 }
 
 void Form1::Form_KeyUp(int, Qt::KeyboardModifiers) { KeyIHeld = false; }
-
-// ---- the wheel ---------------------------------------------------------------------------------------------
-
-int Form1::GetWheelMessages() {
-    // The wheel events of the viewports are kept by the event filter; this empties them.
-    const int sum = m_pendingWheel;
-    m_pendingWheel = 0;
-    return sum;
-}
-
-void Form1::ScrollCheck() {
-    if (!WorldOpen() || !ViewHasFocus) {
-        m_pendingWheel = 0;
-        return;
-    }
-    const int wheel = GetWheelMessages();
-    if (wheel == 0) return;
-    const int s = wheel < 0 ? -1 : 1;
-    handleEvent("Form1", "ScrollCheck", [&] { WheelZoom(s, keyDown(Qt::Key_Shift)); });
-}
 
 } // namespace vexil

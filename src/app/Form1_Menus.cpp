@@ -14,6 +14,7 @@
 #include "frmPrefrences.h"
 #include "library/formTip.h"
 #include "undo/ActionUndoRedo_Stack.h"
+#include "view/frmPicWins.h"
 
 #include <QComboBox>
 #include <QDesktopServices>
@@ -278,10 +279,7 @@ void Form1::ApplyLanguage() {
     refill(cmbNewObjType, {351, 403, 352, 353, 404, 354});
     refill(cmbPolFilter, {365, 362, 363, 364, 366, 367, 368, 369, 370});
     // The viewport labels keep their views; their texts come from the table.
-    for (int i = 0; i < 4; ++i) {
-        const QVariant id = lblPicView[size_t(i)]->property(kStringId);
-        if (id.isValid()) lblPicView[size_t(i)]->setText(GetLocaleString(id.toInt()));
-    }
+    if (frmPicWins) frmPicWins->ApplyLanguage();
 }
 
 // ---- update routines ----------------------------------------------------------------------------------------

@@ -30,42 +30,6 @@
 
 namespace vexil {
 
-// ---- PicWindow ------------------------------------------------------------------------------------------
-
-PicWindow::PicWindow(int index, QWidget* parent) : QWidget(parent), m_index(index) {
-    setObjectName(QStringLiteral("picWindow%1").arg(index));
-    setFocusPolicy(Qt::StrongFocus);
-    setAutoFillBackground(true);
-    QPalette p = palette();
-    p.setColor(QPalette::Window, QColor(96, 96, 96));
-    setPalette(p);
-    setMinimumSize(40, 30);
-}
-
-void PicWindow::Clear() { update(); }
-
-void PicWindow::paintEvent(QPaintEvent*) {
-    QPainter p(this);
-    p.fillRect(rect(), QColor(96, 96, 96));
-    // A placeholder until Part 3.1 renders the engine's picture here: the axes cross at the centre.
-    p.setPen(QColor(120, 120, 120));
-    p.drawLine(width() / 2, 0, width() / 2, height());
-    p.drawLine(0, height() / 2, width(), height() / 2);
-}
-
-void PicWindow::focusInEvent(QFocusEvent* e) {
-    QWidget::focusInEvent(e);
-    emit gotFocus(m_index);
-}
-void PicWindow::focusOutEvent(QFocusEvent* e) {
-    QWidget::focusOutEvent(e);
-    emit lostFocus(m_index);
-}
-void PicWindow::mousePressEvent(QMouseEvent* e) {
-    QWidget::mousePressEvent(e);
-    emit mousePressed(m_index);
-}
-
 // ---- building ---------------------------------------------------------------------------------------------
 
 void Form1::buildWorkspace() {
@@ -191,54 +155,6 @@ void Form1::buildWorkspace() {
     });
 }
 
-void Form1::buildViewports() {
-    auto* l = new QVBoxLayout(Picture2);
-    l->setContentsMargins(0, 0, 0, 0);
-    frmPicWins = new QFrame(Picture2);
-    frmPicWins->setObjectName(QStringLiteral("frmPicWins"));
-    l->addWidget(frmPicWins);
-    auto* grid = new QGridLayout(frmPicWins);
-    grid->setContentsMargins(4, 4, 4, 4);
-    grid->setSpacing(6);
-    // ResetCameras' labels: Top, Front, Perspective, Right for windows 0 to 3.
-    static const int labelIds[4] = {129, 127, 335, 128};
-    for (int i = 0; i < 4; ++i) {
-        auto* cell = new QWidget(frmPicWins);
-        auto* v = new QVBoxLayout(cell);
-        v->setContentsMargins(0, 0, 0, 0);
-        v->setSpacing(1);
-        auto* label = new QLabel(cell);
-        label->setObjectName(QStringLiteral("lblPicView%1").arg(i));
-        label->setProperty("stringId", labelIds[i]);
-        QFont f = label->font();
-        f.setBold(true);
-        label->setFont(f);
-        auto* pic = new PicWindow(i, cell);
-        v->addWidget(label);
-        v->addWidget(pic, 1);
-        grid->addWidget(cell, i / 2, i % 2);
-        lblPicView[size_t(i)] = label;
-        picWindow[size_t(i)] = pic;
-        connect(pic, &PicWindow::gotFocus, this, [this](int k) { picWindow_GotFocus(k); });
-        connect(pic, &PicWindow::lostFocus, this, [this](int k) { picWindow_LostFocus(k); });
-        connect(pic, &PicWindow::mousePressed, this, [this](int k) {
-            ActiveWin = k;
-            ViewHasFocus = true;
-            SetWindowFocus();
-        });
-        pic->installEventFilter(this); // the wheel
-    }
-    grid->setRowStretch(0, 1);
-    grid->setRowStretch(1, 1);
-    grid->setColumnStretch(0, 1);
-    grid->setColumnStretch(1, 1);
-    m_focusFrame = new QFrame(frmPicWins);
-    m_focusFrame->setObjectName(QStringLiteral("shpFocus"));
-    m_focusFrame->setAttribute(Qt::WA_TransparentForMouseEvents);
-    m_focusFrame->hide();
-    frmPicWins->installEventFilter(this);
-}
-
 void Form1::buildStatusBar() {
     StatusBar1 = statusBar();
     StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
@@ -270,29 +186,6 @@ void Form1::buildStatusBar() {
 
 // ---- focus, tabs, combo boxes --------------------------------------------------------------------------------
 
-void Form1::SetWindowFocus() {
-    if (!m_focusFrame) return;
-    m_focusFrame->hide();
-    PicWindow* w = picWindow[size_t(ActiveWin)];
-    const QRect r(w->mapTo(frmPicWins, QPoint(0, 0)), w->size());
-    m_focusFrame->setGeometry(r.adjusted(-3, -3, 3, 3));
-    m_focusFrame->lower();
-    m_focusFrame->setStyleSheet(ViewHasFocus ? QStringLiteral("QFrame#shpFocus { background: rgb(255,255,0); }")
-                                             : QStringLiteral("QFrame#shpFocus { background: rgb(0,0,225); }"));
-    m_focusFrame->show();
-}
-
-void Form1::picWindow_GotFocus(int index) {
-    ActiveWin = index;
-    ViewHasFocus = true;
-    SetWindowFocus();
-}
-
-void Form1::picWindow_LostFocus(int) {
-    ViewHasFocus = false;
-    SetWindowFocus();
-}
-
 void Form1::tabWorkspace_Click(int index) {
     if (m_document) m_document->tabWorkspace_Click(index);
 }
@@ -323,16 +216,6 @@ void Form1::InitialiseSpinners() {
 // ---- events ------------------------------------------------------------------------------------------------
 
 bool Form1::eventFilter(QObject* obj, QEvent* e) {
-    if (e->type() == QEvent::Wheel) {
-        for (PicWindow* p : picWindow)
-            if (obj == p) {
-                // Kept for ScrollCheck, which takes the wheel in the tick loop.
-                m_pendingWheel += static_cast<QWheelEvent*>(e)->angleDelta().y();
-                return true;
-            }
-    }
-    if (obj == frmPicWins && e->type() == QEvent::Resize && m_focusFrame && m_focusFrame->isVisible())
-        QMetaObject::invokeMethod(this, [this] { SetWindowFocus(); }, Qt::QueuedConnection);
     if (e->type() == QEvent::KeyPress || e->type() == QEvent::KeyRelease) {
         auto* w = qobject_cast<QWidget*>(obj);
         auto* k = static_cast<QKeyEvent*>(e);
@@ -373,7 +256,7 @@ void Form1::SetStatusPanel(int panel, const QString& text) {
 void Form1::SetBusyPointers(bool busy) {
     if (busy == m_busy) return;
     m_busy = busy;
-    for (PicWindow* p : picWindow) {
+    for (auto* p : picWindow) {
         if (busy) p->setCursor(Qt::WaitCursor);
         else p->unsetCursor();
     }
@@ -414,20 +297,6 @@ void Form1::SetNewWorldCombos(const QString& cmbObjText, const QString& cmbObjEd
     };
     choose(cmbObj, cmbObjText);
     choose(cmbObjEditGeom, cmbObjEditGeomText);
-}
-
-void Form1::ClearViewports() {
-    for (PicWindow* p : picWindow) p->Clear();
-}
-
-void Form1::UpdateCameras() {
-    if (!WorldOpen()) return;
-    for (int i = 0; i < 4; ++i) {
-        if (i == ActiveWin) continue;
-        PicWindow* w = picWindow[size_t(i)];
-        if (w->width() > 5 && w->height() > 5) picWindow_Paint(i); // above 75 twips
-    }
-    picWindow_Paint(ActiveWin);
 }
 
 void Form1::SetCmbObjItems(const QStringList& items, int chosen) {
