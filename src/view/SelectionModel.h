@@ -221,6 +221,8 @@ class SelectionModel {
 
   private:
     void makeActiveCameraCurrent();
+    // The selected point nearest to SelPtsAvgCenter, from the points' locations (three per point).
+    void nearestPoint(const std::vector<double>& xyz);
     void bandScanEntities(const PixelRect& r, bool adding, bool strictVisibility);
     void scanPoints(const PixelRect& r, bool backFaceTest, const std::function<void(int)>& hit);
     void scanPolygons(const PixelRect& r, bool backFaceTest, const std::function<void(int)>& hit);

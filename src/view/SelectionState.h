@@ -28,9 +28,9 @@ struct SelectionState {
     MultipleSelection MultiSel, PrevMultiSel;
 
     HandleArray SelPts{SelPtsCapacity};
-    HandleArray SelPtsPols{SelPolsCapacity};
+    HandleArray SelPtsPols{SelPolsCapacity, false};
     HandleArray SelPols{SelPolsCapacity};
-    HandleArray SelPolsWeldedPts{SelPtsCapacity};
+    HandleArray SelPolsWeldedPts{SelPtsCapacity, false};
     // 1-based 0-based track point indices; slot 0 unused.
     std::vector<int> SelTrackPts{0};
     int SelTrackPtsCount() const { return static_cast<int>(SelTrackPts.size()) - 1; }

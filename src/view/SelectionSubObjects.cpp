@@ -178,25 +178,33 @@ void SelectionModel::ComputeSelPtsAvgCenter() {
     SelectionState& s = Sel();
     const int n = s.SelPts.Count();
     if (n == 0) return;
+    // Each location is read once: the sum and the nearest search share it.
+    std::vector<double> xyz(static_cast<size_t>(n) * 3);
     Vec3 sum{0, 0, 0};
     for (int i = 1; i <= n; ++i) {
-        double p[3];
+        double* p = &xyz[static_cast<size_t>(i - 1) * 3];
         ZELMAR_point_get_xyz(s.SelPts[i], p);
         for (int k = 0; k < 3; ++k)
             sum[k] += p[k];
     }
     for (int k = 0; k < 3; ++k)
         s.SelPtsAvgCenter[k] = sum[k] / n;
-    SetPtNearestToAvgCenter();
+    nearestPoint(xyz);
 }
 
 void SelectionModel::SetPtNearestToAvgCenter() {
     SelectionState& s = Sel();
+    std::vector<double> xyz(static_cast<size_t>(s.SelPts.Count()) * 3);
+    for (int i = 1; i <= s.SelPts.Count(); ++i)
+        ZELMAR_point_get_xyz(s.SelPts[i], &xyz[static_cast<size_t>(i - 1) * 3]);
+    nearestPoint(xyz);
+}
+
+void SelectionModel::nearestPoint(const std::vector<double>& xyz) {
+    SelectionState& s = Sel();
     double best = SelectionState::FarAway;
     for (int i = 1; i <= s.SelPts.Count(); ++i) {
-        double p[3];
-        ZELMAR_point_get_xyz(s.SelPts[i], p);
-        const double d = distance(p, s.SelPtsAvgCenter);
+        const double d = distance(&xyz[static_cast<size_t>(i - 1) * 3], s.SelPtsAvgCenter);
         if (d < best) {
             best = d;
             s.PtNearestToAvgCenter = s.SelPts[i];
@@ -432,7 +440,6 @@ void SelectionModel::mnuSelectAll_Click() {
         ThingsToDoOnSelectedEntityChange();
         PushSelectIfChanged();
     }
-    if (frmPicWins* v = Views()) v->UpdateCameras();
 }
 
 void SelectionModel::mnuSelectInvert_Click() {
@@ -446,14 +453,13 @@ void SelectionModel::mnuSelectInvert_Click() {
         const std::vector<int> old = arr.Slots();
         const int oldCount = arr.Count();
         // What was selected, one entry per occurrence; each item of the group met in it is used up once.
-        std::unordered_map<int, int> was;
+        OccurrenceTable was;
         for (int i = 1; i <= oldCount; ++i)
-            ++was[old[static_cast<size_t>(i)]];
+            was.Add(old[static_cast<size_t>(i)], 1);
         arr.Clear();
         auto take = [&](int h) {
-            auto it = was.find(h);
-            if (it != was.end() && it->second > 0)
-                --it->second;
+            if (was.Get(h) > 0)
+                was.Add(h, -1);
             else
                 arr.Append(h);
         };
@@ -504,7 +510,6 @@ void SelectionModel::mnuSelectInvert_Click() {
         ThingsToDoOnSelectedEntityChange();
         PushSelectIfChanged();
     }
-    if (frmPicWins* v = Views()) v->UpdateCameras();
 }
 
 void SelectionModel::SelectAllObjects() {

@@ -67,6 +67,28 @@ TEST(HandleArrays, RunningPastTheCapacityIsASubscriptErrorThatKeepsWhatWasThere)
     EXPECT_EQ(a.ToVector(), (std::vector<int>{8, 9}));
 }
 
+TEST(HandleArrays, TheOccurrenceTableSurvivesGrowthAndHandlesThatCameAndWent) {
+    OccurrenceTable t;
+    std::mt19937 rng(3);
+    std::vector<int> ref(5000, 0);
+    for (int step = 0; step < 60000; ++step) {
+        const int h = int(rng() % 4999) + 1;
+        const int d = (rng() % 3 == 0) ? -1 : 1;
+        const int want = std::max(0, ref[size_t(h)] + d);
+        ref[size_t(h)] = want;
+        ASSERT_EQ(t.Add(h, d), want);
+    }
+    for (int h = 1; h < 5000; ++h)
+        ASSERT_EQ(t.Get(h), ref[size_t(h)]) << h;
+    EXPECT_EQ(t.Get(0), 0);
+    // An array without the table answers the same by counting.
+    HandleArray plain(100, false);
+    plain.Assign({4, 4, 6});
+    EXPECT_EQ(plain.Occurrences(4), 2);
+    EXPECT_TRUE(plain.RemoveFirst(4));
+    EXPECT_EQ(plain.ToVector(), (std::vector<int>{4, 6}));
+}
+
 class EntitySets : public ::testing::Test {
   protected:
     void SetUp() override {
