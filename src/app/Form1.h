@@ -51,6 +51,7 @@ class trwGroupView;
 class trwCamTrackBK;
 class trwLight;
 class formTip;
+class CreatePanel;
 
 class frmPicWins;
 
@@ -298,6 +299,20 @@ public:
     QProgressBar* ProgressBar1 = nullptr;
     QWidget* StatusBar2 = nullptr;
     QPointer<formTip> TipForm;
+
+    // ---- the create panel of the Edit Group tab (src/geometry/Form1_Create.cpp) ---------------------------
+    CreatePanel* frmCreate = nullptr; // holds cmbNewObjType and spnBoxDim
+    void cmdCreate_Click();
+    // Create > Standard Groups: kind 0 plane, 1 box, 2 sphere, 3 cylinder, 4 cone, 5 torus.
+    void mnuStandardGroups_Click(int kind);
+    // ---- the transform gizmos and the typed transform panel (src/view/Form1_Gizmo.cpp) -------------------
+    void DrawGizmo(int index, QPainter& p) override;
+    void Gizmo_MouseDown(int index, int button, int x, int y) override;
+    void Gizmo_MouseUp(int index, int button, int x, int y) override;
+    void Gizmo_MouseMoveRotateScale(int index, int button, int x, int y) override;
+    void UpdateTransformGizmo(int button, int x, int y) override;
+    // frmTransformParameters for kind 0 move, 1 rotate, 2 scale.
+    void ShowTransformParameters(int kind);
 
     // ---- DocumentHost ------------------------------------------------------------------------------
     ActionUndoRedo_Stack& UndoStack() override;

@@ -5,6 +5,7 @@
 
 #include "Locale.h"
 #include "Preferences.h"
+#include "view/Form1_Gizmo.h"
 #include "view/Form1_Selection.h"
 
 #include <QLabel>
@@ -42,7 +43,11 @@ void Form1::PluginsKeyDown(int, Qt::KeyboardModifiers) {}
 void Form1::CreateSharedObjects() {
     m_gridDensity = ReadGridDensity();
     InstallSelection(*this);
+    InstallGizmos(*this);
 }
-void Form1::ReleaseSharedObjects() { ReleaseSelection(); }
+void Form1::ReleaseSharedObjects() {
+    ReleaseGizmos();
+    ReleaseSelection();
+}
 
 } // namespace vexil

@@ -10,6 +10,7 @@
 #include "Spinner.h"
 #include "engine/WorkspaceTrees.h"
 #include "engine/WorldDocument.h"
+#include "geometry/CreatePanel.h"
 #include "undo/ActionUndoRedo_Stack.h"
 
 #include <QApplication>
@@ -83,12 +84,17 @@ void Form1::buildWorkspace() {
     cmbObj->setObjectName(QStringLiteral("cmbObj"));
     cmbObjEditGeom = new QComboBox(edit);
     cmbObjEditGeom->setObjectName(QStringLiteral("cmbObjEditGeom"));
-    cmbNewObjType = new QComboBox(edit);
-    cmbNewObjType->setObjectName(QStringLiteral("cmbNewObjType"));
-    spnBoxDim = new Spinner(edit);
-    spnBoxDim->setObjectName(QStringLiteral("spnBoxDim"));
-    spnBoxDim->setRange(0, 1e9);
-    spnBoxDim->SetValue(100);
+    // The create panel holds the kind and the sizes of a new object (src/geometry).
+    frmCreate = new CreatePanel(edit);
+    cmbNewObjType = frmCreate->cmbNewObjType;
+    spnBoxDim = frmCreate->spnBoxDim[0];
+    connect(frmCreate, &CreatePanel::cmdCreateClicked, this,
+            [this] { handleEvent("Form1", "cmdCreate_Click", [&] { cmdCreate_Click(); }); });
+    const QAction* standard[6] = {mnuPlane, mnuBox, mnuSphere, mnuCylinder, mnuCone, mnuTorus};
+    for (int k = 0; k < 6; ++k)
+        connect(standard[k], &QAction::triggered, this, [this, k] {
+            handleEvent("Form1", "mnuStandardGroups_Click", [&] { mnuStandardGroups_Click(k); });
+        });
     for (int i = 0; i < 2; ++i) {
         spnExtBvl[size_t(i)] = new Spinner(edit);
         spnExtBvl[size_t(i)]->setObjectName(QStringLiteral("spnExtBvl%1").arg(i));
@@ -102,8 +108,7 @@ void Form1::buildWorkspace() {
     cut->setProperty("tipId", 198);
     form->addRow(cmbObj);
     form->addRow(cmbObjEditGeom);
-    form->addRow(cmbNewObjType);
-    form->addRow(spnBoxDim);
+    form->addRow(frmCreate);
     form->addRow(spnExtBvl[0]);
     form->addRow(spnExtBvl[1]);
     form->addRow(cmbPolFilter);

@@ -88,6 +88,7 @@ void CreatePanel::SetParameters(const CreateParams& p) {
 }
 
 void CreatePanel::cmbNewObjType_Click() {
+    if (cmbNewObjType->currentIndex() < 0) return; // the list is being refilled
     // The values typed for the kind that was shown stay with it.
     if (m_shownKind >= 0) {
         CreateParams old = Parameters();
