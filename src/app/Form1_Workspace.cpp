@@ -215,7 +215,9 @@ void Form1::cmbNewObjType_InitialSetup() {
 }
 
 void Form1::InitialiseSpinners() {
-    for (Spinner* s : findChildren<Spinner*>()) s->setDecimals(std::clamp(Prefs().SignificantDecimals, 0, 10));
+    // Counts (property "wholeNumbers") keep no decimals.
+    for (Spinner* s : findChildren<Spinner*>())
+        if (!s->property("wholeNumbers").toBool()) s->setDecimals(std::clamp(Prefs().SignificantDecimals, 0, 10));
 }
 
 // ---- events ------------------------------------------------------------------------------------------------

@@ -44,6 +44,7 @@ CreatePanel::CreatePanel(QWidget* parent) : QWidget(parent) {
         spnBoxSegments[size_t(i)] = new Spinner(this);
         spnBoxSegments[size_t(i)]->setObjectName(QStringLiteral("spnBoxSegments%1").arg(i));
         spnBoxSegments[size_t(i)]->setDecimals(0);
+        spnBoxSegments[size_t(i)]->setProperty("wholeNumbers", true);
         spnBoxSegments[size_t(i)]->setRange(1, MaxSegs);
         spnBoxSegments[size_t(i)]->SetStep(1);
         grid->addWidget(lblBoxSegments[size_t(i)], 4 + i, 0);

@@ -6,9 +6,11 @@
 #include "app/Form1.h"
 #include "frmPicWins.h"
 #include "frmTransformParameters.h"
+#include "library/formTip.h"
 
 #include <QAction>
 #include <QEvent>
+#include <QTimer>
 #include <QToolBar>
 #include <memory>
 
@@ -53,13 +55,34 @@ void watchToolButtons(Form1& f) {
 
 } // namespace
 
-ViewGizmos* FormGizmos() { return g_gizmos.get(); }
-frmTransformParameters* FormTransformParameters() { return g_panel.data(); }
+ViewGizmos* FormGizmos() {
+    return g_gizmos.get();
+}
+frmTransformParameters* FormTransformParameters() {
+    return g_panel.data();
+}
+
+// For pictures of the gizmo (docs/gizmo.md): VEXIL_DEMO_GIZMO=move|rotate|scale makes a box once the window
+// runs, selects it and takes that tool.
+static void demoGizmo(Form1& f) {
+    const QString tool = qEnvironmentVariable("VEXIL_DEMO_GIZMO").toLower();
+    const int mode = tool == QLatin1String("rotate") ? 2 : tool == QLatin1String("scale") ? 3 : 1;
+    QTimer::singleShot(300, &f, [&f, mode] {
+        if (!f.WorldOpen()) return;
+        if (f.TipForm) f.TipForm->close();
+        f.resize(1500, 950);
+        f.mnuStandardGroups_Click(1);
+        static const char* const keys[4] = {"", "Move", "Rotate", "Scale"};
+        if (QAction* a = f.ToolbarButton(QString::fromLatin1(keys[mode]))) a->trigger();
+        f.ZoomExtentAll();
+    });
+}
 
 void InstallGizmos(Form1& f) {
     g_form = &f;
     if (f.frmPicWins) g_gizmos = std::make_unique<ViewGizmos>(*f.frmPicWins, f.UndoStack());
     watchToolButtons(f);
+    if (qEnvironmentVariableIsSet("VEXIL_DEMO_GIZMO")) demoGizmo(f);
 }
 
 void ReleaseGizmos() {
