@@ -363,6 +363,26 @@ public:
     void ReleaseCutButton() override;
     bool CreateTrackUp() override;
     void SetWireframePressed(bool pressed) override;
+    // ---- ViewportHost: the selection's hooks (src/view/Form1_Selection.cpp) ------------------------------
+    SelectMode CurrentSelectMode() override;
+    bool EditTextureMode() override;
+    int SelPtsCount() override;
+    int SelPolsCount() override;
+    void SelPtsAvgCenter(double c[3]) override;
+    void SelPolsAvgCenter(double c[3]) override;
+    void SelObjsAvgCenter(double c[3]) override;
+    bool GetSelObjsBoundingBx(double mn[3], double mx[3]) override;
+    bool CurrentEntityHidden() override;
+    void MultipleSelection(int button, int x, int y) override;
+    void SelectMultiplePoints() override;
+    void SelectMultiplePols() override;
+    void SelectMultipleTrackPts() override;
+    void SelectMultipleObjects() override;
+    void ShowContextMenu(int x, int y) override;
+    void DrawSelectedPts(int index, QPainter& p) override;
+    void DrawSelectedPols(int index, QPainter& p) override;
+    void DrawSelectedTrackPts(int index, QPainter& p) override;
+    void DrawMultiSelection(int index, QPainter& p, bool wireframe) override;
     // Pushes Form1's mirrors (ActiveWin, ViewHasFocus, ToolMode, GridDisplay, GridSnap, density) to the views.
     void SyncViewState();
 

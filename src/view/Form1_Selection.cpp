@@ -17,6 +17,7 @@
 #include <QPointer>
 #include <QTabWidget>
 #include <QToolBar>
+#include <algorithm>
 #include <memory>
 
 namespace vexil {
@@ -222,10 +223,14 @@ void Form1::ShowSelectionWindow() {
     if (g_model) g_model->ShowSelectionWindow();
 }
 void Form1::mnuSelectAll_Click() {
-    if (g_model) g_model->mnuSelectAll_Click();
+    if (!g_model) return;
+    g_model->mnuSelectAll_Click();
+    UpdateCameras();
 }
 void Form1::mnuSelectInvert_Click() {
-    if (g_model) g_model->mnuSelectInvert_Click();
+    if (!g_model) return;
+    g_model->mnuSelectInvert_Click();
+    UpdateCameras();
 }
 void Form1::DeleteSelected() {
     if (g_model) g_model->DeleteSelected();
@@ -260,6 +265,56 @@ void Form1::WorldChanged() {
 
 void Form1::ClearWorldState() {
     if (g_model) g_model->ClearWorldState();
+}
+
+// ---- ViewportHost --------------------------------------------------------------------------------------------------
+
+SelectMode Form1::CurrentSelectMode() { return g_host ? g_host->CurrentSelectMode() : SelectMode::Entity; }
+bool Form1::EditTextureMode() {
+    return tabWorkspace->currentIndex() == TabEditGroup && cmbObj->currentText() == GetLocaleString(324);
+}
+int Form1::SelPtsCount() { return Sel().SelPts.Count(); }
+int Form1::SelPolsCount() { return Sel().SelPols.Count(); }
+void Form1::SelPtsAvgCenter(double c[3]) { std::copy(Sel().SelPtsAvgCenter.begin(), Sel().SelPtsAvgCenter.end(), c); }
+void Form1::SelPolsAvgCenter(double c[3]) {
+    std::copy(Sel().SelPolsAvgCenter.begin(), Sel().SelPolsAvgCenter.end(), c);
+}
+void Form1::SelObjsAvgCenter(double c[3]) {
+    std::copy(Sel().SelObjsAvgCenter.begin(), Sel().SelObjsAvgCenter.end(), c);
+}
+bool Form1::GetSelObjsBoundingBx(double mn[3], double mx[3]) {
+    return g_model && g_model->GetSelObjsBoundingBx(mn, mx);
+}
+bool Form1::CurrentEntityHidden() { return g_model && g_model->CurrentEntityHidden(); }
+void Form1::MultipleSelection(int button, int x, int y) {
+    if (g_model) g_model->MultipleSelection(button, x, y);
+}
+void Form1::SelectMultiplePoints() {
+    if (g_model) g_model->SelectMultiplePoints();
+}
+void Form1::SelectMultiplePols() {
+    if (g_model) g_model->SelectMultiplePols();
+}
+void Form1::SelectMultipleTrackPts() {
+    if (g_model) g_model->SelectMultipleTrackPts();
+}
+void Form1::SelectMultipleObjects() {
+    if (g_model) g_model->SelectEntitiesAtMouseUp();
+}
+void Form1::ShowContextMenu(int x, int y) {
+    if (g_model) g_model->ShowContextMenu(x, y);
+}
+void Form1::DrawSelectedPts(int index, QPainter& p) {
+    if (g_model) g_model->DrawSelectedPts(index, p);
+}
+void Form1::DrawSelectedPols(int index, QPainter& p) {
+    if (g_model) g_model->DrawSelectedPols(index, p);
+}
+void Form1::DrawSelectedTrackPts(int index, QPainter& p) {
+    if (g_model) g_model->DrawSelectedTrackPts(index, p);
+}
+void Form1::DrawMultiSelection(int index, QPainter& p, bool wireframe) {
+    if (g_model) g_model->DrawMultiSelection(index, p, wireframe);
 }
 
 } // namespace vexil
