@@ -3,7 +3,6 @@
 #include "app/Dialogs.h"
 #include "app/Form1.h"
 #include "app/Locale.h"
-#include "engine/WorldDocument.h"
 #include "view/Form1_Selection.h"
 #include "view/SelectionModel.h"
 
