@@ -98,8 +98,7 @@ void EntityRecord::DeletePermanently() const {
     }
 }
 
-// ---- ActionDelete
-// -------------------------------------------------------------------------------------------
+// ---- ActionDelete -------------------------------------------------------------------------------
 
 ActionDelete::~ActionDelete() {
     if (!m_undone) m_entity.DeletePermanently();
@@ -117,8 +116,7 @@ void ActionDelete::Redo() {
     m_undone = false;
 }
 
-// ---- ActionCreate
-// -------------------------------------------------------------------------------------------
+// ---- ActionCreate -------------------------------------------------------------------------------
 
 ActionCreate::~ActionCreate() {
     if (m_undone) m_entity.DeletePermanently();

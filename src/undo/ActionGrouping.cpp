@@ -26,8 +26,7 @@ std::vector<int> fathersOf(const std::vector<int>& groups) {
 
 } // namespace
 
-// ---- ActionGroupTogather
-// ------------------------------------------------------------------------------------
+// ---- ActionGroupTogather ------------------------------------------------------------------------
 
 ActionGroupTogather::~ActionGroupTogather() {
     // Undone: the father made by the command is a corpse that nothing else can reach.
@@ -67,8 +66,7 @@ void ActionGroupTogather::Redo() {
     m_undone = false;
 }
 
-// ---- ActionUnGroup
-// ------------------------------------------------------------------------------------------
+// ---- ActionUnGroup ------------------------------------------------------------------------------
 
 ActionUnGroup::~ActionUnGroup() {
     // Done, and the container was taken away: it is a corpse now.
@@ -113,8 +111,7 @@ void ActionUnGroup::Redo() {
     m_undone = false;
 }
 
-// ---- ActionChangeFatherGrp
-// ----------------------------------------------------------------------------------
+// ---- ActionChangeFatherGrp ----------------------------------------------------------------------
 
 void ActionChangeFatherGrp::SetChildGrps(const std::vector<int>& children) {
     m_children = children;
@@ -129,8 +126,7 @@ void ActionChangeFatherGrp::Redo() {
     if (SelectionModel* m = selectionModel()) m->ChangeFathers(m_children, m_newFathers);
 }
 
-// ---- ActionReplaceGrp
-// ---------------------------------------------------------------------------------------
+// ---- ActionReplaceGrp ---------------------------------------------------------------------------
 
 void ActionReplaceGrp::SetGrpThatWasReplaced(int group) {
     const SelectionState& s = Sel();

@@ -47,8 +47,7 @@ void allLights(MultipleSelection& set, bool hidden) {
 
 } // namespace
 
-// ---- ActionHide
-// ---------------------------------------------------------------------------------------------
+// ---- ActionHide ---------------------------------------------------------------------------------
 
 void ActionHide::SetEntityHidden(int kind, int handle, const MultipleSelection* set) {
     setHiddenEntity(m_hidden, kind, handle, set);
@@ -110,8 +109,7 @@ void ActionHide::Redo() {
     restore(m_after);
 }
 
-// ---- ActionUnhide
-// -------------------------------------------------------------------------------------------
+// ---- ActionUnhide -------------------------------------------------------------------------------
 
 void ActionUnhide::SetEntityUnHidden(int kind, int handle, const MultipleSelection* set) {
     setHiddenEntity(m_unhidden, kind, handle, set);

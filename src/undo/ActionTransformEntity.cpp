@@ -60,8 +60,7 @@ void TransformedEntity::Set(int k, int h, const MultipleSelection* s) {
         set.Reset();
 }
 
-// ---- ActionMove
-// ---------------------------------------------------------------------------------------------
+// ---- ActionMove ---------------------------------------------------------------------------------
 
 void ActionMove::move(const Loc3& at, const Loc3& from) {
     if (m_e.kind != 6) {
@@ -87,8 +86,7 @@ void ActionMove::move(const Loc3& at, const Loc3& from) {
         centre[k] += d[k];
 }
 
-// ---- ActionRotate
-// -------------------------------------------------------------------------------------------
+// ---- ActionRotate -------------------------------------------------------------------------------
 
 void ActionRotate::turn(double amount, int axis) {
     if (axis < 0 || axis > 2) return;
@@ -124,8 +122,7 @@ void ActionRotate::Redo() {
     refreshBox(m_e.kind, m_e.handle);
 }
 
-// ---- ActionScale
-// --------------------------------------------------------------------------------------------
+// ---- ActionScale --------------------------------------------------------------------------------
 
 void ActionScale::SetScaledEntity(int kind, int handle, const MultipleSelection* set) {
     m_e.Set(kind, handle, set);
@@ -189,8 +186,7 @@ void ActionScale::Redo() {
     refreshBox(1, m_e.handle);
 }
 
-// ---- ActionAlign
-// --------------------------------------------------------------------------------------------
+// ---- ActionAlign --------------------------------------------------------------------------------
 
 std::vector<Loc3> ActionAlign::read() const {
     std::vector<Loc3> locs;

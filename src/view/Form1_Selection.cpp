@@ -216,8 +216,7 @@ void ReleaseSelection() {
     g_host.reset();
 }
 
-// ---- Form1
-// -------------------------------------------------------------------------------------------------------
+// ---- Form1 --------------------------------------------------------------------------------------
 
 void Form1::ShowSelectionWindow() {
     if (g_model) g_model->ShowSelectionWindow();
@@ -267,15 +266,23 @@ void Form1::ClearWorldState() {
     if (g_model) g_model->ClearWorldState();
 }
 
-// ---- ViewportHost --------------------------------------------------------------------------------------------------
+// ---- ViewportHost -------------------------------------------------------------------------------
 
-SelectMode Form1::CurrentSelectMode() { return g_host ? g_host->CurrentSelectMode() : SelectMode::Entity; }
+SelectMode Form1::CurrentSelectMode() {
+    return g_host ? g_host->CurrentSelectMode() : SelectMode::Entity;
+}
 bool Form1::EditTextureMode() {
     return tabWorkspace->currentIndex() == TabEditGroup && cmbObj->currentText() == GetLocaleString(324);
 }
-int Form1::SelPtsCount() { return Sel().SelPts.Count(); }
-int Form1::SelPolsCount() { return Sel().SelPols.Count(); }
-void Form1::SelPtsAvgCenter(double c[3]) { std::copy(Sel().SelPtsAvgCenter.begin(), Sel().SelPtsAvgCenter.end(), c); }
+int Form1::SelPtsCount() {
+    return Sel().SelPts.Count();
+}
+int Form1::SelPolsCount() {
+    return Sel().SelPols.Count();
+}
+void Form1::SelPtsAvgCenter(double c[3]) {
+    std::copy(Sel().SelPtsAvgCenter.begin(), Sel().SelPtsAvgCenter.end(), c);
+}
 void Form1::SelPolsAvgCenter(double c[3]) {
     std::copy(Sel().SelPolsAvgCenter.begin(), Sel().SelPolsAvgCenter.end(), c);
 }
@@ -285,7 +292,9 @@ void Form1::SelObjsAvgCenter(double c[3]) {
 bool Form1::GetSelObjsBoundingBx(double mn[3], double mx[3]) {
     return g_model && g_model->GetSelObjsBoundingBx(mn, mx);
 }
-bool Form1::CurrentEntityHidden() { return g_model && g_model->CurrentEntityHidden(); }
+bool Form1::CurrentEntityHidden() {
+    return g_model && g_model->CurrentEntityHidden();
+}
 void Form1::MultipleSelection(int button, int x, int y) {
     if (g_model) g_model->MultipleSelection(button, x, y);
 }

@@ -6,8 +6,7 @@
 
 namespace vexil {
 
-// ---- OccurrenceTable
-// ------------------------------------------------------------------------------------------
+// ---- OccurrenceTable ----------------------------------------------------------------------------
 
 namespace {
 // Engine handles come from a counter: handles made together lie close together, and the identity keeps
@@ -66,8 +65,7 @@ void OccurrenceTable::Clear() {
     m_used = m_filled = 0;
 }
 
-// ---- HandleArray
-// ------------------------------------------------------------------------------------------------
+// ---- HandleArray --------------------------------------------------------------------------------
 
 void HandleArray::Append(int handle) {
     if (Count() + 1 >= m_capacity) raiseError(ErrSubscript, "Subscript out of range");

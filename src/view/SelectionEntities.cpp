@@ -272,8 +272,7 @@ void SelectionModel::ShowContextMenu(int x, int y) {
     m_host.PopupEntityMenu(type, global);
 }
 
-// ---- pivot of entities
-// -------------------------------------------------------------------------------------
+// ---- pivot of entities --------------------------------------------------------------------------
 
 void SelectionModel::ComputeSelObjsAvgCenter() {
     SelectionState& s = Sel();
@@ -321,8 +320,7 @@ void SelectionModel::SetObjNearestToObjsAvgCenter() {
     }
 }
 
-// ---- the rubber band
-// ---------------------------------------------------------------------------------------
+// ---- the rubber band ----------------------------------------------------------------------------
 
 void SelectionModel::MultipleSelection(int button, int x, int y) {
     frmPicWins* v = Views();

@@ -232,8 +232,7 @@ void SelectionModel::mnuUngroupAll_Click() {
     if (frmPicWins* v = Views()) v->UpdateCameras();
 }
 
-// ---- menus
-// --------------------------------------------------------------------------------------------------
+// ---- menus --------------------------------------------------------------------------------------
 
 void SelectionModel::mnuGroup_ShowOnlyRelavant() {
     const SelectionState& s = Sel();

@@ -282,8 +282,7 @@ void SelectionModel::treeViewHighlightNode(int type, int handle, bool mark) {
     }
 }
 
-// ---- trees
-// --------------------------------------------------------------------------------------------------
+// ---- trees --------------------------------------------------------------------------------------
 
 void SelectionModel::SelectEntityFromTree(int kind, int handle) {
     if (!m_host.WorldOpen() || handle == 0) return;
@@ -367,8 +366,7 @@ int SelectionModel::pushSubSelection(int type, const std::vector<int>& oldSlots,
     return type;
 }
 
-// ---- world
-// --------------------------------------------------------------------------------------------------
+// ---- world --------------------------------------------------------------------------------------
 
 void SelectionModel::ClearWorldState() {
     Sel().Clear();

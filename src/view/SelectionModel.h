@@ -224,7 +224,9 @@ class SelectionModel {
     // The selected point nearest to SelPtsAvgCenter, from the points' locations (three per point).
     void nearestPoint(const std::vector<double>& xyz);
     void bandScanEntities(const PixelRect& r, bool adding, bool strictVisibility);
-    void scanPoints(const PixelRect& r, bool backFaceTest, const std::function<void(int)>& hit);
+    // hit(point, its polygon) for each point of the current group in the rectangle.
+    void scanPoints(const PixelRect& r, bool backFaceTest, const std::function<void(int, int)>& hit);
+    void freshSelection(const PixelRect& r, std::vector<int>* owners);
     void scanPolygons(const PixelRect& r, bool backFaceTest, const std::function<void(int)>& hit);
     std::vector<int> scanTrackPoints(const PixelRect& r);
     int keyMode(); // 1 add (Ctrl), 2 remove (Shift), 0 fresh

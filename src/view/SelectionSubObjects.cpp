@@ -39,10 +39,10 @@ PixelRect widened(PixelRect r) {
 
 } // namespace
 
-// ---- the scans
-// ---------------------------------------------------------------------------------------------
+// ---- the scans ----------------------------------------------------------------------------------
 
-void SelectionModel::scanPoints(const PixelRect& r, bool backFaceTest, const std::function<void(int)>& hit) {
+void SelectionModel::scanPoints(const PixelRect& r, bool backFaceTest,
+                                const std::function<void(int, int)>& hit) {
     makeActiveCameraCurrent();
     double eye[3] = {0, 0, 0};
     ZELMAR_camera_get_location(ZELMAR_camera_get_current(), eye);
@@ -59,7 +59,7 @@ void SelectionModel::scanPoints(const PixelRect& r, bool backFaceTest, const std
             int px[2] = {0, 0};
             ZELMAR_point_get_xyz(pt, xyz);
             if (ZELMAR_engine_3D_point_to_2D(xyz, px) != 0) continue;
-            if (r.Contains(px[0], px[1])) hit(pt);
+            if (r.Contains(px[0], px[1])) hit(pt, pol);
         }
     }
 }
@@ -105,8 +105,7 @@ std::vector<int> SelectionModel::scanTrackPoints(const PixelRect& r) {
     return hits;
 }
 
-// ---- points
-// --------------------------------------------------------------------------------------------------
+// ---- points -------------------------------------------------------------------------------------
 
 void SelectionModel::SelectMultiplePoints() {
     frmPicWins* v = Views();
@@ -121,36 +120,49 @@ void SelectionModel::SelectMultiplePoints() {
     switch (keyMode()) {
     case 1:
         AddToSelection(r);
+        UpdateSelPtsPolArray();
         break;
     case 2:
         RemoveFromSelection(r);
+        UpdateSelPtsPolArray();
         break;
-    default:
-        FreshSelection(r);
+    default: {
+        // A fresh scan meets the points in the order of the group's walk, each once: the owner of each hit,
+        // in the order of the hits, is what UpdateSelPtsPolArray would find by walking the group again.
+        std::vector<int> owners;
+        freshSelection(r, &owners);
+        s.SelPtsPols.Assign(owners);
         break;
     }
-    UpdateSelPtsPolArray();
+    }
     ComputeSelPtsAvgCenter();
     if (a) a->SetNewSelPts(s.SelPts.Slots(), s.SelPts.Count());
     m_host.UndoStack().Push(env);
 }
 
 void SelectionModel::FreshSelection(const PixelRect& r) {
+    freshSelection(r, nullptr);
+}
+
+void SelectionModel::freshSelection(const PixelRect& r, std::vector<int>* owners) {
     HandleArray& pts = Sel().SelPts;
     pts.Clear();
-    scanPoints(r, m_host.IgnoreBackFacedForPtSel(), [&](int pt) { pts.Append(pt); });
+    scanPoints(r, m_host.IgnoreBackFacedForPtSel(), [&](int pt, int pol) {
+        pts.Append(pt);
+        if (owners) owners->push_back(pol);
+    });
 }
 
 void SelectionModel::AddToSelection(const PixelRect& r) {
     HandleArray& pts = Sel().SelPts;
-    scanPoints(r, m_host.IgnoreBackFacedForPtSel(), [&](int pt) {
+    scanPoints(r, m_host.IgnoreBackFacedForPtSel(), [&](int pt, int) {
         if (!PtAlreadyPartOfSelPtsArray(pt)) pts.Append(pt);
     });
 }
 
 void SelectionModel::RemoveFromSelection(const PixelRect& r) {
     std::vector<int> hits;
-    scanPoints(r, m_host.IgnoreBackFacedForPtSel(), [&](int pt) { hits.push_back(pt); });
+    scanPoints(r, m_host.IgnoreBackFacedForPtSel(), [&](int pt, int) { hits.push_back(pt); });
     Sel().SelPts.RemoveFirstOfEach(hits);
 }
 
@@ -212,8 +224,7 @@ void SelectionModel::nearestPoint(const std::vector<double>& xyz) {
     }
 }
 
-// ---- polygons
-// ------------------------------------------------------------------------------------------------
+// ---- polygons -----------------------------------------------------------------------------------
 
 void SelectionModel::SelectMultiplePols() {
     frmPicWins* v = Views();
@@ -334,8 +345,7 @@ void SelectionModel::SetPtNearestToPolsAvgCenter() {
     }
 }
 
-// ---- track points
-// --------------------------------------------------------------------------------------------
+// ---- track points -------------------------------------------------------------------------------
 
 void SelectionModel::SelectMultipleTrackPts() {
     frmPicWins* v = Views();
@@ -395,8 +405,7 @@ void SelectionModel::ComputeSelTrackPtsAvgCenter() {
         s.SelTrackPtsAvgCenter[k] = sum[k] / n;
 }
 
-// ---- select all and invert
-// -----------------------------------------------------------------------------------
+// ---- select all and invert ----------------------------------------------------------------------
 
 void SelectionModel::SelectAllPoints() {
     SelectionState& s = Sel();
@@ -548,8 +557,7 @@ void SelectionModel::SelectAllLights() {
         if (ZELMAR_light_get_save_flag(l) == 1 && !IsLightHidden(l)) m.AddLightHandles(l);
 }
 
-// ---- overlays
-// ------------------------------------------------------------------------------------------------
+// ---- overlays -----------------------------------------------------------------------------------
 
 void SelectionModel::DrawSelectedPts(int, QPainter& p) {
     const SelectionState& s = Sel();

@@ -146,8 +146,7 @@ void formSelectionWindow::MarkCurrentSelection() {
     }
 }
 
-// ---- the model's side
-// -----------------------------------------------------------------------------------------
+// ---- the model's side ---------------------------------------------------------------------------
 
 void SelectionModel::ShowSelectionWindow() {
     if (!m_host.WorldOpen()) return;

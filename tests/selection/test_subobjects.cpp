@@ -97,6 +97,10 @@ TEST_F(SubObjects, BackFacesAreLeftOutOfABandWhenAsked) {
     band(Right, c - QPoint(60, 60), c + QPoint(60, 60));
     const int all = sel().SelPts.Count();
     EXPECT_EQ(all, 24);
+    // The owners found by the scan are those a walk of the group finds.
+    const std::vector<int> owners = sel().SelPtsPols.ToVector();
+    model->UpdateSelPtsPolArray();
+    EXPECT_EQ(sel().SelPtsPols.ToVector(), owners);
     host.ignoreBackPts = true;
     band(Right, c - QPoint(60, 60), c + QPoint(60, 60));
     EXPECT_GT(sel().SelPts.Count(), 0);
