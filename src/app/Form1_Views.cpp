@@ -60,6 +60,9 @@ void Form1::buildViewports() {
     frmPicWins->setObjectName(QStringLiteral("frmPicWins"));
     // Form_KeyDown (key preview) runs the key table; the picture windows must not run it a second time.
     frmPicWins->HandlesOwnKeys = false;
+    // The main window opens at 6500 twips high with menus, bands and status bar around the views: the area's
+    // own minimum would force it taller.
+    frmPicWins->setMinimumHeight(0);
     l->addWidget(frmPicWins);
     for (int i = 0; i < 4; ++i) {
         picWindow[size_t(i)] = frmPicWins->PicWindow(i);
