@@ -383,6 +383,7 @@ public:
     void DrawSelectedPols(int index, QPainter& p) override;
     void DrawSelectedTrackPts(int index, QPainter& p) override;
     void DrawMultiSelection(int index, QPainter& p, bool wireframe) override;
+    int ChooseViewCamera() override;
     // Pushes Form1's mirrors (ActiveWin, ViewHasFocus, ToolMode, GridDisplay, GridSnap, density) to the views.
     void SyncViewState();
 

@@ -325,5 +325,6 @@ void Form1::DrawSelectedTrackPts(int index, QPainter& p) {
 void Form1::DrawMultiSelection(int index, QPainter& p, bool wireframe) {
     if (g_model) g_model->DrawMultiSelection(index, p, wireframe);
 }
+int Form1::ChooseViewCamera() { return g_model ? g_model->ChooseViewCamera() : 0; }
 
 } // namespace vexil
