@@ -134,6 +134,36 @@ TEST_F(EntitySelection, ABandOverGroupsAndALightGivesSeveral) {
     EXPECT_EQ(sel().MultiSel.TotalCount, 3);
 }
 
+TEST_F(EntitySelection, ABandThatTouchesACameraMarkerSelectsTheCamera) {
+    const int cam = ZELMAR_camera_create("Camera01");
+    ZELMAR_camera_set_save_flag(cam, 1);
+    const int marker = ZELMAR_group_create("");
+    addBox(marker, {-150, 0, 250}, 20);
+    host.camMarkers[marker] = cam;
+    const QPoint p = pixelOf(Right, {-150, 0, 250});
+    band(Right, p - QPoint(6, 6), p + QPoint(6, 6));
+    EXPECT_EQ(sel().CurrSelEntityType, 2);
+    EXPECT_EQ(sel().CurrSelEntity, cam);
+    EXPECT_EQ(sel().ClickedEntityType, 0); // a band leaves the clicked entity alone
+    click(Right, p);
+    EXPECT_EQ(sel().ClickedCamGrp, marker);
+    EXPECT_EQ(sel().CurrSelEntity, cam);
+}
+
+TEST_F(EntitySelection, CtrlAndShiftTogetherAddAndAimTheViewAtASingleGroup) {
+    camera& cam = views->ViewCams(Right);
+    const double before[3] = {cam.LookAt[0], cam.LookAt[1], cam.LookAt[2]};
+    fake->press(Qt::Key_Control);
+    fake->press(Qt::Key_Shift);
+    click(Right, pixelOf(Right, {250, 0, 0}));
+    fake->releaseAll();
+    EXPECT_EQ(sel().CurrSelEntity, world.b); // Ctrl's add applies
+    double loc[3];
+    ZELMAR_group_get_location(world.b, loc);
+    EXPECT_GT(std::abs(cam.LookAt[0] - before[0]) + std::abs(cam.LookAt[2] - before[2]), 1.0);
+    EXPECT_NEAR(cam.LookAt[0], loc[0], 1e-6);
+}
+
 TEST_F(EntitySelection, AHiddenGroupIsLeftOutOfBandsAndSelectAll) {
     click(Right, aPix());
     model->mnuHideSelected_Click();

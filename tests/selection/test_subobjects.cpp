@@ -153,6 +153,43 @@ TEST_F(SubObjects, APolygonClickPassesThroughNothingAndABandTakesTheSubtree) {
     EXPECT_EQ(pushes(), 5);
 }
 
+TEST_F(SubObjects, AClickTakesABackFacingPolygonThatTheEngineShowsAndABandDoesNot) {
+    // The sheet is seen from both sides; make its first quad face away from the Right view's camera.
+    double plane[4], eye[3];
+    ZELMAR_polygon_get_plane(q1, plane);
+    ZELMAR_camera_get_location(views->ViewCams(Right).CamHandle, eye);
+    if (ZELMAR_math_get_plane_point_relations(plane, eye, 0.0) != 2) {
+        ZELMAR_polygon_set_group(q1, 0);
+        const int p = ZELMAR_polygon_create();
+        const double v[4][3] = {{-100, 0, -200}, {0, 0, -200}, {0, 0, -300}, {-100, 0, -300}};
+        for (auto& c : v) {
+            const double vert[6] = {c[0], c[1], c[2], 0, 0, 100};
+            ZELMAR_polygon_add_point(p, vert);
+        }
+        ZELMAR_polygon_set_group(p, d);
+        ZELMAR_engine_add_polygon(p);
+        q1 = p;
+        ZELMAR_polygon_get_plane(q1, plane);
+        ASSERT_EQ(ZELMAR_math_get_plane_point_relations(plane, eye, 0.0), 2);
+    }
+    current(d);
+    host.mode = SelectMode::Polygon;
+    host.ignoreBackPols = true;
+    const QPoint c = pixelOf(Right, {-50, 0, -250});
+    click(Right, c);
+    ASSERT_EQ(sel().SelPols.Count(), 1);
+    EXPECT_EQ(sel().SelPols[1], q1);
+    // A band over the quad's outer corners only (its inner ones are the neighbour's too).
+    const QPoint lo = pixelOf(Right, {-100, 0, -300}), hi = pixelOf(Right, {-100, 0, -200});
+    const QRect outer = QRect(lo, hi).normalized().adjusted(-4, -4, 4, 4);
+    band(Right, outer.topLeft(), outer.bottomRight());
+    EXPECT_EQ(sel().SelPols.Count(), 0);
+    host.ignoreBackPols = false;
+    band(Right, outer.topLeft(), outer.bottomRight());
+    ASSERT_EQ(sel().SelPols.Count(), 1);
+    EXPECT_EQ(sel().SelPols[1], q1);
+}
+
 TEST_F(SubObjects, TheWeldedSetsOfSelectedPolygonsAppearOnce) {
     current(d);
     WeldTable().Clear();
