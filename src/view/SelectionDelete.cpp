@@ -3,6 +3,8 @@
 // too, since it is the mirror of a deletion.
 #include "SelectionModel.h"
 
+#include "app/VexilError.h"
+
 #include "EntityKinds.h"
 #include "engine/EntityNaming.h"
 #include "engine/WorkspaceTrees.h"
@@ -103,43 +105,45 @@ void SelectionModel::mnuGroupMenuDelete_Click() {
 }
 
 void SelectionModel::DeleteSelected() {
-    if (!m_host.WorldOpen()) return;
-    SelectionState& s = Sel();
-    const int type = s.CurrSelEntityType;
-    if (type == 1) {
-        // Points and polygons of an open "Edit Geometry" are deleted by the geometry tools.
-        const SelectMode mode = m_host.CurrentSelectMode();
-        if (m_host.WorkspaceTab() == 1 && m_host.EditGeometryOpen() &&
-            (mode == SelectMode::Point || mode == SelectMode::Polygon))
+    propagate("Form1", "DeleteSelected", [&] {
+        if (!m_host.WorldOpen()) return;
+        SelectionState& s = Sel();
+        const int type = s.CurrSelEntityType;
+        if (type == 1) {
+            // Points and polygons of an open "Edit Geometry" are deleted by the geometry tools.
+            const SelectMode mode = m_host.CurrentSelectMode();
+            if (m_host.WorkspaceTab() == 1 && m_host.EditGeometryOpen() &&
+                (mode == SelectMode::Point || mode == SelectMode::Polygon))
+                return;
+            mnuGroupMenuDelete_Click();
             return;
-        mnuGroupMenuDelete_Click();
-        return;
-    }
-    if (type == 6) {
-        s.SelPtsPols.Clear();
-        s.SelPts.Clear();
-        s.SelPols.Clear();
-        DeleteMultiple();
-        s.CurrSelEntityType = 0;
-        s.PrevSelEntityType = 0;
-        s.MultiSel.Reset();
-        ThingsToDoOnSelectedEntityChange();
-        m_host.UpdateStatusBar();
-        if (frmPicWins* v = Views()) v->UpdateCameras();
-        return;
-    }
-    if (type >= 2 && type <= 5) {
-        EntityKindOps& ops = KindOps(type);
-        if (!ops.FakeDelete || !ops.UnDelete) return;
-        ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionDelete);
-        if (auto* a = env->As<ActionDelete>()) a->SetDeletedEntity(type, s.CurrSelEntity);
-        m_host.UndoStack().Push(env);
-        ops.FakeDelete(s.CurrSelEntity);
-        SetPrevSelEntityToCurrSelEntity();
-        s.CurrSelEntityType = 0;
-        ThingsToDoOnSelectedEntityChange();
-        if (frmPicWins* v = Views()) v->UpdateCameras();
-    }
+        }
+        if (type == 6) {
+            s.SelPtsPols.Clear();
+            s.SelPts.Clear();
+            s.SelPols.Clear();
+            DeleteMultiple();
+            s.CurrSelEntityType = 0;
+            s.PrevSelEntityType = 0;
+            s.MultiSel.Reset();
+            ThingsToDoOnSelectedEntityChange();
+            m_host.UpdateStatusBar();
+            if (frmPicWins* v = Views()) v->UpdateCameras();
+            return;
+        }
+        if (type >= 2 && type <= 5) {
+            EntityKindOps& ops = KindOps(type);
+            if (!ops.FakeDelete || !ops.UnDelete) return;
+            ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionDelete);
+            if (auto* a = env->As<ActionDelete>()) a->SetDeletedEntity(type, s.CurrSelEntity);
+            m_host.UndoStack().Push(env);
+            ops.FakeDelete(s.CurrSelEntity);
+            SetPrevSelEntityToCurrSelEntity();
+            s.CurrSelEntityType = 0;
+            ThingsToDoOnSelectedEntityChange();
+            if (frmPicWins* v = Views()) v->UpdateCameras();
+        }
+    });
 }
 
 void SelectionModel::SelectCreatedGroup(int group) {

@@ -2,6 +2,8 @@
 // selection of entities, and the context menus of the picked kind.
 #include "SelectionModel.h"
 
+#include "app/VexilError.h"
+
 #include "EntityKinds.h"
 #include "app/InputState.h"
 #include "frmPicWins.h"
@@ -257,11 +259,13 @@ void SelectionModel::SelectMultipleObjects() {
 }
 
 void SelectionModel::SelectEntitiesAtMouseUp() {
-    SetPrevSelEntityToCurrSelEntity();
-    SelectMultipleObjects();
-    ThingsToDoOnSelectedEntityChange();
-    if (frmPicWins* v = Views()) v->UpdateCameras();
-    PushSelectIfChanged();
+    propagate("Form1", "SelectEntitiesAtMouseUp", [&] {
+        SetPrevSelEntityToCurrSelEntity();
+        SelectMultipleObjects();
+        ThingsToDoOnSelectedEntityChange();
+        if (frmPicWins* v = Views()) v->UpdateCameras();
+        PushSelectIfChanged();
+    });
 }
 
 void SelectionModel::ShowContextMenu(int x, int y) {

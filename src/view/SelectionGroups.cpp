@@ -2,6 +2,8 @@
 // a group, ungroup everything below the selection; and which of these the selection allows.
 #include "SelectionModel.h"
 
+#include "app/VexilError.h"
+
 #include "app/Dialogs.h"
 #include "app/Locale.h"
 #include "engine/EntityNaming.h"
@@ -108,59 +110,66 @@ std::vector<int> SelectionModel::SelectedGrpUngroup() {
 }
 
 void SelectionModel::mnuGroupTogether_Click() {
-    if (!m_host.WorldOpen()) return;
-    const std::vector<int> groups = SelectedGroups();
-    if (groups.empty()) return;
-    const QString typed = dialogs().inputBox(
-        GetLocaleString(377), QString(), QString::fromLocal8Bit(GetNewGrpNameFrmGivenStr("Group").c_str()));
-    if (typed.trimmed().isEmpty()) return;
-    const std::string name = GetNewGrpNameFrmGivenStr(typed.trimmed().toLocal8Bit().toStdString());
-    // The new group hangs where the selected groups hang, or under the root when they differ.
-    int father = ZELMAR_group_get_father_group(groups.front());
-    for (int g : groups)
-        if (ZELMAR_group_get_father_group(g) != father) father = RootGrp();
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionGroupTogather);
-    auto* a = env->As<ActionGroupTogather>();
-    if (!a) return;
-    a->SetChildGrpsToCurrGrpSelection();
-    a->SetNewFatherName(name);
-    const int g = GroupSelectedUnderNewGrp(name, groups, father);
-    a->SetNewFather(g, father);
-    m_host.UndoStack().Push(env);
+    propagate("Form1", "mnuGroupTogether_Click", [&] {
+        if (!m_host.WorldOpen()) return;
+        const std::vector<int> groups = SelectedGroups();
+        if (groups.empty()) return;
+        const QString typed =
+            dialogs().inputBox(GetLocaleString(377), QString(),
+                               QString::fromLocal8Bit(GetNewGrpNameFrmGivenStr("Group").c_str()));
+        if (typed.trimmed().isEmpty()) return;
+        const std::string name = GetNewGrpNameFrmGivenStr(typed.trimmed().toLocal8Bit().toStdString());
+        // The new group hangs where the selected groups hang, or under the root when they differ.
+        int father = ZELMAR_group_get_father_group(groups.front());
+        for (int g : groups)
+            if (ZELMAR_group_get_father_group(g) != father) father = RootGrp();
+        ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionGroupTogather);
+        auto* a = env->As<ActionGroupTogather>();
+        if (!a) return;
+        a->SetChildGrpsToCurrGrpSelection();
+        a->SetNewFatherName(name);
+        const int g = GroupSelectedUnderNewGrp(name, groups, father);
+        a->SetNewFather(g, father);
+        m_host.UndoStack().Push(env);
+    });
 }
 
 void SelectionModel::mnuUngroup_Click() {
-    SelectionState& s = Sel();
-    if (!m_host.WorldOpen() || s.CurrSelEntityType != 1) return;
-    const int g = s.CurrSelEntity;
-    if (childGroupsOf(g).empty()) return;
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionUnGroup);
-    auto* a = env->As<ActionUnGroup>();
-    if (!a) return;
-    a->SetChildGrpsToCurrGrpSelection();
-    a->SetOldFatherName(EntityName(g));
-    SelectedGrpUngroup();
-    a->SetOldFatherRemoved(ZELMAR_group_get_father_group(g) == 0);
-    m_host.UndoStack().Push(env);
+    propagate("Form1", "mnuUngroup_Click", [&] {
+        SelectionState& s = Sel();
+        if (!m_host.WorldOpen() || s.CurrSelEntityType != 1) return;
+        const int g = s.CurrSelEntity;
+        if (childGroupsOf(g).empty()) return;
+        ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionUnGroup);
+        auto* a = env->As<ActionUnGroup>();
+        if (!a) return;
+        a->SetChildGrpsToCurrGrpSelection();
+        a->SetOldFatherName(EntityName(g));
+        SelectedGrpUngroup();
+        a->SetOldFatherRemoved(ZELMAR_group_get_father_group(g) == 0);
+        m_host.UndoStack().Push(env);
+    });
 }
 
 void SelectionModel::mnuAttach_Click() {
-    if (!m_host.WorldOpen()) return;
-    const std::vector<int> groups = SelectedGroups();
-    if (groups.empty()) return;
-    const int target = ChooseGroupToAttach();
-    if (target == 0) return;
-    // No group goes under itself or under one of its own descendants.
-    for (int g : groups)
-        if (g == target || ZELMAR_group_is_groupA_included_in_groupB(target, g) == 1) return;
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionChangeFatherGrp);
-    auto* a = env->As<ActionChangeFatherGrp>();
-    if (!a) return;
-    a->SetChildGrps(groups);
-    a->SetParentGrps(std::vector<int>(groups.size(), target));
-    m_host.UndoStack().Push(env);
-    ChangeFathers(groups, std::vector<int>(groups.size(), target));
-    if (frmPicWins* v = Views()) v->UpdateCameras();
+    propagate("Form1", "mnuAttach_Click", [&] {
+        if (!m_host.WorldOpen()) return;
+        const std::vector<int> groups = SelectedGroups();
+        if (groups.empty()) return;
+        const int target = ChooseGroupToAttach();
+        if (target == 0) return;
+        // No group goes under itself or under one of its own descendants.
+        for (int g : groups)
+            if (g == target || ZELMAR_group_is_groupA_included_in_groupB(target, g) == 1) return;
+        ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionChangeFatherGrp);
+        auto* a = env->As<ActionChangeFatherGrp>();
+        if (!a) return;
+        a->SetChildGrps(groups);
+        a->SetParentGrps(std::vector<int>(groups.size(), target));
+        m_host.UndoStack().Push(env);
+        ChangeFathers(groups, std::vector<int>(groups.size(), target));
+        if (frmPicWins* v = Views()) v->UpdateCameras();
+    });
 }
 
 void SelectionModel::mnuDetach_Click() {
@@ -197,39 +206,41 @@ void SelectionModel::mnuGroupMenuRemoveFromGroup_Click() {
 }
 
 void SelectionModel::mnuUngroupAll_Click() {
-    if (!m_host.WorldOpen()) return;
-    const std::vector<int> groups = SelectedGroups();
-    std::vector<int> descendants;
-    for (int top : groups)
-        for (int g = ZELMAR_group_get_first_included_group(top); g != 0;
-             g = ZELMAR_group_get_next_included_group(g))
-            descendants.push_back(g);
-    if (descendants.empty()) return;
-    if (dialogs().msgBox(GetLocaleString(361), MsgYesNoCancel, MsgQuestion) != vbYes) return;
-    m_host.UndoStack().Reset();
-    const int root = RootGrp();
-    ChangeFathers(descendants, std::vector<int>(descendants.size(), root));
-    // Containers left empty go for good: there is no undo to bring them back.
-    std::vector<int> freed;
-    for (int g : groups) {
-        if (ZELMAR_group_get_number_of_polygons(g) == 0) {
-            FakeDeleteGroup(g);
-            DeleteGroupPermanently(g);
-        } else {
-            freed.push_back(g);
+    propagate("Form1", "mnuUngroupAll_Click", [&] {
+        if (!m_host.WorldOpen()) return;
+        const std::vector<int> groups = SelectedGroups();
+        std::vector<int> descendants;
+        for (int top : groups)
+            for (int g = ZELMAR_group_get_first_included_group(top); g != 0;
+                 g = ZELMAR_group_get_next_included_group(g))
+                descendants.push_back(g);
+        if (descendants.empty()) return;
+        if (dialogs().msgBox(GetLocaleString(361), MsgYesNoCancel, MsgQuestion) != vbYes) return;
+        m_host.UndoStack().Reset();
+        const int root = RootGrp();
+        ChangeFathers(descendants, std::vector<int>(descendants.size(), root));
+        // Containers left empty go for good: there is no undo to bring them back.
+        std::vector<int> freed;
+        for (int g : groups) {
+            if (ZELMAR_group_get_number_of_polygons(g) == 0) {
+                FakeDeleteGroup(g);
+                DeleteGroupPermanently(g);
+            } else {
+                freed.push_back(g);
+            }
         }
-    }
-    for (int g : descendants) {
-        if (ZELMAR_group_get_number_of_polygons(g) == 0) {
-            FakeDeleteGroup(g);
-            DeleteGroupPermanently(g);
-        } else {
-            freed.push_back(g);
+        for (int g : descendants) {
+            if (ZELMAR_group_get_number_of_polygons(g) == 0) {
+                FakeDeleteGroup(g);
+                DeleteGroupPermanently(g);
+            } else {
+                freed.push_back(g);
+            }
         }
-    }
-    Sel().PrevSelEntityType = 0;
-    selectAfterGrouping(6, freed);
-    if (frmPicWins* v = Views()) v->UpdateCameras();
+        Sel().PrevSelEntityType = 0;
+        selectAfterGrouping(6, freed);
+        if (frmPicWins* v = Views()) v->UpdateCameras();
+    });
 }
 
 // ---- menus --------------------------------------------------------------------------------------

@@ -2,6 +2,8 @@
 // fathers and children, and the commands of the View menu and the context menus.
 #include "SelectionModel.h"
 
+#include "app/VexilError.h"
+
 #include "EntityKinds.h"
 #include "engine/WorkspaceTrees.h"
 #include "frmPicWins.h"
@@ -157,49 +159,55 @@ void SelectionModel::ThingsToDoAfterUnhiding() {
 }
 
 void SelectionModel::mnuHideSelected_Click() {
-    if (!m_host.WorldOpen()) return;
-    SelectionState& s = Sel();
-    const int type = s.CurrSelEntityType;
-    if (type != 1 && type != 2 && type != 4 && type != 6) return;
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionHide);
-    auto* a = env->As<ActionHide>();
-    if (!a) return;
-    a->SetEntityHidden(type, s.CurrSelEntity, &s.MultiSel);
-    a->SetEntitySelBeforeHide(type, s.CurrSelEntity, s.MultiSel);
-    a->SetEntitySelAfterHide(type, s.CurrSelEntity, s.MultiSel);
-    m_host.UndoStack().Push(env);
-    const vexil::MultipleSelection hidden = s.MultiSel;
-    HideUnhideEntity(type, s.CurrSelEntity, &hidden, true);
-    ThingsToDoAfterHiding();
+    propagate("Form1", "mnuHideSelected_Click", [&] {
+        if (!m_host.WorldOpen()) return;
+        SelectionState& s = Sel();
+        const int type = s.CurrSelEntityType;
+        if (type != 1 && type != 2 && type != 4 && type != 6) return;
+        ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionHide);
+        auto* a = env->As<ActionHide>();
+        if (!a) return;
+        a->SetEntityHidden(type, s.CurrSelEntity, &s.MultiSel);
+        a->SetEntitySelBeforeHide(type, s.CurrSelEntity, s.MultiSel);
+        a->SetEntitySelAfterHide(type, s.CurrSelEntity, s.MultiSel);
+        m_host.UndoStack().Push(env);
+        const vexil::MultipleSelection hidden = s.MultiSel;
+        HideUnhideEntity(type, s.CurrSelEntity, &hidden, true);
+        ThingsToDoAfterHiding();
+    });
 }
 
 void SelectionModel::mnuHideUnSelected_Click() {
-    if (!m_host.WorldOpen()) return;
-    SelectionState& s = Sel();
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionHide);
-    auto* a = env->As<ActionHide>();
-    if (!a) return;
-    a->HidingUnselected();
-    if (a->Hidden().set.TotalCount == 0) return;
-    a->SetEntitySelBeforeHide(s.CurrSelEntityType, s.CurrSelEntity, s.MultiSel);
-    a->SetEntitySelAfterHide(s.CurrSelEntityType, s.CurrSelEntity, s.MultiSel);
-    m_host.UndoStack().Push(env);
-    HideUnhideMultiple(a->Hidden().set, true);
-    ThingsToDoAfterHiding();
+    propagate("Form1", "mnuHideUnSelected_Click", [&] {
+        if (!m_host.WorldOpen()) return;
+        SelectionState& s = Sel();
+        ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionHide);
+        auto* a = env->As<ActionHide>();
+        if (!a) return;
+        a->HidingUnselected();
+        if (a->Hidden().set.TotalCount == 0) return;
+        a->SetEntitySelBeforeHide(s.CurrSelEntityType, s.CurrSelEntity, s.MultiSel);
+        a->SetEntitySelAfterHide(s.CurrSelEntityType, s.CurrSelEntity, s.MultiSel);
+        m_host.UndoStack().Push(env);
+        HideUnhideMultiple(a->Hidden().set, true);
+        ThingsToDoAfterHiding();
+    });
 }
 
 void SelectionModel::mnuUnhideAll_Click() {
-    if (!m_host.WorldOpen()) return;
-    SelectionState& s = Sel();
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionUnhide);
-    auto* a = env->As<ActionUnhide>();
-    if (!a) return;
-    a->UnHidingAllObjects();
-    if (a->Unhidden().set.TotalCount == 0) return;
-    a->SetEntitySelBeforeUnhide(s.CurrSelEntityType, s.CurrSelEntity, s.MultiSel);
-    m_host.UndoStack().Push(env);
-    HideUnhideMultiple(a->Unhidden().set, false);
-    ThingsToDoAfterUnhiding();
+    propagate("Form1", "mnuUnhideAll_Click", [&] {
+        if (!m_host.WorldOpen()) return;
+        SelectionState& s = Sel();
+        ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionUnhide);
+        auto* a = env->As<ActionUnhide>();
+        if (!a) return;
+        a->UnHidingAllObjects();
+        if (a->Unhidden().set.TotalCount == 0) return;
+        a->SetEntitySelBeforeUnhide(s.CurrSelEntityType, s.CurrSelEntity, s.MultiSel);
+        m_host.UndoStack().Push(env);
+        HideUnhideMultiple(a->Unhidden().set, false);
+        ThingsToDoAfterUnhiding();
+    });
 }
 
 void SelectionModel::mnuGroupMenuHide_Click() {

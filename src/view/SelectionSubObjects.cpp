@@ -2,6 +2,8 @@
 // pivots, select all and invert in each mode, and the overlays that show them.
 #include "SelectionModel.h"
 
+#include "app/VexilError.h"
+
 #include "WeldedPoints.h"
 #include "engine/WorkspaceTrees.h"
 #include "frmPicWins.h"
@@ -108,36 +110,39 @@ std::vector<int> SelectionModel::scanTrackPoints(const PixelRect& r) {
 // ---- points -------------------------------------------------------------------------------------
 
 void SelectionModel::SelectMultiplePoints() {
-    frmPicWins* v = Views();
-    SelectionState& s = Sel();
-    if (!v || v->ToolMode() != ToolSelect || m_host.CurrentSelectMode() != SelectMode::Point ||
-        s.CurrSelEntityType != 1)
-        return;
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionSelectPts);
-    auto* a = env->As<ActionSelectPts>();
-    if (a) a->SetOldSelPts(s.SelPts.Slots(), s.SelPts.Count());
-    const PixelRect r = widened(SetUpperAndLowerCorners());
-    switch (keyMode()) {
-    case 1:
-        AddToSelection(r);
-        UpdateSelPtsPolArray();
-        break;
-    case 2:
-        RemoveFromSelection(r);
-        UpdateSelPtsPolArray();
-        break;
-    default: {
-        // A fresh scan meets the points in the order of the group's walk, each once: the owner of each hit,
-        // in the order of the hits, is what UpdateSelPtsPolArray would find by walking the group again.
-        std::vector<int> owners;
-        freshSelection(r, &owners);
-        s.SelPtsPols.Assign(owners);
-        break;
-    }
-    }
-    ComputeSelPtsAvgCenter();
-    if (a) a->SetNewSelPts(s.SelPts.Slots(), s.SelPts.Count());
-    m_host.UndoStack().Push(env);
+    propagate("Form1", "SelectMultiplePoints", [&] {
+        frmPicWins* v = Views();
+        SelectionState& s = Sel();
+        if (!v || v->ToolMode() != ToolSelect || m_host.CurrentSelectMode() != SelectMode::Point ||
+            s.CurrSelEntityType != 1)
+            return;
+        ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionSelectPts);
+        auto* a = env->As<ActionSelectPts>();
+        if (a) a->SetOldSelPts(s.SelPts.Slots(), s.SelPts.Count());
+        const PixelRect r = widened(SetUpperAndLowerCorners());
+        switch (keyMode()) {
+        case 1:
+            AddToSelection(r);
+            UpdateSelPtsPolArray();
+            break;
+        case 2:
+            RemoveFromSelection(r);
+            UpdateSelPtsPolArray();
+            break;
+        default: {
+            // A fresh scan meets the points in the order of the group's walk, each once: the owner of each
+            // hit, in the order of the hits, is what UpdateSelPtsPolArray would find by walking the group
+            // again.
+            std::vector<int> owners;
+            freshSelection(r, &owners);
+            s.SelPtsPols.Assign(owners);
+            break;
+        }
+        }
+        ComputeSelPtsAvgCenter();
+        if (a) a->SetNewSelPts(s.SelPts.Slots(), s.SelPts.Count());
+        m_host.UndoStack().Push(env);
+    });
 }
 
 void SelectionModel::FreshSelection(const PixelRect& r) {
@@ -227,31 +232,33 @@ void SelectionModel::nearestPoint(const std::vector<double>& xyz) {
 // ---- polygons -----------------------------------------------------------------------------------
 
 void SelectionModel::SelectMultiplePols() {
-    frmPicWins* v = Views();
-    SelectionState& s = Sel();
-    if (!v || v->ToolMode() != ToolSelect || m_host.WorkspaceTab() != 1 ||
-        m_host.CurrentSelectMode() != SelectMode::Polygon || s.CurrSelEntityType != 1)
-        return;
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionSelectPols);
-    auto* a = env->As<ActionSelectPols>();
-    if (a) a->SetOldSelPols(s.SelPols.Slots(), s.SelPols.Count());
-    const PixelRect r = SetUpperAndLowerCorners();
-    switch (keyMode()) {
-    case 1:
-        AddToPolSelection(r);
-        break;
-    case 2:
-        RemoveFromPolSelection(r);
-        break;
-    default:
-        FreshPolSelection(r);
-        break;
-    }
-    m_host.UpdateEditGeomTabBasedOnPolsSelected();
-    UpdateSelPolsRelatedPtsArray();
-    ComputeSelPolsAvgCenter();
-    if (a) a->SetNewSelPols(s.SelPols.Slots(), s.SelPols.Count());
-    m_host.UndoStack().Push(env);
+    propagate("Form1", "SelectMultiplePols", [&] {
+        frmPicWins* v = Views();
+        SelectionState& s = Sel();
+        if (!v || v->ToolMode() != ToolSelect || m_host.WorkspaceTab() != 1 ||
+            m_host.CurrentSelectMode() != SelectMode::Polygon || s.CurrSelEntityType != 1)
+            return;
+        ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionSelectPols);
+        auto* a = env->As<ActionSelectPols>();
+        if (a) a->SetOldSelPols(s.SelPols.Slots(), s.SelPols.Count());
+        const PixelRect r = SetUpperAndLowerCorners();
+        switch (keyMode()) {
+        case 1:
+            AddToPolSelection(r);
+            break;
+        case 2:
+            RemoveFromPolSelection(r);
+            break;
+        default:
+            FreshPolSelection(r);
+            break;
+        }
+        m_host.UpdateEditGeomTabBasedOnPolsSelected();
+        UpdateSelPolsRelatedPtsArray();
+        ComputeSelPolsAvgCenter();
+        if (a) a->SetNewSelPols(s.SelPols.Slots(), s.SelPols.Count());
+        m_host.UndoStack().Push(env);
+    });
 }
 
 int SelectionModel::GetClickedPolOfGrp(int group, int x, int y) {
@@ -348,27 +355,29 @@ void SelectionModel::SetPtNearestToPolsAvgCenter() {
 // ---- track points -------------------------------------------------------------------------------
 
 void SelectionModel::SelectMultipleTrackPts() {
-    frmPicWins* v = Views();
-    SelectionState& s = Sel();
-    if (!v || v->ToolMode() != ToolSelect) return;
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionSelectTrkPts);
-    auto* a = env->As<ActionSelectTrkPts>();
-    if (a) a->SetOldSelTrkPts(s.SelTrackPts, s.SelTrackPtsCount());
-    const PixelRect r = widened(SetUpperAndLowerCorners());
-    switch (keyMode()) {
-    case 1:
-        AddToTrackPtSelection(r);
-        break;
-    case 2:
-        RemoveFromTrackPtSelection(r);
-        break;
-    default:
-        FreshTrackPtSelection(r);
-        break;
-    }
-    ComputeSelTrackPtsAvgCenter();
-    if (a) a->SetNewSelTrkPts(s.SelTrackPts, s.SelTrackPtsCount());
-    m_host.UndoStack().Push(env);
+    propagate("Form1", "SelectMultipleTrackPts", [&] {
+        frmPicWins* v = Views();
+        SelectionState& s = Sel();
+        if (!v || v->ToolMode() != ToolSelect) return;
+        ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionSelectTrkPts);
+        auto* a = env->As<ActionSelectTrkPts>();
+        if (a) a->SetOldSelTrkPts(s.SelTrackPts, s.SelTrackPtsCount());
+        const PixelRect r = widened(SetUpperAndLowerCorners());
+        switch (keyMode()) {
+        case 1:
+            AddToTrackPtSelection(r);
+            break;
+        case 2:
+            RemoveFromTrackPtSelection(r);
+            break;
+        default:
+            FreshTrackPtSelection(r);
+            break;
+        }
+        ComputeSelTrackPtsAvgCenter();
+        if (a) a->SetNewSelTrkPts(s.SelTrackPts, s.SelTrackPtsCount());
+        m_host.UndoStack().Push(env);
+    });
 }
 
 void SelectionModel::FreshTrackPtSelection(const PixelRect& r) {
@@ -436,89 +445,94 @@ void SelectionModel::SelectAllPols() {
 }
 
 void SelectionModel::mnuSelectAll_Click() {
-    if (!m_host.WorldOpen()) return;
-    SelectionState& s = Sel();
-    const SelectMode mode = m_host.CurrentSelectMode();
-    if (mode == SelectMode::Point) {
-        if (s.CurrSelEntityType == 1) SelectAllPoints();
-    } else if (mode == SelectMode::Polygon) {
-        if (s.CurrSelEntityType == 1) SelectAllPols();
-    } else {
-        SelectAllObjects();
-        SettleCurrentEntity();
-        ThingsToDoOnSelectedEntityChange();
-        PushSelectIfChanged();
-    }
+    propagate("Form1", "mnuSelectAll_Click", [&] {
+        if (!m_host.WorldOpen()) return;
+        SelectionState& s = Sel();
+        const SelectMode mode = m_host.CurrentSelectMode();
+        if (mode == SelectMode::Point) {
+            if (s.CurrSelEntityType == 1) SelectAllPoints();
+        } else if (mode == SelectMode::Polygon) {
+            if (s.CurrSelEntityType == 1) SelectAllPols();
+        } else {
+            SelectAllObjects();
+            SettleCurrentEntity();
+            ThingsToDoOnSelectedEntityChange();
+            PushSelectIfChanged();
+        }
+    });
 }
 
 void SelectionModel::mnuSelectInvert_Click() {
-    if (!m_host.WorldOpen()) return;
-    SelectionState& s = Sel();
-    const SelectMode mode = m_host.CurrentSelectMode();
-    if (mode == SelectMode::Point || mode == SelectMode::Polygon) {
-        if (s.CurrSelEntityType != 1) return;
-        const bool points = mode == SelectMode::Point;
-        HandleArray& arr = points ? s.SelPts : s.SelPols;
-        const std::vector<int> old = arr.Slots();
-        const int oldCount = arr.Count();
-        // What was selected, one entry per occurrence; each item of the group met in it is used up once.
-        OccurrenceTable was;
-        for (int i = 1; i <= oldCount; ++i)
-            was.Add(old[static_cast<size_t>(i)], 1);
-        arr.Clear();
-        auto take = [&](int h) {
-            if (was.Get(h) > 0)
-                was.Add(h, -1);
-            else
-                arr.Append(h);
-        };
-        for (int pol = ZELMAR_group_get_first_polygon(s.CurrSelEntity); pol != 0;
-             pol = ZELMAR_group_get_next_polygon(pol)) {
-            if (!points) {
-                take(pol);
-                continue;
+    propagate("Form1", "mnuSelectInvert_Click", [&] {
+        if (!m_host.WorldOpen()) return;
+        SelectionState& s = Sel();
+        const SelectMode mode = m_host.CurrentSelectMode();
+        if (mode == SelectMode::Point || mode == SelectMode::Polygon) {
+            if (s.CurrSelEntityType != 1) return;
+            const bool points = mode == SelectMode::Point;
+            HandleArray& arr = points ? s.SelPts : s.SelPols;
+            const std::vector<int> old = arr.Slots();
+            const int oldCount = arr.Count();
+            // What was selected, one entry per occurrence; each item of the group met in it is used up once.
+            OccurrenceTable was;
+            for (int i = 1; i <= oldCount; ++i)
+                was.Add(old[static_cast<size_t>(i)], 1);
+            arr.Clear();
+            auto take = [&](int h) {
+                if (was.Get(h) > 0)
+                    was.Add(h, -1);
+                else
+                    arr.Append(h);
+            };
+            for (int pol = ZELMAR_group_get_first_polygon(s.CurrSelEntity); pol != 0;
+                 pol = ZELMAR_group_get_next_polygon(pol)) {
+                if (!points) {
+                    take(pol);
+                    continue;
+                }
+                for (int pt = ZELMAR_polygon_get_first_point(pol); pt != 0;
+                     pt = ZELMAR_point_get_next_point(pt))
+                    take(pt);
             }
-            for (int pt = ZELMAR_polygon_get_first_point(pol); pt != 0; pt = ZELMAR_point_get_next_point(pt))
-                take(pt);
-        }
-        if (points) {
-            UpdateSelPtsPolArray();
-            ComputeSelPtsAvgCenter();
-            pushSubSelection(AT_ActionSelectPts, old, oldCount);
+            if (points) {
+                UpdateSelPtsPolArray();
+                ComputeSelPtsAvgCenter();
+                pushSubSelection(AT_ActionSelectPts, old, oldCount);
+            } else {
+                ComputeSelPolsAvgCenter();
+                UpdateSelPolsRelatedPtsArray();
+                m_host.UpdateEditGeomTabBasedOnPolsSelected();
+                pushSubSelection(AT_ActionSelectPols, old, oldCount);
+            }
         } else {
-            ComputeSelPolsAvgCenter();
-            UpdateSelPolsRelatedPtsArray();
-            m_host.UpdateEditGeomTabBasedOnPolsSelected();
-            pushSubSelection(AT_ActionSelectPols, old, oldCount);
+            SelectAllObjects();
+            vexil::MultipleSelection& m = s.MultiSel;
+            switch (s.PrevSelEntityType) {
+            case 1:
+                m.RemoveGrp(s.PrevSelEntity);
+                break;
+            case 2:
+                m.RemoveCam(s.PrevSelEntity);
+                break;
+            case 4:
+                m.RemoveLight(s.PrevSelEntity);
+                break;
+            case 6:
+                for (int g : s.PrevMultiSel.Groups())
+                    m.RemoveGrp(g);
+                for (int c : s.PrevMultiSel.Cams())
+                    m.RemoveCam(c);
+                for (int l : s.PrevMultiSel.Lights())
+                    m.RemoveLight(l);
+                break;
+            default:
+                break;
+            }
+            SettleCurrentEntity();
+            ThingsToDoOnSelectedEntityChange();
+            PushSelectIfChanged();
         }
-    } else {
-        SelectAllObjects();
-        vexil::MultipleSelection& m = s.MultiSel;
-        switch (s.PrevSelEntityType) {
-        case 1:
-            m.RemoveGrp(s.PrevSelEntity);
-            break;
-        case 2:
-            m.RemoveCam(s.PrevSelEntity);
-            break;
-        case 4:
-            m.RemoveLight(s.PrevSelEntity);
-            break;
-        case 6:
-            for (int g : s.PrevMultiSel.Groups())
-                m.RemoveGrp(g);
-            for (int c : s.PrevMultiSel.Cams())
-                m.RemoveCam(c);
-            for (int l : s.PrevMultiSel.Lights())
-                m.RemoveLight(l);
-            break;
-        default:
-            break;
-        }
-        SettleCurrentEntity();
-        ThingsToDoOnSelectedEntityChange();
-        PushSelectIfChanged();
-    }
+    });
 }
 
 void SelectionModel::SelectAllObjects() {
