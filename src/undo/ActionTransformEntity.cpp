@@ -154,8 +154,26 @@ void ActionScale::scaleSet(const Loc3& f) {
     refreshBox(6, 0);
 }
 
+// A track scales its points about their mean.
+static void scaleTrack(int track, const Loc3& f) {
+    const Loc3 c = locationOf(3, track);
+    const int n = ZELMAR_track_get_number_of_points(track);
+    for (int i = 0; i < n; ++i) {
+        double p[3];
+        ZELMAR_track_get_point(track, i, p);
+        for (int k = 0; k < 3; ++k)
+            p[k] = c[k] + (p[k] - c[k]) * f[k];
+        ZELMAR_track_set_point(track, i, p);
+    }
+}
+
 void ActionScale::Undo() {
     const Loc3 f = factors();
+    if (m_e.kind == 3) {
+        scaleTrack(m_e.handle, {f[0] != 0 ? 1.0 / f[0] : 1.0, f[1] != 0 ? 1.0 / f[1] : 1.0,
+                                f[2] != 0 ? 1.0 / f[2] : 1.0});
+        return;
+    }
     if (m_e.kind == 6) {
         scaleSet({f[0] != 0 ? 1.0 / f[0] : 1.0, f[1] != 0 ? 1.0 / f[1] : 1.0, f[2] != 0 ? 1.0 / f[2] : 1.0});
         return;
@@ -172,6 +190,10 @@ void ActionScale::Undo() {
 }
 
 void ActionScale::Redo() {
+    if (m_e.kind == 3) {
+        scaleTrack(m_e.handle, factors());
+        return;
+    }
     if (m_e.kind == 6) {
         scaleSet(factors());
         return;

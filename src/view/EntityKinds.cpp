@@ -27,6 +27,18 @@ EntityKindOps defaults(int kind) {
         break;
     case 3:
         ops.DeletePermanently = [](int h) { ZELMAR_track_delete(h); };
+        // A track's location is the mean of its points.
+        ops.GetLocation = [](int h) {
+            std::array<double, 3> c{};
+            const int n = ZELMAR_track_get_number_of_points(h);
+            for (int i = 0; i < n; ++i) {
+                double p[3] = {0, 0, 0};
+                ZELMAR_track_get_point(h, i, p);
+                for (int k = 0; k < 3; ++k)
+                    c[k] += p[k] / n;
+            }
+            return c;
+        };
         break;
     case 4:
         ops.DeletePermanently = [](int h) { ZELMAR_light_delete(h); };

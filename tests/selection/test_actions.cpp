@@ -205,4 +205,43 @@ TEST_F(EntityActions, MoveAndRotateUndoPutTheGroupBack) {
         EXPECT_NEAR(p1[k], p0[k], 1e-6);
 }
 
+TEST_F(EntityActions, ScaleUndoGivesBackTheDimensionsOfAGroupAndOfATrack) {
+    double d0[3], d1[3];
+    ZELMAR_group_get_dimensions(world.a, d0);
+    auto env = ActionUndoRedo_Stack::MakeAction(AT_ActionScale);
+    auto* sc = env->As<ActionScale>();
+    sc->SetScaledEntity(1, world.a);
+    sc->SetIniDim({d0[0], d0[1], d0[2]});
+    ZELMAR_group_scale(world.a, 0, 2, 1, 0.5);
+    ZELMAR_group_get_dimensions(world.a, d1);
+    sc->SetFnlDim({d1[0], d1[1], d1[2]});
+    host.stack->Push(env);
+    undo();
+    double d[3];
+    ZELMAR_group_get_dimensions(world.a, d);
+    for (int k = 0; k < 3; ++k)
+        EXPECT_NEAR(d[k], d0[k], 1e-6);
+    redo();
+    ZELMAR_group_get_dimensions(world.a, d);
+    for (int k = 0; k < 3; ++k)
+        EXPECT_NEAR(d[k], d1[k], 1e-6);
+
+    const double pts[6] = {0, 0, 0, 100, 0, 0};
+    const int track = ZELMAR_track_create("Track01", pts, 2, 0);
+    auto tenv = ActionUndoRedo_Stack::MakeAction(AT_ActionScale);
+    auto* ts = tenv->As<ActionScale>();
+    ts->SetScaledEntity(3, track);
+    ts->SetIniDim({100, 0, 0});
+    ts->SetFnlDim({300, 0, 0});
+    host.stack->Push(tenv);
+    ts->Redo(); // the caller's scale: three times the size about the centre
+    undo();
+    double p[3];
+    ZELMAR_track_get_point(track, 1, p);
+    EXPECT_NEAR(p[0], 100, 1e-9);
+    redo();
+    ZELMAR_track_get_point(track, 1, p);
+    EXPECT_NEAR(p[0], 200, 1e-9);
+}
+
 } // namespace
