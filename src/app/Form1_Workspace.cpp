@@ -23,6 +23,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QProgressBar>
+#include <QScrollArea>
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QToolBar>
@@ -154,7 +155,15 @@ void Form1::buildWorkspace() {
     trwTextures->setHeaderHidden(true);
     texture->layout()->addWidget(trwTextures);
 
-    for (QWidget* w : {groups, edit, cam, light, gallery, texture}) tabWorkspace->addTab(w, QString());
+    // The Edit Group tab holds more controls than a small window has room for: it scrolls rather than make
+    // the window taller.
+    auto* editScroll = new QScrollArea(tabWorkspace);
+    editScroll->setObjectName(QStringLiteral("frmEditGroupScroll"));
+    editScroll->setFrameShape(QFrame::NoFrame);
+    editScroll->setWidgetResizable(true);
+    editScroll->setWidget(edit);
+    for (QWidget* w : {groups, static_cast<QWidget*>(editScroll), cam, light, gallery, texture})
+        tabWorkspace->addTab(w, QString());
     connect(tabWorkspace, &QTabWidget::currentChanged, this, [this](int index) {
         handleEvent("Form1", "tabWorkspace_Click", [&] { tabWorkspace_Click(index); });
     });
