@@ -95,6 +95,8 @@ bool SelectionExists(ViewportHost& host, SelectMode mode) {
 }
 
 Vec3 TrackCentreOf(ViewportHost& host, int track) {
+    // The location the entity actions use, so that a turn or scale about it is undone about it too.
+    if (KindOps(3).GetLocation) return KindOps(3).GetLocation(track);
     double c[3];
     if (host.TrackCenter(track, c)) return {c[0], c[1], c[2]};
     return TrackCentre(track);

@@ -21,7 +21,8 @@ using ActionRef = std::shared_ptr<ActionUndoRedo>;
 bool SelectionExists(ViewportHost& host, SelectMode mode);
 // The pivot of the selection in this mode (the gizmo's place); false when there is none.
 bool SelectionPivot(ViewportHost& host, SelectMode mode, Vec3& pivot);
-// The centre of a track: the host's if it keeps one, else the middle of the box of its points.
+// The centre a track turns and scales about: its location as the entity kinds give it, else the host's
+// track centre, else the middle of the box of its points.
 Vec3 TrackCentreOf(ViewportHost& host, int track);
 // Where the selection stands, as the move actions record it: a group's location, the centre of a set,
 // a camera's or light's location, a track's centre; the pivot of the sub-objects.
