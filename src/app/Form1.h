@@ -1,4 +1,4 @@
-// Form1, the main window (spec Part 1.1): menus, toolbar bands, workspace tabs, the four viewports,
+// Form1, the main window: menus, toolbar bands, workspace tabs, the four viewports,
 // the status bar; start-up, keyboard, close and unload. It owns everything that lives as long as the
 // process and implements the hosts of the document (DocumentHost) and of the undo stack (UndoHost).
 //
@@ -58,7 +58,7 @@ class frmPicWins;
 class Form1 : public QMainWindow, public DocumentHost, public UndoHost, public ViewportHost {
     Q_OBJECT
 public:
-    // Workspace tab indices (docs/ui.md: the spec's Parts disagree about the texture and gallery tabs).
+    // Workspace tab indices (docs/ui.md: the documented Parts disagree about the texture and gallery tabs).
     enum WorkspaceTab { TabGroups = 0, TabEditGroup = 1, TabCamTrackBk = 2, TabLight = 3, TabModelGallery = 4, TabTexture = 5 };
     static constexpr int BandCount = 8;
     static constexpr int MruMax = 8;
@@ -70,7 +70,7 @@ public:
     // The process's main window (null when none exists).
     static Form1* instance();
 
-    // ---- lifecycle (Part 1.1) ----------------------------------------------------------------------
+    // ---- lifecycle ----------------------------------------------------------------------
     // Shows the window: Form_Load on the first show, then the first activation.
     void Show();
     bool IsLoaded() const { return m_loaded; }
@@ -94,7 +94,7 @@ public:
     double PixelsToTwipsX(int px) const;
     double PixelsToTwipsY(int px) const;
 
-    // ---- keyboard (Part 1.1) -------------------------------------------------------------------------
+    // ---- keyboard -------------------------------------------------------------------------
     void Form_KeyDown(int keyCode, Qt::KeyboardModifiers shift);
     void Form_KeyUp(int keyCode, Qt::KeyboardModifiers shift);
 
@@ -136,7 +136,7 @@ public:
     void mnuTutorial_Click();
     bool ExpertMode = true;
 
-    // ---- toolbar bands (Form1_Toolbars.cpp, Part 1.3) ----------------------------------------------
+    // ---- toolbar bands (Form1_Toolbars.cpp, the preferences) ----------------------------------------------
     void SaveOriginalStateOfAllFormTlbrs();
     void SaveToolbars();
     void RestoreToolbars();
@@ -178,9 +178,9 @@ public:
     void ToggleGridVisibility(int index);
     void UpdateCamerasSingle(int index);
     void picWindow_Paint(int index);
-    void PointViewCameraAt(int index, int x, int y); // the I key: camera.MouseDown family (Part 3.2)
-    void WheelZoom(int sign, bool shift);              // ScrollCheck steps 2 to 5 (Part 3.2 camera)
-    bool IsLayingCustomTrack();                        // formCreateTrack (Part 10.2)
+    void PointViewCameraAt(int index, int x, int y); // the I key: camera.MouseDown family
+    void WheelZoom(int sign, bool shift);              // ScrollCheck steps 2 to 5 (the camera navigation camera)
+    bool IsLayingCustomTrack();                        // formCreateTrack
     void ResetCustomTrk();
     void trwModel_InitialSetup();
     void cmbObj_Change();
@@ -190,12 +190,12 @@ public:
     void UnloadPlugins();
     void PluginsKeyDown(int keyCode, Qt::KeyboardModifiers shift);
     void ReleaseWeldList();
-    void SetGridDensity(double density); // the four grids (Part 3.5)
+    void SetGridDensity(double density); // the four grids
     double GridDensity() const;
     void CreateSharedObjects();  // Form_Load 14, 17, 18: markers, makers, drawers, gizmos, cameras, grids
     void ReleaseSharedObjects(); // Form_Unload 6 to 8
 
-    // ---- state (Part 1.1) ----------------------------------------------------------------------------
+    // ---- state ----------------------------------------------------------------------------
     bool WorldOpen() const;
     int ActiveWin = 0;
     bool ExitRequested = false;
@@ -221,13 +221,13 @@ public:
     MostRecentUsedFiles* MruList() const { return m_mru.get(); }
 
     // ---- widgets -------------------------------------------------------------------------------------
-    // Menus and items: every item named in the spec (see Form1_Menus.cpp for the arrangement).
+    // Menus and items: every item named in the design (see Form1_Menus.cpp for the arrangement).
     QMenu *mnuFile = nullptr, *mnuEdit = nullptr, *mnuView = nullptr, *mnuGrp = nullptr, *mnuCreate = nullptr,
           *mnuHelp = nullptr;
     QAction *mnuNew = nullptr, *mnuOpenFile = nullptr, *mnuAddWorld = nullptr, *mnuCloseFile = nullptr,
             *mnuSave = nullptr, *mnuSaveAs = nullptr, *mnuExit = nullptr, *mnuSepMRU = nullptr;
     QMenu *mnuImportMenu = nullptr, *mnuExportMenu = nullptr;
-    std::vector<QAction*> mnuImport, mnuExport;      // one per file plug-in (Part 12.1)
+    std::vector<QAction*> mnuImport, mnuExport;      // one per file plug-in
     QAction *mnuUndo = nullptr, *mnuRedo = nullptr, *mnuSelectAll = nullptr, *mnuSelectInvert = nullptr,
             *mnuHold = nullptr, *mnuFetch = nullptr, *mnuPreference = nullptr;
     QAction *mnuToolbar = nullptr, *mnuStatusBar = nullptr, *mnuWorkspace = nullptr, *mnuHideSelected = nullptr,

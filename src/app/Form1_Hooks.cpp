@@ -21,22 +21,22 @@ void Form1::cmbObj_Change() {}
 void Form1::cmbObjEditGeom_Change() {}
 void Form1::ReleaseWeldList() {}
 
-// Part 9.4: atmosphere (src/lighting).
+// the atmosphere: atmosphere (src/lighting).
 void Form1::ShowAtmosphereForm() {}
 
-// Part 10.2: custom tracks (src/tracks).
+// the tracks: custom tracks (src/tracks).
 bool Form1::IsLayingCustomTrack() { return false; }
 void Form1::ResetCustomTrk() {}
 
-// Part 11.1: model gallery (src/library).
+// the model gallery: model gallery (src/library).
 void Form1::trwModel_InitialSetup() {}
 
-// Part 12.1: plug-ins (src/plugins).
+// the plugin host: plug-ins (src/plugins).
 void Form1::LoadPlugins() {}
 void Form1::UnloadPlugins() {}
 void Form1::PluginsKeyDown(int, Qt::KeyboardModifiers) {}
 
-// Form_Load 14, 17, 18 and Form_Unload 6 to 8: the shared objects of Parts 3.2 to 3.6, 5.1, 9.1, 10.1
+// Form_Load 14, 17, 18 and Form_Unload 6 to 8: the shared objects of camera navigation to selection model, 5.1, 9.1, 10.1
 // (MultiSel, PrevMultiSel, LightMarkers, CameraMarkers, the six makers, LineDrawer, WireframeDrawer, the
 // four TransformGizmo, SelectionBox, the four camera, the four Grid). Created and released in the
 // specified orders by their owners.

@@ -1,4 +1,4 @@
-// Form1: the keyboard (Part 1.1, Form_KeyDown and Form_KeyUp); the wheel is in Form1_Views.cpp.
+// Form1: the keyboard; the wheel is in Form1_Views.cpp.
 //
 // Form_KeyDown receives the key code and the shift state but reads most keys by polling the input-state
 // seam: "down" is a negative key state, "pressed" a key state of 0x8001 (down, and not reported since

@@ -1,4 +1,4 @@
-// Form1: menus, their update routines and handlers, and the language routine of Form1 (Parts 1.1, 1.4).
+// Form1: menus, their update routines and handlers, and the language routine of Form1.
 // Every item carries the id of its caption in the string table (property "stringId"); ApplyLanguage
 // sets all captions from the table, so a language change shows at once.
 #include "Form1.h"
@@ -76,7 +76,7 @@ void Form1::buildMenus() {
     mnuFile->addMenu(mnuImportMenu);
     mnuExportMenu = submenu(this, "mnuExport", 400);
     mnuFile->addMenu(mnuExportMenu);
-    mnuImportMenu->menuAction()->setVisible(false); // shown when a file plug-in offers an entry (Part 12.1)
+    mnuImportMenu->menuAction()->setVisible(false); // shown when a file plug-in offers an entry
     mnuExportMenu->menuAction()->setVisible(false);
     mnuSepMRU = mnuFile->addSeparator();
     mnuExit = item(mnuFile, "mnuExit", 225, ev("mnuExit_Click", &Form1::mnuExit_Click));

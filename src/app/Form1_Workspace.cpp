@@ -1,5 +1,5 @@
 // Form1: the workspace tabs, the four viewports, the status bar, and the hosts of the document and of
-// the undo stack (Parts 1.1, 2.3, 2.4, 3.1).
+// the undo stack.
 #include "Form1.h"
 
 #include "ErrLog.h"

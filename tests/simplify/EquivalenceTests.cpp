@@ -127,7 +127,7 @@ TEST(Equivalence, LockedPointsAndSelectionEdgeCases) {
 }
 
 TEST(Equivalence, FirstReduceWithoutForceRestartContinuesOnAnUnsetModel) {
-    // Not what the workbench does (it sets ForceRestart first), but defined by the spec.
+    // Not what the workbench does (it sets ForceRestart first), but defined by the design.
     for (const Corpus& c : smallCorpus()) {
         SCOPED_TRACE(c.name);
         PairRun run(c.mesh);
