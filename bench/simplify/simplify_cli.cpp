@@ -53,12 +53,14 @@ long peakKb() {
 }
 
 // Mesh into a zelmar group: one polygon per face, points with x, y, z, u, v, brightness and normal.
+// Mesh files list a face's corners counter-clockwise seen from its front; an engine ring runs clockwise
+// seen from its front, so the corners go in backwards.
 int meshToEngine(const MeshData& m) {
-    const int g = ZELMAR_group_create(m.name.empty() ? "mesh" : "mesh");
+    const int g = ZELMAR_group_create("mesh");
     for (const MeshFace& f : m.faces) {
         const int p = ZELMAR_polygon_create();
-        for (int vi : f.v) {
-            const MeshVertex& v = m.vertices[static_cast<std::size_t>(vi)];
+        for (auto it = f.v.rbegin(); it != f.v.rend(); ++it) {
+            const MeshVertex& v = m.vertices[static_cast<std::size_t>(*it)];
             const double vx[6] = {v.xyz[0], v.xyz[1], v.xyz[2], v.uv[0], v.uv[1], v.brightness};
             const int pt = ZELMAR_polygon_add_point(p, vx);
             ZELMAR_point_set_normal(pt, v.normal);

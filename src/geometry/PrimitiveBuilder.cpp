@@ -38,7 +38,10 @@ int BeginGroup(const std::string& name, int father) {
 
 int AddPolygon(int group, const std::vector<Corner>& corners) {
     const int polygon = ZELMAR_polygon_create();
-    for (const Corner& c : corners) {
+    // The builders walk corners counter-clockwise seen from outside; the engine's front is the side
+    // from which a ring runs clockwise, so the ring takes them backwards.
+    for (auto it = corners.rbegin(); it != corners.rend(); ++it) {
+        const Corner& c = *it;
         const double vertex[6] = {c.xyz[0], c.xyz[1], c.xyz[2], c.u, c.v, 100.0};
         const int point = ZELMAR_polygon_add_point(polygon, vertex);
         ZELMAR_point_set_normal(point, c.normal.data());

@@ -28,8 +28,9 @@ constexpr double HalfCircle = 3.14159265358979;
 std::string NewGroupName(const std::string& kind);
 // A group of that name under `father`.
 int BeginGroup(const std::string& name, int father);
-// One polygon of the group: its points in the order given (brightness 100), each with its normal,
-// added to the world.
+// One polygon of the group from corners given counter-clockwise seen from outside (brightness 100),
+// each with its normal, added to the world. The ring stores them in reverse, so that its front (the side
+// it runs clockwise from) looks outward.
 int AddPolygon(int group, const std::vector<Corner>& corners);
 // Every polygon of the group gets the group's name, "_Face" and its running number ("Box01_Face01").
 void NameFaces(int group);

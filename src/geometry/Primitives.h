@@ -1,8 +1,8 @@
 // The six primitive builders. Each makes one new group of polygons under a father group, centred on a
 // location, and answers the group's handle (0 when nothing was made). The group is named after its kind
 // with the first free counter ("Box01"), its faces after the group ("Box01_Face01"), and it gets a random
-// colour. Every face is a polygon whose points run counter-clockwise seen from outside, with outward
-// normals at its corners.
+// colour. Every face is a polygon whose front looks outward (its points run clockwise seen from
+// outside), with outward normals at its corners.
 //
 // Axes: x is depth, y is width, z is height; round shapes turn about z.
 #pragma once

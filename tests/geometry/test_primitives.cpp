@@ -136,7 +136,7 @@ TEST_F(Primitives, CylinderSidesCapsAndTheHundredSideLimit) {
     EXPECT_EQ(caps, 2);
     // Side corners: u by side over sides, v by segment over segments.
     double uv[2];
-    ZELMAR_point_get_bitmap_xy(pointsOf(pols[0])[2], uv);
+    ZELMAR_point_get_bitmap_xy(pointsOf(pols[0])[1], uv); // the upper-right corner, second in the ring
     const double u = uv[0], v = uv[1];
     EXPECT_NEAR(u, 1.0 / 12, 1e-12);
     EXPECT_NEAR(v, 1.0 / 3, 1e-12);
@@ -194,11 +194,11 @@ TEST_F(Primitives, SpherePoleCellsHaveTwoCoincidingCorners) {
     EXPECT_EQ(poleCells, 2 * 2 * n); // a full row at each pole
     // A row spans u from 0 to 1; the rows span v from 0 to 1.
     double uv[2];
-    ZELMAR_point_get_bitmap_xy(pointsOf(pols[2 * n - 1])[2], uv);
+    ZELMAR_point_get_bitmap_xy(pointsOf(pols[2 * n - 1])[1], uv);
     const double u = uv[0], v = uv[1];
     EXPECT_NEAR(u, 1.0, 1e-12);
     EXPECT_NEAR(v, 1.0 / n, 1e-12);
-    ZELMAR_point_get_bitmap_xy(pointsOf(pols.back())[1], uv);
+    ZELMAR_point_get_bitmap_xy(pointsOf(pols.back())[2], uv);
     EXPECT_NEAR(uv[1], 1.0, 1e-12);
 }
 

@@ -43,7 +43,8 @@ inline QApplication& app() {
     return *a;
 }
 
-// An axis-aligned box of polygons facing outwards, centred on c, in group g.
+// An axis-aligned box of polygons facing outwards, centred on c, in group g. The corners are listed
+// counter-clockwise seen from outside and put in backwards (fronts run clockwise).
 inline std::vector<int> addBox(int g, const std::array<double, 3>& c, double size) {
     const double h = size / 2;
     const double f[6][4][3] = {
@@ -57,7 +58,7 @@ inline std::vector<int> addBox(int g, const std::array<double, 3>& c, double siz
     std::vector<int> pols;
     for (int k = 0; k < 6; ++k) {
         const int p = ZELMAR_polygon_create();
-        for (int v = 0; v < 4; ++v) {
+        for (int v = 3; v >= 0; --v) {
             const double vert[6] = {f[k][v][0] + c[0], f[k][v][1] + c[1], f[k][v][2] + c[2], 0, 0, 100};
             ZELMAR_polygon_add_point(p, vert);
         }

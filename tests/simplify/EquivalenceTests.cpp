@@ -262,7 +262,7 @@ TEST(Equivalence, WholeBunnyWithAndWithoutTheRefusalCache) {
         s->ForceRestart = true;
         s->TraceContractions = true;
     }
-    // (a part of the bunny is open enough to raise Division by zero on the way, as specified:
+    // (a part of the bunny is open enough to raise Division by zero on the way, as the reference does:
     // then both must raise at the same contraction)
     StepResult a, b;
     auto run = [&](simplify::SurfSimpli& s, MemoryEngine& e, int g, StepResult& r) {

@@ -86,7 +86,7 @@ struct TestWorld {
         const double c0[3] = {0, 0, 0};
         const double* c = centre ? centre : c0;
         const double h = size / 2;
-        // Each face: four corners counter-clockwise seen from outside.
+        // Each face: four corners counter-clockwise seen from outside, put in backwards (fronts run clockwise).
         const double f[6][4][3] = {
             {{h, -h, -h}, {h, h, -h}, {h, h, h}, {h, -h, h}},     // +x
             {{-h, h, -h}, {-h, -h, -h}, {-h, -h, h}, {-h, h, h}}, // -x
@@ -100,7 +100,7 @@ struct TestWorld {
         faces.clear();
         for (int k = 0; k < 6; ++k) {
             const int p = ZELMAR_polygon_create();
-            for (int v = 0; v < 4; ++v) {
+            for (int v = 3; v >= 0; --v) {
                 const double vert[6] = {f[k][v][0] + c[0], f[k][v][1] + c[1], f[k][v][2] + c[2], 0, 0, 100};
                 ZELMAR_polygon_add_point(p, vert);
             }

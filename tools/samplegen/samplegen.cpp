@@ -160,9 +160,11 @@ Fill rgb(int r, int g, int b) { Fill f; f.r = r; f.g = g; f.b = b; return f; }
 
 int counter = 0;
 
+// The shapes below list their corners counter-clockwise seen from outside; the engine's front is
+// the side from which a ring runs clockwise, so the points go in backwards.
 int poly(int group, const std::vector<V3>& pts, const std::vector<UV>& uvs, const Fill& fill, const char* name = nullptr) {
     const int p = ZELMAR_polygon_create();
-    for (size_t i = 0; i < pts.size(); ++i) {
+    for (size_t i = pts.size(); i-- > 0;) {
         const UV uv = i < uvs.size() ? uvs[i] : UV{0, 0};
         const double v[6] = {pts[i].x, pts[i].y, pts[i].z, uv.u, uv.v, 100.0};
         ZELMAR_polygon_add_point(p, v);

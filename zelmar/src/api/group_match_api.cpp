@@ -96,7 +96,7 @@ int ZELMAR_group_rotate_to_match_polygon(int group, int polygon, int target_poly
     const Polygon* p = polygonArg(polygon, op);
     const Polygon* t = polygonArg(target_polygon, op);
     if (!g || !p || !t || !hasArea(*p) || !hasArea(*t)) return 0;
-    const M3 r = rotationBetween(normalized(newellNormal(*p)), normalized(newellNormal(*t)));
+    const M3 r = rotationBetween(normalized(frontNormal(*p)), normalized(frontNormal(*t)));
     transformGroup(*g, r, groupReferencePoint(*g), {}, true);
     return 1;
 }
@@ -111,8 +111,8 @@ int ZELMAR_group_rotate_around_line_to_match_polygon(int group, const double lin
     if (!g || !p || !t || !inArray(line_point, 3, op) || !inArray(line_direction, 3, op)) return 0;
     const V3 axis = normalized(V3(line_direction));
     // The normals seen along the line: the turn that brings one onto the other.
-    const V3 a = normalized(newellNormal(*p) - axis * dot(newellNormal(*p), axis));
-    const V3 b = normalized(newellNormal(*t) - axis * dot(newellNormal(*t), axis));
+    const V3 a = normalized(frontNormal(*p) - axis * dot(frontNormal(*p), axis));
+    const V3 b = normalized(frontNormal(*t) - axis * dot(frontNormal(*t), axis));
     if (length(axis) == 0 || length(a) == 0 || length(b) == 0) return 0;
     const double degrees = std::atan2(dot(cross(a, b), axis), dot(a, b)) * 180.0 / 3.14159265358979323846;
     transformGroup(*g, rotationAbout(axis, degrees), V3(line_point), {}, true);

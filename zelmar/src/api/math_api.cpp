@@ -54,7 +54,8 @@ int ZELMAR_math_points_to_plane(const double p1[3], const double p2[3], const do
     const char* op = "math_points_to_plane";
     if (!in3(p1, op) || !in3(p2, op) || !in3(p3, op) || !outArray(plane, op)) return 0;
     const V3 a(p1);
-    const V3 n = normalized(cross(V3(p2) - a, V3(p3) - a));
+    // The plane of a polygon whose ring starts p1, p2, p3: its front is where they run clockwise.
+    const V3 n = normalized(cross(V3(p3) - a, V3(p2) - a));
     if (length(n) == 0) return 0;
     n.store(plane);
     plane[3] = -dot(n, a);

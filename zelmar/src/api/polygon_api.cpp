@@ -327,7 +327,7 @@ int ZELMAR_polygon_rotate_to_match_polygon(int polygon, int target_polygon) {
     Polygon* p = polygonArg(polygon, "polygon_rotate_to_match_polygon");
     const Polygon* t = polygonArg(target_polygon, "polygon_rotate_to_match_polygon");
     if (!p || !t || !hasArea(*p) || !hasArea(*t)) return 0;
-    const M3 r = rotationBetween(normalized(newellNormal(*p)), normalized(newellNormal(*t)));
+    const M3 r = rotationBetween(normalized(frontNormal(*p)), normalized(frontNormal(*t)));
     transformPolygon(*p, r, ringCentre(*p), {});
     world().changed(*p);
     return 1;

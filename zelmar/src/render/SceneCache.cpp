@@ -92,9 +92,10 @@ void packGroup(const Group& g, GroupCache& c) {
         double nrm[3];
         newellNormal(ring.data(), 3, n, nrm);
         const double len = std::sqrt(nrm[0] * nrm[0] + nrm[1] * nrm[1] + nrm[2] * nrm[2]);
+        // The front is the side from which the ring runs clockwise: the Newell normal turned over.
         if (len > 0 && std::isfinite(len))
             for (int k = 0; k < 3; ++k)
-                pp.normal[k] = nrm[k] / len;
+                pp.normal[k] = -nrm[k] / len;
         pp.box[0] = pp.box[1] = pp.box[2] = INFINITY;
         pp.box[3] = pp.box[4] = pp.box[5] = -INFINITY;
         const double polyBright = std::isfinite(f.brightness) ? f.brightness / 100.0 : 1.0;

@@ -28,7 +28,7 @@ struct PackedPolygon {
     bool bilinear = true;
     bool frontOnly = false;
     bool disabled = false;
-    double normal[3] = {0, 0, 0}; // unit Newell normal, zero when degenerate
+    double normal[3] = {0, 0, 0}; // unit front normal, zero when degenerate
     double box[6] = {0, 0, 0, 0, 0, 0};
 };
 

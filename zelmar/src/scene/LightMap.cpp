@@ -77,12 +77,12 @@ Handle createLightMap(Polygon& p, const LightMapParams& params) {
         shadows = shadows || l->rayTracing;
     if (shadows) worldOccluders(); // brought up to date before this call changes anything
     // A frame in the polygon's plane: U along the first edge, V across it.
-    const V3 n = normalized(newellNormal(p));
+    const V3 n = normalized(frontNormal(p));
     const V3 origin = pos(p.points[0]);
     V3 u = V3{};
     for (size_t i = 1; i < p.points.size() && length(u) == 0; ++i)
         u = normalized(pos(p.points[i]) - origin);
-    const V3 v = cross(n, u);
+    const V3 v = cross(u, n);
     double s0 = 0, s1 = 0, t0 = 0, t1 = 0;
     for (const PointData& d : p.points) {
         const V3 r = pos(d) - origin;

@@ -47,7 +47,7 @@ bool hasArea(const Polygon& p) {
 void polygonPlane(const Polygon& p, double plane[4]) {
     plane[0] = plane[1] = plane[2] = plane[3] = 0;
     if (!hasArea(p)) return;
-    const V3 n = normalized(newellNormal(p));
+    const V3 n = normalized(frontNormal(p));
     n.store(plane);
     plane[3] = -dot(n, ringCentre(p));
 }

@@ -15,10 +15,15 @@ inline V3 pos(const PointData& d) {
 // Newell normal of the ring, not normalised: its length is twice the area. The ring runs
 // counter-clockwise seen from the side it points to.
 V3 newellNormal(const Polygon& p);
+// The normal of the polygon's visible side: a ring runs clockwise seen from its front, so this is
+// the Newell normal turned over. Planes, lighting and back-face tests all use this one.
+inline V3 frontNormal(const Polygon& p) {
+    return newellNormal(p) * -1.0;
+}
 V3 ringCentre(const Polygon& p);   // mean of the points; origin for an empty ring
 double ringSize(const Polygon& p); // largest extent of the points' box
 
-// A, B, C unit normal and D = -(N . centre); all zero for a degenerate ring.
+// A, B, C the unit front normal and D = -(N . centre); all zero for a degenerate ring.
 void polygonPlane(const Polygon& p, double plane[4]);
 
 bool hasArea(const Polygon& p);          // at least 3 points and a non-zero normal

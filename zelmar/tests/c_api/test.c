@@ -15,7 +15,7 @@ static int failures = 0;
     } while (0)
 
 static int quad(int group, double x0) {
-    const double corners[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+    const double corners[4][2] = {{0, 0}, {0, 1}, {1, 1}, {1, 0}}; /* clockwise seen from +z: faces up */
     int polygon = ZELMAR_polygon_create();
     int i;
     for (i = 0; i < 4; ++i) {

@@ -28,9 +28,9 @@ class CoreTest : public ::testing::Test {
         ZELMAR_engine_add_polygon(p);
         return p;
     }
-    // A unit square in the plane z = z0, counter-clockwise seen from +z.
+    // A unit square in the plane z = z0 facing +z: clockwise seen from +z.
     static int square(int g, double x0 = 0, double y0 = 0, double z0 = 0, double size = 1) {
-        return poly(g, {{x0, y0, z0}, {x0 + size, y0, z0}, {x0 + size, y0 + size, z0}, {x0, y0 + size, z0}});
+        return poly(g, {{x0, y0, z0}, {x0, y0 + size, z0}, {x0 + size, y0 + size, z0}, {x0 + size, y0, z0}});
     }
     static std::vector<int> walk(int group) {
         std::vector<int> out;

@@ -27,8 +27,8 @@ TEST_F(Math, PlanesAndSegments) {
     const double p1[3] = {0, 0, 2}, p2[3] = {1, 0, 2}, p3[3] = {0, 1, 2};
     double plane[4];
     ASSERT_EQ(ZELMAR_math_points_to_plane(p1, p2, p3, plane), 1);
-    EXPECT_V3_NEAR(plane, 0, 0, 1, 0);
-    EXPECT_EQ(plane[3], -2);
+    EXPECT_V3_NEAR(plane, 0, 0, -1, 0); // counter-clockwise seen from +z: the front looks down
+    EXPECT_EQ(plane[3], 2);
     EXPECT_EQ(ZELMAR_math_points_to_plane(p1, p1, p2, plane), 0);
     const double plane2[4] = {0, 0, 1, -2};
     const double a[3] = {0, 0, 0}, b[3] = {0, 0, 4}, c[3] = {0, 0, 1};

@@ -21,12 +21,12 @@ double area(int p) {
         n[1] += (a[2] - b[2]) * (a[0] + b[0]);
         n[2] += (a[0] - b[0]) * (a[1] + b[1]);
     }
-    return 0.5 * (n[0] * plane[0] + n[1] * plane[1] + n[2] * plane[2]);
+    return -0.5 * (n[0] * plane[0] + n[1] * plane[1] + n[2] * plane[2]); // Newell's normal points to the back
 }
 } // namespace
 
 TEST_F(Polygons, PlaneNormalFollowsTheRingOrder) {
-    const int p = square(0, 0, 0, 5); // counter-clockwise seen from +z
+    const int p = square(0, 0, 0, 5); // clockwise seen from +z
     double plane[4];
     ZELMAR_polygon_get_plane(p, plane);
     EXPECT_V3_NEAR(plane, 0, 0, 1, 1e-15);
@@ -54,7 +54,7 @@ TEST_F(Polygons, FlipKeepsTheFirstPointAndReversesTheRest) {
     for (int pt = ZELMAR_polygon_get_first_point(p); pt; pt = ZELMAR_point_get_next_point(pt))
         after.push_back(pt);
     EXPECT_EQ(after, (std::vector<int>{before[0], before[3], before[2], before[1]}));
-    EXPECT_V3_NEAR(xyz(after[1]), 0, 1, 0, 0); // handles keep their data
+    EXPECT_V3_NEAR(xyz(after[1]), 1, 0, 0, 0); // handles keep their data
 }
 
 TEST_F(Polygons, Validity) {
@@ -99,7 +99,7 @@ TEST_F(Polygons, TriangulatedCopyOfAConcavePolygon) {
     ZELMAR_group_set_father_group(src, root);
     ZELMAR_group_set_father_group(sub, src);
     // An L, ring starting at the reflex corner so that a plain fan would go wrong.
-    const int ell = poly(src, {{1, 1, 0}, {1, 2, 0}, {0, 2, 0}, {0, 0, 0}, {2, 0, 0}, {2, 1, 0}});
+    const int ell = poly(src, {{1, 1, 0}, {2, 1, 0}, {2, 0, 0}, {0, 0, 0}, {0, 2, 0}, {1, 2, 0}});
     ZELMAR_polygon_set_bitmap_fill(ell, 0);
     ZELMAR_polygon_set_color_fill(ell, 1, 2, 3);
     ZELMAR_polygon_set_translucent(ell, 7);

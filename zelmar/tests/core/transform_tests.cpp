@@ -44,7 +44,7 @@ TEST_F(Transform, Rotate90DegreesAboutTheReferencePoint) {
     ZELMAR_group_rotate(g, deg, 0);
     const int first = ZELMAR_polygon_get_first_point(p);
     EXPECT_EQ(xyz(first), (std::array<double, 3>{0, 10, 0})); // exact for quarter turns
-    EXPECT_EQ(xyz(ZELMAR_point_get_next_point(first)), (std::array<double, 3>{0, 11, 0}));
+    EXPECT_EQ(xyz(ZELMAR_point_get_next_point(first)), (std::array<double, 3>{-1, 10, 0}));
     double rp[3];
     ZELMAR_group_get_rotate_reference_point(g, rp);
     EXPECT_V3_NEAR(rp, 0, 0, 0, 0);
@@ -220,12 +220,12 @@ TEST_F(Transform, CenterOfMassIsTheMeanOfThePoints) {
 TEST_F(Transform, TurnToMatchAPolygonAndFindExtremes) {
     const int g = ZELMAR_group_create("g");
     const int top = square(g, 0, 0, 1);
-    const int bottom = poly(g, {{0, 0, 0}, {0, 1, 0}, {1, 1, 0}, {1, 0, 0}});
+    const int bottom = poly(g, {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}});
     EXPECT_EQ(ZELMAR_group_get_top_polygon(g), top);
     EXPECT_EQ(ZELMAR_group_get_bottom_polygon(g), bottom);
     // Turn so that the top face looks along +x, like a wall facing that way.
     const int h = ZELMAR_group_create("wall");
-    const int wall = poly(h, {{5, 0, 0}, {5, 1, 0}, {5, 1, 1}, {5, 0, 1}});
+    const int wall = poly(h, {{5, 0, 0}, {5, 0, 1}, {5, 1, 1}, {5, 1, 0}});
     ASSERT_EQ(ZELMAR_group_rotate_to_match_polygon(g, top, wall), 1);
     double plane[4];
     ZELMAR_polygon_get_plane(top, plane);
@@ -242,6 +242,8 @@ TEST_F(Transform, TurnToMatchAPolygonAndFindExtremes) {
     // Box mapping over the group: the bitmap spans the box once.
     ZELMAR_group_wrap_a_bitmap(h, 0, 1, 1);
     double uv[2];
-    ZELMAR_point_get_bitmap_xy(ZELMAR_point_get_next_point(ZELMAR_polygon_get_first_point(wall)), uv);
+    int corner = ZELMAR_polygon_get_first_point(wall); // the last point, (5, 1, 0)
+    for (int i = 0; i < 3; ++i) corner = ZELMAR_point_get_next_point(corner);
+    ZELMAR_point_get_bitmap_xy(corner, uv);
     EXPECT_V3_NEAR((std::array<double, 3>{uv[0], uv[1], 0}), 1, 1, 0, 1e-12);
 }

@@ -12,9 +12,10 @@ using namespace zelmar::test;
 
 namespace {
 
+// A square across the view at `depth`, facing the camera at the origin (clockwise as it sees it).
 Polygon* wall(Group* g, double depth, double half) {
     return polygon(g,
-                   {{depth, half, half}, {depth, half, -half}, {depth, -half, -half}, {depth, -half, half}});
+                   {{depth, half, half}, {depth, -half, half}, {depth, -half, -half}, {depth, half, -half}});
 }
 
 class Pick : public ::testing::Test {
@@ -99,7 +100,7 @@ TEST_F(Pick, PolygonsBehindTheEyeOrTheNearPlaneAreNotHit) {
 }
 
 TEST_F(Pick, FrontOnlyPolygonSeenFromBehindIsPassed) {
-    // The near wall's ring runs counter-clockwise seen from the camera: flip it around.
+    // The near wall's ring runs clockwise seen from the camera: flip it around.
     std::reverse(nearWall->points.begin() + 1, nearWall->points.end());
     nearWall->orientation = 1;
     changed(nearWall);

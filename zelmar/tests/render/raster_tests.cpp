@@ -115,10 +115,10 @@ TEST_F(Raster, EditedGeometryIsRedrawnAfterItsVersionChanges) {
 
 TEST_F(Raster, FrontOnlyPolygonsShowOneSide) {
     Group* g = group("g");
-    // Counter-clockwise seen from the camera at the origin: its front faces the camera.
-    Polygon* facing = polygon(g, {{10, 2, 4}, {10, 2, 0}, {10, -2, 0}, {10, -2, 4}}, {0, 255, 0});
+    // Clockwise seen from the camera at the origin: its front faces the camera.
+    Polygon* facing = polygon(g, {{10, 2, 4}, {10, -2, 4}, {10, -2, 0}, {10, 2, 0}}, {0, 255, 0});
     facing->orientation = 1;
-    Polygon* away = polygon(g, {{10, 2, -4}, {10, 2, 0}, {10, -2, 0}, {10, -2, -4}}, {255, 0, 0});
+    Polygon* away = polygon(g, {{10, 2, -4}, {10, -2, -4}, {10, -2, 0}, {10, 2, 0}}, {255, 0, 0});
     away->orientation = 1;
     changed(facing), changed(away);
     const auto img = renderImage(cameraAlongX({0, 0, 0}, 90));
