@@ -1,6 +1,7 @@
 // World files: load, add and save. The work is in io/WorldFile; this is the boundary.
 #include "api/LastError.h"
 #include "io/WorldFile.h"
+#include "scene/Current.h"
 #include "scene/GroupGeometry.h"
 #include "scene/World.h"
 
@@ -63,6 +64,8 @@ int ZELMAR_engine_load_world(const char* file, const char* folder, const char* b
         setLastError("engine_load_world: " + error);
         return -1;
     }
+    // A world saved with a background shows it: the first one becomes the one drawn.
+    if (!activeBackground() && !w.list<Background>().empty()) setActiveBackground(w.list<Background>().front()->handle);
     if (outcome.warning.empty())
         clearLastError();
     else

@@ -1,6 +1,7 @@
 // engine_load_world, engine_add_world and engine_save as the editor calls them.
 #include "WorldGen.h"
 #include "io/ImageCodec.h"
+#include "scene/Current.h"
 #include "scene/World.h"
 
 #include <cmath>
@@ -218,3 +219,27 @@ TEST_F(ApiWorld, HiddenGroupStaysHiddenInTheFile) {
 }
 
 } // namespace
+
+TEST(ApiWorldBackground, ALoadedWorldDrawsItsFirstBackground) {
+    emptyEngine();
+    const int root = ZELMAR_group_create("the_world");
+    quad(root, 0);
+    for (const char* name : {"sky", "dusk"}) {
+        const int bk = ZELMAR_background_create(name, 0);
+        ZELMAR_background_set_save_flag(bk, 1);
+    }
+    TempDir dir;
+    const std::string path = dir / "b.wld";
+    ASSERT_EQ(ZELMAR_engine_save(path.c_str(), root, 0x1203), 1) << ZELMAR_engine_get_last_error();
+    ASSERT_EQ(ZELMAR_engine_load_world(path.c_str(), "", "", 4), 1) << ZELMAR_engine_get_last_error();
+    ASSERT_NE(activeBackground(), nullptr);
+    EXPECT_EQ(activeBackground()->name, "sky");
+    // a world without one leaves none drawn
+    emptyEngine();
+    const int bare = ZELMAR_group_create("the_world");
+    quad(bare, 0);
+    ASSERT_EQ(ZELMAR_engine_save(path.c_str(), bare, 0x1203), 1);
+    ASSERT_EQ(ZELMAR_engine_load_world(path.c_str(), "", "", 4), 1);
+    EXPECT_EQ(activeBackground(), nullptr);
+    emptyEngine();
+}
