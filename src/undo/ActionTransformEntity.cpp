@@ -1,5 +1,7 @@
 #include "ActionTransformEntity.h"
 
+#include "SubObjectTransforms.h"
+
 #include "view/EntityKinds.h"
 #include "view/SelectionModel.h"
 #include "view/frmPicWins.h"
@@ -88,26 +90,46 @@ void ActionMove::move(const Loc3& at, const Loc3& from) {
 
 // ---- ActionRotate -------------------------------------------------------------------------------
 
+void RotateSetAbout(const MultipleSelection& set, const Loc3& centre, double degrees, int axis) {
+    if (axis < 0 || axis > 2) return;
+    Loc3 turn{0, 0, 0};
+    turn[static_cast<size_t>(axis)] = degrees;
+    for (int g : set.Groups()) {
+        Loc3 own{};
+        ZELMAR_group_get_rotate_reference_point(g, own.data());
+        ZELMAR_group_set_rotate_reference_point(g, centre.data());
+        ZELMAR_group_rotate(g, turn.data(), 0);
+        ZELMAR_group_set_rotate_reference_point(g, own.data());
+    }
+    auto swing = [&](int kind, int handle) {
+        EntityKindOps& ops = KindOps(kind);
+        if (ops.Rotate) ops.Rotate(handle, turn);
+        if (ops.GetLocation && ops.SetLocation)
+            ops.SetLocation(handle, RotateAbout(ops.GetLocation(handle), centre, degrees, axis));
+    };
+    for (int c : set.Cams())
+        swing(2, c);
+    for (int l : set.Lights())
+        swing(4, l);
+}
+
+void ActionRotate::SetRotatedEntity(int kind, int handle, const MultipleSelection* set) {
+    m_e.Set(kind, handle, set);
+    m_centre = Sel().SelObjsAvgCenter;
+}
+
 void ActionRotate::turn(double amount, int axis) {
     if (axis < 0 || axis > 2) return;
+    if (m_e.kind == 6) {
+        RotateSetAbout(m_e.set, m_centre, amount, axis);
+        return;
+    }
     Loc3 deg{0, 0, 0};
     deg[static_cast<size_t>(axis)] = amount;
-    auto one = [&](int kind, int h) {
-        if (kind == 1)
-            ZELMAR_group_rotate(h, deg.data(), 0);
-        else if (KindOps(kind).Rotate)
-            KindOps(kind).Rotate(h, deg);
-    };
-    if (m_e.kind == 6) {
-        for (int g : m_e.set.Groups())
-            one(1, g);
-        for (int c : m_e.set.Cams())
-            one(2, c);
-        for (int l : m_e.set.Lights())
-            one(4, l);
-    } else {
-        one(m_e.kind, m_e.handle);
-    }
+    if (m_e.kind == 1)
+        ZELMAR_group_rotate(m_e.handle, deg.data(), 0);
+    else if (KindOps(m_e.kind).Rotate)
+        KindOps(m_e.kind).Rotate(m_e.handle, deg);
 }
 
 void ActionRotate::Undo() {

@@ -18,6 +18,10 @@ struct TransformedEntity {
     void Set(int k, int h, const MultipleSelection* s);
 };
 
+// Turns a set as one body about `centre`: each group about it, each camera and light on its own and
+// swung about it. The gizmo and the undo of a set's turn both go through here, so undo gives the set back.
+void RotateSetAbout(const MultipleSelection& set, const Loc3& centre, double degrees, int axis);
+
 class ActionMove : public Action {
   public:
     void SetFrmLoc(const Loc3& l) { m_frm = l; }
@@ -37,9 +41,8 @@ class ActionMove : public Action {
 
 class ActionRotate : public Action {
   public:
-    void SetRotatedEntity(int kind, int handle, const MultipleSelection* set = nullptr) {
-        m_e.Set(kind, handle, set);
-    }
+    // A set turns about the centre of the selection as it is now (the centre a turn leaves in place).
+    void SetRotatedEntity(int kind, int handle, const MultipleSelection* set = nullptr);
     // One step of the drag: degrees about axis 0 (x), 1 (y) or 2 (z).
     void AddRotation(double amount, int axis) { m_steps.push_back({amount, axis}); }
     void Undo() override;
@@ -54,6 +57,7 @@ class ActionRotate : public Action {
     };
     std::vector<Step> m_steps;
     TransformedEntity m_e;
+    Loc3 m_centre{0, 0, 0};
 };
 
 class ActionScale : public Action {

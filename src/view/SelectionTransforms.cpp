@@ -50,16 +50,6 @@ Vec3 trackPoint(int track, int i) {
     return p;
 }
 
-// A camera or light of a set turns on its own and swings about the common centre.
-void swingAbout(int kind, int handle, const Vec3& centre, double degrees, int axis) {
-    EntityKindOps& ops = KindOps(kind);
-    Vec3 turn{0, 0, 0};
-    turn[size_t(axis)] = degrees;
-    if (ops.Rotate) ops.Rotate(handle, turn);
-    if (ops.GetLocation && ops.SetLocation)
-        ops.SetLocation(handle, RotateAbout(ops.GetLocation(handle), centre, degrees, axis));
-}
-
 void shiftEntity(int kind, int handle, const Vec3& d) {
     EntityKindOps& ops = KindOps(kind);
     if (ops.GetLocation && ops.SetLocation) ops.SetLocation(handle, plus(ops.GetLocation(handle), d));
@@ -288,22 +278,10 @@ void RotateSelectionBy(ViewportHost& host, SelectMode mode, double degrees, int 
     case 1:
         ZELMAR_group_rotate(s.CurrSelEntity, turn.data(), 0);
         break;
-    case 6: {
+    case 6:
         // Every member swings about the common centre.
-        const Vec3 centre = s.SelObjsAvgCenter;
-        for (int g : s.MultiSel.Groups()) {
-            Vec3 own{};
-            ZELMAR_group_get_rotate_reference_point(g, own.data());
-            ZELMAR_group_set_rotate_reference_point(g, centre.data());
-            ZELMAR_group_rotate(g, turn.data(), 0);
-            ZELMAR_group_set_rotate_reference_point(g, own.data());
-        }
-        for (int c : s.MultiSel.Cams())
-            swingAbout(2, c, centre, degrees, axis);
-        for (int l : s.MultiSel.Lights())
-            swingAbout(4, l, centre, degrees, axis);
+        RotateSetAbout(s.MultiSel, s.SelObjsAvgCenter, degrees, axis);
         break;
-    }
     case 2:
     case 4:
         if (KindOps(s.CurrSelEntityType).Rotate) KindOps(s.CurrSelEntityType).Rotate(s.CurrSelEntity, turn);

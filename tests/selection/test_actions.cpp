@@ -1,6 +1,9 @@
 // Deleting, creating and hiding entities, and how their actions leave the stack: the deferred deletion
 // ends in the destructor of the action that holds the corpse.
 #include "SelTestSupport.h"
+#include "view/SelectionTransforms.h"
+
+#include <cmath>
 
 #include <QKeyEvent>
 
@@ -203,6 +206,36 @@ TEST_F(EntityActions, MoveAndRotateUndoPutTheGroupBack) {
     ZELMAR_point_get_xyz(pt, p1);
     for (int k = 0; k < 3; ++k)
         EXPECT_NEAR(p1[k], p0[k], 1e-6);
+}
+
+// A set turns as one body about its centre; undo must turn it back about the same centre, not each
+// member about its own point.
+TEST_F(EntityActions, UndoOfASetsTurnPutsEveryMemberBack) {
+    withKey(Qt::Key_Control, [&] {
+        click(Right, pixelOf(Right, {-250, 0, 0}));
+        click(Right, pixelOf(Right, {250, 0, 0}));
+    });
+    ASSERT_EQ(sel().CurrSelEntityType, 6);
+    const int pa = ZELMAR_polygon_get_first_point(world.aPols[0]);
+    double a0[3], b0[3], a1[3], b1[3];
+    ZELMAR_point_get_xyz(pa, a0);
+    ZELMAR_group_get_location(world.b, b0);
+    RotateSelectionBy(host, SelectMode::Entity, 30, 2);
+    RotateSelectionBy(host, SelectMode::Entity, -50, 0);
+    ZELMAR_group_get_location(world.b, b1);
+    EXPECT_GT(std::fabs(b1[1] - b0[1]), 1.0); // swung about the centre between the two
+    host.stack->Push(MakeRotateAction(SelectMode::Entity, {{30, 2}, {-50, 0}}));
+    undo();
+    ZELMAR_point_get_xyz(pa, a1);
+    ZELMAR_group_get_location(world.b, b1);
+    for (int k = 0; k < 3; ++k) {
+        EXPECT_NEAR(a1[k], a0[k], 1e-6);
+        EXPECT_NEAR(b1[k], b0[k], 1e-6);
+    }
+    redo();
+    undo();
+    ZELMAR_group_get_location(world.b, b1);
+    for (int k = 0; k < 3; ++k) EXPECT_NEAR(b1[k], b0[k], 1e-6);
 }
 
 TEST_F(EntityActions, ScaleUndoGivesBackTheDimensionsOfAGroupAndOfATrack) {
