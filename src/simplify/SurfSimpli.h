@@ -259,6 +259,9 @@ private:
     void cornerUV(int tri, int point, double uv[2]) const;
     void setCornerUV(int tri, int point, const double uv[2]);
     bool edgeHasTri(int edge, int tri) const;
+    // Calls test(triangle, corners) for each valid triangle of either end that is not on the edge,
+    // with the ends replaced by NewCoords; true as soon as a test answers true.
+    template <class Test> bool anyMovedTri(int edge, Test test) const;
     void heapUpdate(int edge);
     void rebuildHeap();
     void rebuildPointIndex();

@@ -227,7 +227,7 @@ bool SurfSimpli::edgeHasTri(int edge, int tri) const {
     return std::find(l.begin(), l.end(), tri) != l.end();
 }
 
-bool SurfSimpli::WouldDegenerate(int edge) {
+template <class Test> bool SurfSimpli::anyMovedTri(int edge, Test test) const {
     const SimpEdge& E = edges_.at(static_cast<std::size_t>(edge));
     const int ends[2] = {E.PtA, E.PtB};
     for (const int end : ends) {
@@ -237,61 +237,49 @@ bool SurfSimpli::WouldDegenerate(int edge) {
             const double* c[3];
             for (int k = 0; k < 3; ++k)
                 c[k] = (T.Pts[k] == E.PtA || T.Pts[k] == E.PtB) ? E.NewCoords : pts_[static_cast<std::size_t>(T.Pts[k])].Coords;
-            const double s1[3] = {fin(c[1][0] - c[0][0]), fin(c[1][1] - c[0][1]), fin(c[1][2] - c[0][2])};
-            const double s2[3] = {fin(c[2][0] - c[0][0]), fin(c[2][1] - c[0][1]), fin(c[2][2] - c[0][2])};
-            const double x = fin(s1[1] * s2[2] - s1[2] * s2[1]);
-            const double y = fin(s1[2] * s2[0] - s1[0] * s2[2]);
-            const double z = fin(s1[0] * s2[1] - s1[1] * s2[0]);
-            if (x == 0.0 && y == 0.0 && z == 0.0) return true;
+            if (test(T, c)) return true;
         }
     }
     return false;
 }
 
+bool SurfSimpli::WouldDegenerate(int edge) {
+    return anyMovedTri(edge, [](const SimpTri&, const double* const* c) {
+        const double s1[3] = {fin(c[1][0] - c[0][0]), fin(c[1][1] - c[0][1]), fin(c[1][2] - c[0][2])};
+        const double s2[3] = {fin(c[2][0] - c[0][0]), fin(c[2][1] - c[0][1]), fin(c[2][2] - c[0][2])};
+        const double x = fin(s1[1] * s2[2] - s1[2] * s2[1]);
+        const double y = fin(s1[2] * s2[0] - s1[0] * s2[2]);
+        const double z = fin(s1[0] * s2[1] - s1[1] * s2[0]);
+        return x == 0.0 && y == 0.0 && z == 0.0;
+    });
+}
+
 bool SurfSimpli::WouldFlipNormal(int edge) {
-    const SimpEdge& E = edges_.at(static_cast<std::size_t>(edge));
-    const int ends[2] = {E.PtA, E.PtB};
-    for (const int end : ends) {
-        for (const std::int32_t t : pts_.at(static_cast<std::size_t>(end)).AssTris) {
-            const SimpTri& T = tris_[static_cast<std::size_t>(t)];
-            if (!T.Valid || edgeHasTri(edge, t)) continue;
-            const double* c[3];
-            for (int k = 0; k < 3; ++k)
-                c[k] = (T.Pts[k] == E.PtA || T.Pts[k] == E.PtB) ? E.NewCoords : pts_[static_cast<std::size_t>(T.Pts[k])].Coords;
-            // PlaneFromPoints, as the maths library writes it
-            const double x1 = c[0][0], y1 = c[0][1], z1 = c[0][2];
-            const double x2 = c[1][0], y2 = c[1][1], z2 = c[1][2];
-            const double x3 = c[2][0], y3 = c[2][1], z3 = c[2][2];
-            const double a = fin(y1 * (z2 - z3) + y2 * (z3 - z1) + y3 * (z1 - z2));
-            const double b = fin(z1 * (x2 - x3) + z2 * (x3 - x1) + z3 * (x1 - x2));
-            const double cc = fin(x1 * (y2 - y3) + x2 * (y3 - y1) + x3 * (y1 - y2));
-            fin(-(x1 * (y2 * z3 - y3 * z2) + x2 * (y3 * z1 - y1 * z3) + x3 * (y1 * z2 - y2 * z1)));
-            // VectorNegate, then angleBetVectors(negated normal, triangle's plane normal) > 90
-            const double n[3] = {-a, -b, -cc};
-            const double* p = T.Plane;
-            // Where the sign of the cosine settles the answer beyond any rounding, it is read
-            // directly; otherwise (near 90 degrees, tiny or huge vectors) the library decides.
-            const double la2 = n[0] * n[0] + n[1] * n[1] + n[2] * n[2];
-            const double lb2 = p[0] * p[0] + p[1] * p[1] + p[2] * p[2];
-            bool decided = false, flip = false;
-            if (la2 >= 1e-250 && la2 <= 1e250 && lb2 >= 1e-250 && lb2 <= 1e250) {
-                const double dot = fin(fin(n[0] * p[0]) + fin(n[1] * p[1]) + fin(n[2] * p[2]));
-                const double m = std::sqrt(la2) * std::sqrt(lb2);
-                if (dot <= -1e-6 * m) {
-                    decided = true;
-                    flip = true; // cosine below 0: above 90 degrees
-                } else if (dot >= 1e-6 * m) {
-                    decided = true; // cosine above 1e-6: below 90 degrees
-                }
-            }
-            if (!decided) {
-                const Maths::Vector nv{n[0], n[1], n[2]}, pv{p[0], p[1], p[2]};
-                flip = Maths::angleBetVectors(nv, pv) > 90.0;
-            }
-            if (flip) return true;
+    return anyMovedTri(edge, [](const SimpTri& T, const double* const* c) {
+        // PlaneFromPoints, as the maths library writes it
+        const double x1 = c[0][0], y1 = c[0][1], z1 = c[0][2];
+        const double x2 = c[1][0], y2 = c[1][1], z2 = c[1][2];
+        const double x3 = c[2][0], y3 = c[2][1], z3 = c[2][2];
+        const double a = fin(y1 * (z2 - z3) + y2 * (z3 - z1) + y3 * (z1 - z2));
+        const double b = fin(z1 * (x2 - x3) + z2 * (x3 - x1) + z3 * (x1 - x2));
+        const double cc = fin(x1 * (y2 - y3) + x2 * (y3 - y1) + x3 * (y1 - y2));
+        fin(-(x1 * (y2 * z3 - y3 * z2) + x2 * (y3 * z1 - y1 * z3) + x3 * (y1 * z2 - y2 * z1)));
+        // VectorNegate, then angleBetVectors(negated normal, triangle's plane normal) > 90
+        const double n[3] = {-a, -b, -cc};
+        const double* p = T.Plane;
+        // Where the sign of the cosine settles the answer beyond any rounding, it is read
+        // directly; otherwise (near 90 degrees, tiny or huge vectors) the library decides.
+        const double la2 = n[0] * n[0] + n[1] * n[1] + n[2] * n[2];
+        const double lb2 = p[0] * p[0] + p[1] * p[1] + p[2] * p[2];
+        if (la2 >= 1e-250 && la2 <= 1e250 && lb2 >= 1e-250 && lb2 <= 1e250) {
+            const double dot = fin(fin(n[0] * p[0]) + fin(n[1] * p[1]) + fin(n[2] * p[2]));
+            const double m = std::sqrt(la2) * std::sqrt(lb2);
+            if (dot <= -1e-6 * m) return true;  // cosine below 0: above 90 degrees
+            if (dot >= 1e-6 * m) return false; // cosine above 1e-6: below 90 degrees
         }
-    }
-    return false;
+        const Maths::Vector nv{n[0], n[1], n[2]}, pv{p[0], p[1], p[2]};
+        return Maths::angleBetVectors(nv, pv) > 90.0;
+    });
 }
 
 bool SurfSimpli::KeepsManifold(int edge) {

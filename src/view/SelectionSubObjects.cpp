@@ -66,30 +66,15 @@ void SelectionModel::scanPoints(const PixelRect& r, bool backFaceTest,
     }
 }
 
+// A polygon is hit by its first point inside the rectangle; its points come one after another.
 void SelectionModel::scanPolygons(const PixelRect& r, bool backFaceTest,
                                   const std::function<void(int)>& hit) {
-    makeActiveCameraCurrent();
-    double eye[3] = {0, 0, 0};
-    ZELMAR_camera_get_location(ZELMAR_camera_get_current(), eye);
-    const int group = Sel().CurrSelEntity;
-    for (int pol = ZELMAR_group_get_first_polygon(group); pol != 0;
-         pol = ZELMAR_group_get_next_polygon(pol)) {
-        if (backFaceTest) {
-            double plane[4];
-            ZELMAR_polygon_get_plane(pol, plane);
-            if (ZELMAR_math_get_plane_point_relations(plane, eye, 0.0) == 2) continue;
-        }
-        for (int pt = ZELMAR_polygon_get_first_point(pol); pt != 0; pt = ZELMAR_point_get_next_point(pt)) {
-            double xyz[3];
-            int px[2] = {0, 0};
-            ZELMAR_point_get_xyz(pt, xyz);
-            if (ZELMAR_engine_3D_point_to_2D(xyz, px) != 0) continue;
-            if (r.Contains(px[0], px[1])) {
-                hit(pol);
-                break;
-            }
-        }
-    }
+    int last = 0;
+    scanPoints(r, backFaceTest, [&](int, int pol) {
+        if (pol == last) return;
+        last = pol;
+        hit(pol);
+    });
 }
 
 std::vector<int> SelectionModel::scanTrackPoints(const PixelRect& r) {
