@@ -266,23 +266,33 @@ BuildResult build(World& w, WorldData& d, BitmapImages& images) {
         b.handles[static_cast<int>(Kind::Background)].push_back(x->handle);
     }
 
-    // Styles: references resolved once, then copied into each polygon by field.
-    for (Polygon& style : d.styles) {
+    // Styles: references resolved once; each becomes the model its polygons are copied from.
+    std::vector<Polygon> models(d.styles.size());
+    for (size_t i = 0; i < d.styles.size(); ++i) {
         Fields f;
-        styleFields(style, f);
+        styleFields(d.styles[i], f);
         b.resolveFields(f);
+        copyStyle(d.styles[i], models[i]);
     }
+    // Every count is known: the handle table and the groups' order arrays are sized once.
+    std::vector<uint32_t> perGroup(groups.size(), 0);
+    uint64_t points = 0;
+    for (const StagedPolygon& s : d.polygons) {
+        ++perGroup[s.group];
+        points += s.pointCount;
+    }
+    for (size_t i = 0; i < groups.size(); ++i)
+        groups[i]->order.reserve(groups[i]->order.size() + perGroup[i]);
+    w.reserveHandles(d.polygons.size() + points);
     const auto& attrs = pointAttrs();
     auto& polygonHandles = b.handles[static_cast<int>(Kind::Polygon)];
     polygonHandles.reserve(d.polygons.size());
     const PointData defaults{};
     uint32_t planMask = 0;
     std::vector<uint32_t> plan;
-    for (const StagedPolygon& s : d.polygons) {
-        Polygon* p = w.createPolygon();
-        p->name = s.name;
-        copyStyle(d.styles[s.style], *p);
-        p->points.reserve(s.pointCount);
+    for (StagedPolygon& s : d.polygons) {
+        Polygon* p = w.createPolygonFrom(models[s.style], s.pointCount);
+        p->name = std::move(s.name);
         if (s.mask != planMask) { // the doubles to place, worked out once per attribute mask
             planMask = s.mask;
             plan.clear();
@@ -292,19 +302,19 @@ BuildResult build(World& w, WorldData& d, BitmapImages& images) {
                         plan.push_back(attrs[a].offset + 8 * c);
         }
         const uint8_t* src = d.pointBytes + s.pointOffset;
+        PointData* pts = w.appendPoints(*p, s.pointCount, defaults);
         for (uint32_t k = 0; k < s.pointCount; ++k) {
-            PointData pd = defaults;
-            char* dst = reinterpret_cast<char*>(&pd);
+            char* dst = reinterpret_cast<char*>(pts + k);
             for (uint32_t off : plan) { // fixed-size copies: no call, no string instruction
                 std::memcpy(dst + off, src, 8);
                 src += 8;
             }
-            w.addPoint(*p, pd);
         }
-        w.setPolygonGroup(*p, groups[s.group]);
+        w.appendToGroup(*p, *groups[s.group]);
         p->addedToWorld = true;
         polygonHandles.push_back(p->handle);
     }
+    w.endBulk();
 
     // Last, the references that may point anywhere (also forward, and at polygons).
     for (Camera* x : cameras) {

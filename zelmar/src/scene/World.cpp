@@ -1,7 +1,140 @@
 #include "scene/World.h"
 #include <algorithm>
+#include <cstdint>
+#include <new>
+#include <sys/mman.h>
+#include <utility>
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/asan_interface.h>
+#define ZELMAR_POISON(p, n) ASAN_POISON_MEMORY_REGION(p, n)
+#define ZELMAR_UNPOISON(p, n) ASAN_UNPOISON_MEMORY_REGION(p, n)
+#else
+#define ZELMAR_POISON(p, n) ((void)(p), (void)(n))
+#define ZELMAR_UNPOISON(p, n) ((void)(p), (void)(n))
+#endif
 
 namespace zelmar {
+
+namespace {
+
+constexpr size_t kBlockBytes = size_t(2) << 20; // a huge page
+constexpr size_t kBigBytes = size_t(4) << 20;   // from here on, vectors take huge pages
+
+// `bytes` (a multiple of kBlockBytes) aligned on kBlockBytes, marked for huge pages.
+void* mapAligned(size_t bytes) {
+    void* raw =
+        ::mmap(nullptr, bytes + kBlockBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (raw == MAP_FAILED) throw std::bad_alloc();
+    const uintptr_t a = reinterpret_cast<uintptr_t>(raw);
+    const uintptr_t at = (a + kBlockBytes - 1) & ~(kBlockBytes - 1);
+    if (at > a) ::munmap(raw, at - a);
+    if (const size_t tail = a + kBlockBytes - at) ::munmap(reinterpret_cast<void*>(at + bytes), tail);
+#ifdef MADV_HUGEPAGE
+    ::madvise(reinterpret_cast<void*>(at), bytes, MADV_HUGEPAGE);
+#endif
+    return reinterpret_cast<void*>(at);
+}
+
+size_t roundToBlocks(size_t bytes) {
+    return (bytes + kBlockBytes - 1) & ~(kBlockBytes - 1);
+}
+
+} // namespace
+
+void* World::bigAllocate(size_t bytes) {
+    if (bytes < kBigBytes) return ::operator new(bytes);
+    return mapAligned(roundToBlocks(bytes));
+}
+
+void World::bigFree(void* p, size_t bytes) {
+    if (bytes < kBigBytes)
+        ::operator delete(p);
+    else
+        ::munmap(p, roundToBlocks(bytes));
+}
+
+struct World::Pool::Block {
+    Block* prev = nullptr; // the list of blocks with a free place
+    Block* next = nullptr;
+    void* freed = nullptr; // given-back places, linked through their first bytes
+    size_t live = 0, bumped = 0;
+    bool isOpen = false;
+};
+
+World::Pool::Pool(size_t placeBytes)
+    : place_((std::max(placeBytes, sizeof(void*)) + alignof(std::max_align_t) - 1) &
+             ~(alignof(std::max_align_t) - 1)),
+      header_((sizeof(Block) + alignof(std::max_align_t) - 1) & ~(alignof(std::max_align_t) - 1)),
+      perBlock_((kBlockBytes - header_) / place_) {}
+
+World::Pool::~Pool() {
+    trim(); // blocks still in use would be a leak of their owner's, not ours to free
+}
+
+void World::Pool::open(Block* b) {
+    b->isOpen = true;
+    b->prev = nullptr;
+    b->next = open_;
+    if (open_) open_->prev = b;
+    open_ = b;
+}
+
+void World::Pool::close(Block* b) {
+    b->isOpen = false;
+    (b->prev ? b->prev->next : open_) = b->next;
+    if (b->next) b->next->prev = b->prev;
+    b->prev = b->next = nullptr;
+}
+
+void* World::Pool::take() {
+    Block* b = open_;
+    if (!b) {
+        if (spare_) {
+            b = std::exchange(spare_, nullptr);
+        } else {
+            b = new (mapAligned(kBlockBytes)) Block();
+            ++blocks_;
+            ZELMAR_POISON(reinterpret_cast<char*>(b) + header_, kBlockBytes - header_);
+        }
+        open(b);
+    }
+    void* p;
+    if (b->freed) {
+        p = b->freed;
+        ZELMAR_UNPOISON(p, place_);
+        b->freed = *static_cast<void**>(p);
+    } else {
+        p = reinterpret_cast<char*>(b) + header_ + b->bumped++ * place_;
+        ZELMAR_UNPOISON(p, place_);
+    }
+    if (++b->live == perBlock_) close(b);
+    return p;
+}
+
+void World::Pool::give(void* place) {
+    auto* b = reinterpret_cast<Block*>(reinterpret_cast<uintptr_t>(place) & ~(kBlockBytes - 1));
+    if (b->live-- == perBlock_) open(b);
+    if (b->live == 0) { // every place free: the block is kept as the spare or unmapped
+        close(b);
+        if (spare_) trim();
+        *b = Block();
+        ZELMAR_POISON(reinterpret_cast<char*>(b) + header_, kBlockBytes - header_);
+        spare_ = b;
+        return;
+    }
+    *static_cast<void**>(place) = b->freed;
+    b->freed = place;
+    ZELMAR_POISON(place, place_);
+}
+
+void World::Pool::trim() {
+    if (!spare_) return;
+    ZELMAR_UNPOISON(spare_, kBlockBytes);
+    ::munmap(spare_, kBlockBytes);
+    spare_ = nullptr;
+    --blocks_;
+}
 
 World& world() {
     static World w;
@@ -71,16 +204,58 @@ Group* World::createGroup(const std::string& name) {
     return g;
 }
 
-Polygon* World::createPolygon() {
-    auto* p = new Polygon();
-    p->points.reserve(4); // the common quad needs no further allocation
-    p->handle = issue(Kind::Polygon, p);
-    p->prevInWorld = polygonsTail_;
-    (polygonsTail_ ? polygonsTail_->nextInWorld : polygonsHead_) = p;
-    polygonsTail_ = p;
+void World::linkPolygon(Polygon& p) {
+    p.handle = issue(Kind::Polygon, &p);
+    p.prevInWorld = polygonsTail_;
+    (polygonsTail_ ? polygonsTail_->nextInWorld : polygonsHead_) = &p;
+    polygonsTail_ = &p;
     ++polygonCount_;
+}
+
+Polygon* World::createPolygon() {
+    auto* p = new (polygonPool_.take()) Polygon();
+    p->points.reserve(4); // the common quad needs no further allocation
+    linkPolygon(*p);
     touch();
     return p;
+}
+
+void World::reserveHandles(size_t more) {
+    slots_.reserve(std::min(slots_.size() + more, static_cast<size_t>(INT32_MAX)));
+}
+
+Polygon* World::createPolygonFrom(const Polygon& style, uint32_t points) {
+    auto* p = new (polygonPool_.take()) Polygon(style);
+    p->group = nullptr;
+    p->prevInGroup = p->nextInGroup = p->prevInWorld = p->nextInWorld = nullptr;
+    p->points.clear();
+    p->points.reserve(points);
+    p->name.clear();
+    p->addedToWorld = false;
+    p->orderIndex = 0;
+    p->version = 0;
+    linkPolygon(*p);
+    return p;
+}
+
+PointData* World::appendPoints(Polygon& p, uint32_t n, const PointData& init) {
+    const auto first = static_cast<uint32_t>(p.points.size());
+    p.points.resize(first + n, init);
+    for (uint32_t i = first; i < first + n; ++i)
+        p.points[i].handle = issue(Kind::Point, &p, i);
+    p.version += n; // as n addPoint calls would
+    return p.points.data() + first;
+}
+
+void World::appendToGroup(Polygon& p, Group& g) {
+    p.group = &g;
+    p.prevInGroup = g.lastPolygon;
+    (g.lastPolygon ? g.lastPolygon->nextInGroup : g.firstPolygon) = &p;
+    g.lastPolygon = &p;
+    ++g.ownPolygons;
+    ++g.version;
+    p.orderIndex = static_cast<uint32_t>(g.order.size());
+    g.order.push_back(p.handle);
 }
 
 void World::reindexPoints(Polygon& p, uint32_t from) {
@@ -155,16 +330,8 @@ void World::setPolygonGroup(Polygon& p, Group* g) {
         old->order[p.orderIndex] = 0;
         if (++old->orderHoles > 16 && old->orderHoles * 2 > old->order.size()) compactOrder(*old);
     }
-    p.group = g;
-    if (g) {
-        p.prevInGroup = g->lastPolygon;
-        (g->lastPolygon ? g->lastPolygon->nextInGroup : g->firstPolygon) = &p;
-        g->lastPolygon = &p;
-        ++g->ownPolygons;
-        ++g->version;
-        p.orderIndex = static_cast<uint32_t>(g->order.size());
-        g->order.push_back(p.handle);
-    }
+    p.group = nullptr;
+    if (g) appendToGroup(p, *g);
     touch();
 }
 
@@ -186,7 +353,8 @@ void World::destroyPolygon(Polygon& p) {
     retire(p.handle);
     --polygonCount_;
     touch();
-    delete &p;
+    p.~Polygon();
+    polygonPool_.give(&p);
 }
 
 void World::unlinkFromFather(Group& g) {
@@ -316,6 +484,7 @@ void World::clear() {
         destroyAnimation(*animations_.back());
     while (!bitmaps_.empty())
         destroyBitmap(*bitmaps_.back());
+    polygonPool_.trim();
     touch();
 }
 

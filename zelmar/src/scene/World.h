@@ -3,6 +3,7 @@
 // can never name a newer entity; lookups are O(1) through a slot vector.
 #pragma once
 #include "scene/Entities.h"
+#include <cstddef>
 #include <string>
 
 namespace zelmar {
@@ -38,6 +39,17 @@ class World {
     Background* createBackground(const std::string& name);
     Bitmap* createBitmap(const std::string& name);
     Animation* createAnimation(const std::string& name);
+
+    // Bulk creation, for loaders that know every count before creating anything. Handles
+    // come in the same order as one by one; nothing is notified until endBulk().
+    void reserveHandles(size_t more);
+    // A polygon with `style`'s stored values (not its handle, links, ring or name), its ring
+    // reserved for `points` points, in no group yet.
+    Polygon* createPolygonFrom(const Polygon& style, uint32_t points);
+    // Appends n copies of `init` to the ring, each with a fresh handle; the first of them.
+    PointData* appendPoints(Polygon& p, uint32_t n, const PointData& init);
+    void appendToGroup(Polygon& p, Group& g); // p must be in no group
+    void endBulk() { touch(); }
 
     // Destruction: the handle dies; the kinds with children take them along.
     void destroyGroupTree(Group& g); // group, child groups, their polygons and points
@@ -77,6 +89,7 @@ class World {
     }
     size_t groupCount() const { return groupCount_; }
     size_t polygonCount() const { return polygonCount_; }
+    size_t polygonBlocks() const { return polygonPool_.blocks(); } // memory held for polygons
     bool empty() const;
 
     // Names are how entities are found again after a load.
@@ -87,6 +100,42 @@ class World {
     void touch() { ++generation; }
 
   private:
+    // Places of one size carved from 2 MiB blocks aligned on their size, so the block of a
+    // place is its address masked: one system allocation (and, with transparent huge pages,
+    // one page fault) per block instead of per entity. Freed places are reused first; an
+    // empty block goes back to the system, but for one spare against create/delete churn.
+    class Pool {
+      public:
+        explicit Pool(size_t placeBytes);
+        ~Pool();
+        Pool(const Pool&) = delete;
+        Pool& operator=(const Pool&) = delete;
+        void* take();
+        void give(void* place);
+        void trim(); // returns the spare block
+        size_t blocks() const { return blocks_; }
+
+      private:
+        struct Block;
+        void open(Block* b);
+        void close(Block* b);
+        size_t place_, header_, perBlock_;
+        Block* open_ = nullptr; // blocks with a free place
+        Block* spare_ = nullptr;
+        size_t blocks_ = 0;
+    };
+    // Vectors that can grow to tens of megabytes (the handle table) take huge-page memory.
+    template <class T> struct BigAllocator {
+        using value_type = T;
+        BigAllocator() = default;
+        template <class U> BigAllocator(const BigAllocator<U>&) {}
+        T* allocate(size_t n) { return static_cast<T*>(bigAllocate(n * sizeof(T))); }
+        void deallocate(T* p, size_t n) { bigFree(p, n * sizeof(T)); }
+        template <class U> bool operator==(const BigAllocator<U>&) const { return true; }
+    };
+    static void* bigAllocate(size_t bytes);
+    static void bigFree(void* p, size_t bytes);
+
     struct Slot {
         void* ptr = nullptr;
         uint32_t index = 0; // points: index in the polygon ring
@@ -102,8 +151,10 @@ class World {
     void unlinkFromFather(Group& g);
     void reindexPoints(Polygon& p, uint32_t from);
     void compactOrder(Group& g);
+    void linkPolygon(Polygon& p);
 
-    std::vector<Slot> slots_;
+    std::vector<Slot, BigAllocator<Slot>> slots_;
+    Pool polygonPool_{sizeof(Polygon)};
     Group* groupsHead_ = nullptr;
     Group* groupsTail_ = nullptr;
     Polygon* polygonsHead_ = nullptr;
