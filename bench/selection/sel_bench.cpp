@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 #include <zelmar/zelmar.h>
+#include "../BenchClock.h"
 
 using namespace vexil;
 
@@ -69,11 +70,6 @@ int buildSheet(BenchHost& host, int points) {
     return g;
 }
 
-double cpuNowMs() {
-    timespec t{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
-    return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
-}
 
 // Wall and processor time of one call, in milliseconds.
 struct Timing {
@@ -81,12 +77,12 @@ struct Timing {
 };
 
 template <class F> Timing timeMs(F&& f) {
-    const double c0 = cpuNowMs();
+    const double c0 = bench::threadCpuMs();
     const auto t0 = std::chrono::steady_clock::now();
     f();
     Timing t;
     t.wall = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - t0).count();
-    t.cpu = cpuNowMs() - c0;
+    t.cpu = bench::threadCpuMs() - c0;
     return t;
 }
 

@@ -22,40 +22,17 @@
 #include <sstream>
 #include <string>
 #include <vector>
+#include "../BenchClock.h"
 
 using namespace simplify_test;
 
 namespace {
-double wallMs() {
-    timespec t{};
-    clock_gettime(CLOCK_MONOTONIC, &t);
-    return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
-}
-double cpuMs() {
-    timespec t{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-    return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
-}
-long peakKb() {
-    FILE* f = std::fopen("/proc/self/status", "r");
-    if (!f) return -1;
-    char line[256];
-    long kb = -1;
-    while (std::fgets(line, sizeof line, f))
-        if (std::strncmp(line, "VmHWM:", 6) == 0) kb = std::atol(line + 6);
-    std::fclose(f);
-    return kb;
-}
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
 
 // Time stamps (CPU) of the status texts: extraction, loop, output.
 struct PhaseClock final : simplify::SimplifyStatus {
     double extract = 0, loop = 0, output = 0, end = 0;
     void setText(const std::string& t) override {
-        const double now = cpuMs();
+        const double now = bench::processCpuMs();
         if (t == "Extracting Triangles") extract = now;
         else if (t == "Simplyfing") loop = now;
         else if (t == "Building Output") output = now;
@@ -96,7 +73,7 @@ int main(int argc, char** argv) {
     }
     MeshData mesh = triangulateFans(loadMesh(path));
     if (faces) mesh = firstFaces(mesh, faces);
-    std::printf("peak resident memory after loading the mesh: %ld kB\n", peakKb());
+    std::printf("peak resident memory after loading the mesh: %ld kB\n", bench::peakResidentKb());
     const int total = static_cast<int>(mesh.faces.size());
     std::printf("mesh %s: %d triangles; mode %s\n", path.c_str(), total, mode.c_str());
     Quiet host;
@@ -113,13 +90,13 @@ int main(int argc, char** argv) {
             s.SetHost(&host);
             s.ForceRestart = simplify_ref::vbTrue;
             PhaseClock phases;
-            const double w0 = wallMs(), c0 = cpuMs();
+            const double w0 = bench::wallMs(), c0 = bench::processCpuMs();
             try {
                 s.Reduce(target, g, false, nullptr, &phases, false, false, false);
             } catch (const std::exception& e) {
                 std::printf("  reference raised: %s\n", e.what());
             }
-            const double w1 = wallMs(), c1 = cpuMs();
+            const double w1 = bench::wallMs(), c1 = bench::processCpuMs();
             std::printf("reference keep %.2f: %d -> %d triangles, wall %.1f ms, cpu %.1f ms (extract+copy %.1f, loop %.1f, "
                         "output %.1f)\n",
                         keep, total, s.TriCurrent, w1 - w0, c1 - c0, phases.loop - phases.extract,
@@ -138,13 +115,13 @@ int main(int argc, char** argv) {
             s.ForceRestart = true;
             s.CacheRefusals = !plain;
             PhaseClock phases;
-            const double w0 = wallMs(), c0 = cpuMs();
+            const double w0 = bench::wallMs(), c0 = bench::processCpuMs();
             try {
                 s.Reduce(target, g, false, nullptr, &phases, false, false, false);
             } catch (const std::exception& e) {
                 std::printf("  production raised: %s\n", e.what());
             }
-            const double w1 = wallMs(), c1 = cpuMs();
+            const double w1 = bench::wallMs(), c1 = bench::processCpuMs();
             wall.push_back(w1 - w0);
             cpu.push_back(c1 - c0);
             ex.push_back(phases.loop - phases.extract);
@@ -159,10 +136,10 @@ int main(int argc, char** argv) {
         std::printf("production%s keep %.2f: %d -> %d triangles, median of %d: wall %.1f ms, cpu %.1f ms "
                     "(extract+copy %.1f, loop %.1f, output %.1f); %lld selections, %lld candidates, %lld refusals "
                     "from the cache\n",
-                    plain ? " (no refusal cache)" : "", keep, total, result, runs, median(wall), median(cpu), median(ex), median(lp), median(out), selections,
+                    plain ? " (no refusal cache)" : "", keep, total, result, runs, bench::median(wall), bench::median(cpu), bench::median(ex), bench::median(lp), bench::median(out), selections,
                     candidates, cached);
         std::printf("  model held by SurfSimpli after the run (arrays, lists, copy, indexes): %.1f MB\n", modelBytes / 1048576.0);
     }
-    std::printf("peak resident memory of this process: %ld kB\n", peakKb());
+    std::printf("peak resident memory of this process: %ld kB\n", bench::peakResidentKb());
     return 0;
 }

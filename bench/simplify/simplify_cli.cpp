@@ -22,6 +22,7 @@
 #include <cstring>
 #include <sstream>
 #include <string>
+#include "../BenchClock.h"
 
 using namespace simplify_test;
 using Clock = std::chrono::steady_clock;
@@ -34,23 +35,7 @@ struct Printer final : simplify::SimplifyHost {
 
 double ms(Clock::time_point a, Clock::time_point b) { return std::chrono::duration<double, std::milli>(b - a).count(); }
 
-// CPU time of the process in ms: the machine is shared, so wall time alone misleads.
-double cpuMs() {
-    timespec t{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-    return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
-}
 
-long peakKb() {
-    FILE* f = std::fopen("/proc/self/status", "r");
-    if (!f) return -1;
-    char line[256];
-    long kb = -1;
-    while (std::fgets(line, sizeof line, f))
-        if (std::strncmp(line, "VmHWM:", 6) == 0) kb = std::atol(line + 6);
-    std::fclose(f);
-    return kb;
-}
 
 // Mesh into a zelmar group: one polygon per face, points with x, y, z, u, v, brightness and normal.
 // Mesh files list a face's corners counter-clockwise seen from its front; an engine ring runs clockwise
@@ -160,7 +145,7 @@ int main(int argc, char** argv) {
             const int g = eng.addMesh(mesh);
             int outGroup = 0, current = 0;
             const auto a = Clock::now();
-            const double ca = cpuMs();
+            const double ca = bench::processCpuMs();
             if (reference) {
                 simplify_ref::RefSurfSimpli s(&eng);
                 s.SetHost(&host);
@@ -180,9 +165,9 @@ int main(int argc, char** argv) {
                 std::printf("selections %lld, candidates tested %lld\n", s.SelectionCount, s.CandidateCount);
             }
             const auto b = Clock::now();
-            const double cb = cpuMs();
+            const double cb = bench::processCpuMs();
             std::printf("%s: %d -> %d triangles in %.1f ms (cpu %.1f ms), peak resident %ld kB\n",
-                        reference ? "reference" : "production", total, current, ms(a, b), cb - ca, peakKb());
+                        reference ? "reference" : "production", total, current, ms(a, b), cb - ca, bench::peakResidentKb());
             if (!out.empty()) {
                 saveObj(groupToMesh(eng, outGroup), out);
                 std::printf("wrote %s\n", out.c_str());

@@ -23,6 +23,7 @@
 #include <string>
 #include <vector>
 #include <zelmar/zelmar.h>
+#include "../BenchClock.h"
 
 using namespace vexil;
 
@@ -105,16 +106,7 @@ void addBoxes(BenchHost& host) {
     }
 }
 
-double cpuMs() {
-    timespec t{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
-    return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
-}
 
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
 
 struct Setup {
     BenchHost host;
@@ -171,7 +163,7 @@ int runBench(int frames, const std::vector<long>& sizes) {
                 if (f < 0) continue;
                 render.push_back(s.views->LastRenderMs);
                 paintWall.push_back(s.views->LastPaintMs - s.views->LastRenderMs);
-                const double c0 = cpuMs();
+                const double c0 = bench::threadCpuMs();
                 w->CopyFromTarget();
                 {
                     QPainter p(&w->BackBuffer());
@@ -180,7 +172,7 @@ int runBench(int frames, const std::vector<long>& sizes) {
                     s.views->SelectionBox().Draw(p);
                 }
                 w->repaint();
-                overlayCpu.push_back(cpuMs() - c0);
+                overlayCpu.push_back(bench::threadCpuMs() - c0);
             }
         };
         std::vector<double> render, wall, cpu, tRender, tWall, tCpu;
@@ -204,30 +196,30 @@ int runBench(int frames, const std::vector<long>& sizes) {
             // Where the overlay time goes, in CPU milliseconds of this thread.
             std::vector<double> copy, grid, box, blit;
             for (int k = 0; k < 200; ++k) {
-                const double t0 = cpuMs();
+                const double t0 = bench::threadCpuMs();
                 w->CopyFromTarget();
-                const double t1 = cpuMs();
+                const double t1 = bench::threadCpuMs();
                 {
                     QPainter p(&w->BackBuffer());
                     s.views->ViewGrids(2).Draw(&p);
-                    const double t2 = cpuMs();
+                    const double t2 = bench::threadCpuMs();
                     s.views->SelectionBox().Draw(p);
-                    box.push_back(cpuMs() - t2);
+                    box.push_back(bench::threadCpuMs() - t2);
                     grid.push_back(t2 - t1);
                 }
-                const double t3 = cpuMs();
+                const double t3 = bench::threadCpuMs();
                 w->repaint();
-                blit.push_back(cpuMs() - t3);
+                blit.push_back(bench::threadCpuMs() - t3);
                 copy.push_back(t1 - t0);
             }
             auto low = [](const std::vector<double>& v) { return *std::min_element(v.begin(), v.end()); };
             std::printf(
                 "           top view, median (least) of 200: copy %.3f (%.3f)  grid %.3f (%.3f)  box %.3f "
                 "(%.3f)  blit %.3f (%.3f) ms\n",
-                median(copy), low(copy), median(grid), low(grid), median(box), low(box), median(blit),
+                bench::median(copy), low(copy), bench::median(grid), low(grid), bench::median(box), low(box), bench::median(blit),
                 low(blit));
         }
-        const double r = median(render), o = median(cpu), tr = median(tRender), to = median(tCpu);
+        const double r = bench::median(render), o = bench::median(cpu), tr = bench::median(tRender), to = bench::median(tCpu);
         std::printf("%10ld | %8.2f %8.2f %8.2f %6.1f%% | %8.2f %8.2f %8.2f %6.1f%%\n", n, r, o, r + o,
                     100 * o / r, tr, to, tr + to, 100 * to / tr);
         std::fflush(stdout);
