@@ -258,14 +258,17 @@ void SelectionModel::mnuUnhideCurrent_Click() {
     ThingsToDoAfterUnhiding();
 }
 
-void SelectionModel::mnuLightMenuHideAll_Click(bool hide) {
+void SelectionModel::hideOrShowAll(bool hide, bool lights) {
     if (!m_host.WorldOpen()) return;
     SelectionState& s = Sel();
     if (hide) {
         ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionHide);
         auto* a = env->As<ActionHide>();
         if (!a) return;
-        a->HidingAllLightsInScene();
+        if (lights)
+            a->HidingAllLightsInScene();
+        else
+            a->HidingAllCamerasInScene();
         a->SetEntitySelBeforeHide(s.CurrSelEntityType, s.CurrSelEntity, s.MultiSel);
         m_host.UndoStack().Push(env);
         HideUnhideMultiple(a->Hidden().set, true);
@@ -274,7 +277,10 @@ void SelectionModel::mnuLightMenuHideAll_Click(bool hide) {
         ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionUnhide);
         auto* a = env->As<ActionUnhide>();
         if (!a) return;
-        a->UnHidingAllLightsInScene();
+        if (lights)
+            a->UnHidingAllLightsInScene();
+        else
+            a->UnHidingAllCamerasInScene();
         a->SetEntitySelBeforeUnhide(s.CurrSelEntityType, s.CurrSelEntity, s.MultiSel);
         m_host.UndoStack().Push(env);
         HideUnhideMultiple(a->Unhidden().set, false);
@@ -282,28 +288,12 @@ void SelectionModel::mnuLightMenuHideAll_Click(bool hide) {
     }
 }
 
+void SelectionModel::mnuLightMenuHideAll_Click(bool hide) {
+    hideOrShowAll(hide, true);
+}
+
 void SelectionModel::mnuCamTrkBkMenuHideAll_Click(bool hide) {
-    if (!m_host.WorldOpen()) return;
-    SelectionState& s = Sel();
-    if (hide) {
-        ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionHide);
-        auto* a = env->As<ActionHide>();
-        if (!a) return;
-        a->HidingAllCamerasInScene();
-        a->SetEntitySelBeforeHide(s.CurrSelEntityType, s.CurrSelEntity, s.MultiSel);
-        m_host.UndoStack().Push(env);
-        HideUnhideMultiple(a->Hidden().set, true);
-        ThingsToDoAfterHiding();
-    } else {
-        ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionUnhide);
-        auto* a = env->As<ActionUnhide>();
-        if (!a) return;
-        a->UnHidingAllCamerasInScene();
-        a->SetEntitySelBeforeUnhide(s.CurrSelEntityType, s.CurrSelEntity, s.MultiSel);
-        m_host.UndoStack().Push(env);
-        HideUnhideMultiple(a->Unhidden().set, false);
-        ThingsToDoAfterUnhiding();
-    }
+    hideOrShowAll(hide, false);
 }
 
 } // namespace vexil

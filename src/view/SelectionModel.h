@@ -220,6 +220,8 @@ class SelectionModel {
     void ClearWorldState();
 
   private:
+    // Hide All / Show All of the light tree (lights) or of the camera tree (cameras), as one undo step.
+    void hideOrShowAll(bool hide, bool lights);
     void makeActiveCameraCurrent();
     // The selected point nearest to SelPtsAvgCenter, from the points' locations (three per point).
     void nearestPoint(const std::vector<double>& xyz);
