@@ -16,6 +16,19 @@ inline int64_t ceilDiv(int64_t a, int64_t b) { // b > 0
     return -floorDiv(-a, b);
 }
 
+// std::lround without the library call: halves away from zero. v - trunc(v) is exact below
+// 2^52, so the comparisons see the true fraction.
+inline int64_t roundHalfAway(double v) {
+    if (!(std::fabs(v) < 4503599627370496.0)) return static_cast<int64_t>(std::lround(v));
+    const int64_t t = static_cast<int64_t>(v);
+    const double f = v - static_cast<double>(t);
+    return t + (f >= 0.5 ? 1 : 0) - (f <= -0.5 ? 1 : 0);
+}
+
+// Spans of triangles at most this many pixels wide are found by testing each pixel centre,
+// which is cheaper than solving the edges for x.
+constexpr int kNarrow = 8;
+
 // Float to int with the value held to +-limit (NaN gives 0), so that no conversion
 // overflows whatever the scene's numbers.
 inline int32_t toInt(float v, float limit) {
@@ -98,6 +111,37 @@ inline bool rowSpan(const Tri& t, int y, int64_t& xl, int64_t& xr) {
     return xl <= xr;
 }
 
+// rowSpan for a triangle at most kNarrow pixels wide: the same pixels, each centre tested
+// against the three edge functions.
+inline bool rowSpanNarrow(const Tri& t, int y, int64_t& xl, int64_t& xr) {
+    const int64_t py = 16 * static_cast<int64_t>(y) + 8, px = 16 * static_cast<int64_t>(t.minX) + 8;
+    int64_t e[3], step[3];
+    for (int i = 0; i < 3; ++i) {
+        e[i] = t.ea[i] * px + t.eb[i] * py + t.ec[i];
+        step[i] = 16 * static_cast<int64_t>(t.ea[i]);
+    }
+    int64_t x = t.minX;
+    for (; x <= t.maxX; ++x) {
+        if ((e[0] | e[1] | e[2]) >= 0) break;
+        for (int i = 0; i < 3; ++i)
+            e[i] += step[i];
+    }
+    if (x > t.maxX) return false;
+    xl = x;
+    // The covered pixels of a row are contiguous.
+    for (++x; x <= t.maxX; ++x) {
+        for (int i = 0; i < 3; ++i)
+            e[i] += step[i];
+        if ((e[0] | e[1] | e[2]) < 0) break;
+    }
+    xr = x - 1;
+    return true;
+}
+
+inline bool span(const Tri& t, int y, int64_t& xl, int64_t& xr) {
+    return t.maxX - t.minX < kNarrow ? rowSpanNarrow(t, y, xl, xr) : rowSpan(t, y, xl, xr);
+}
+
 // Textured spans on power-of-two bitmaps: the perspective divide is made every kStep
 // pixels (anchored at the span's start, so independent of bands) and texture coordinates,
 // shade and fog are stepped in fixed point in between.
@@ -116,7 +160,7 @@ void rasterRowsPow2(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
     const uint32_t half = bilinear ? 32768u : 0u;
     for (int y = y0; y < y1; ++y) {
         int64_t xl, xr;
-        if (!rowSpan(t, y, xl, xr)) continue;
+        if (!span(t, y, xl, xr)) continue;
         const float ox = static_cast<float>(xl) + 0.5f - t.x0, oy = static_cast<float>(y) + 0.5f - t.y0;
         float z = t.a0[kZ] + t.dx[kZ] * ox + t.dy[kZ] * oy;
         float q = t.a0[kQ] + t.dx[kQ] * ox + t.dy[kQ] * oy;
@@ -232,7 +276,7 @@ void rasterRows(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
     const uint32_t fr = fb.fogColor & 0xFF, fg = (fb.fogColor >> 8) & 0xFF, fbl = (fb.fogColor >> 16) & 0xFF;
     for (int y = y0; y < y1; ++y) {
         int64_t xl, xr;
-        if (!rowSpan(t, y, xl, xr)) continue;
+        if (!span(t, y, xl, xr)) continue;
         float v[kAttrs];
         const float ox = static_cast<float>(xl) + 0.5f - t.x0, oy = static_cast<float>(y) + 0.5f - t.y0;
         for (int k = 0; k < kAttrs; ++k)
@@ -348,8 +392,8 @@ bool setupTri(const ScreenVertex& a, const ScreenVertex& b, const ScreenVertex& 
     const ScreenVertex* v[3] = {&a, &b, &c};
     int64_t X[3], Y[3];
     for (int i = 0; i < 3; ++i) {
-        X[i] = static_cast<int64_t>(std::lround(static_cast<double>(v[i]->sx) * 16.0));
-        Y[i] = static_cast<int64_t>(std::lround(static_cast<double>(v[i]->sy) * 16.0));
+        X[i] = roundHalfAway(static_cast<double>(v[i]->sx) * 16.0);
+        Y[i] = roundHalfAway(static_cast<double>(v[i]->sy) * 16.0);
     }
     int64_t area = (X[1] - X[0]) * (Y[2] - Y[0]) - (Y[1] - Y[0]) * (X[2] - X[0]);
     if (area == 0) return false;
@@ -375,19 +419,46 @@ bool setupTri(const ScreenVertex& a, const ScreenVertex& b, const ScreenVertex& 
         t.eb[i] = static_cast<int32_t>(B);
         t.ec[i] = -(A * X[i] + B * Y[i]) - (topLeft ? 0 : 1);
     }
-    // Attribute planes from the snapped positions.
+    // Most triangles of a dense mesh are a pixel or two across and many cover no pixel
+    // centre at all: find those before the costly planes.
+    if ((t.maxX - t.minX + 1) * (t.maxY - t.minY + 1) <= 16) {
+        bool covered = false;
+        for (int y = t.minY; y <= t.maxY && !covered; ++y) {
+            int64_t xl, xr;
+            covered = rowSpanNarrow(t, y, xl, xr);
+        }
+        if (!covered) return false;
+    }
+    // Attribute planes from the snapped positions, for the attributes the pixels read
+    // (the rest are left at zero).
     const double x0 = X[0] / 16.0, y0 = Y[0] / 16.0;
     const double d1x = X[1] / 16.0 - x0, d1y = Y[1] / 16.0 - y0;
     const double d2x = X[2] / 16.0 - x0, d2y = Y[2] / 16.0 - y0;
     const double det = d1x * d2y - d2x * d1y;
     t.x0 = static_cast<float>(x0);
     t.y0 = static_cast<float>(y0);
+    const bool textured = (t.flags & kTextured) && t.tex;
+    const bool lightMap = (t.flags & kLightMap) && t.tex2;
+    uint32_t used = 1u << kZ | 1u << kR | 1u << kG | 1u << kB;
+    if (textured || lightMap) used |= 1u << kQ;
+    if (textured) used |= 1u << kU | 1u << kV;
+    if (lightMap) used |= 1u << kU2 | 1u << kV2;
+    if (t.flags & kFog) used |= 1u << kF;
+    // Both slopes of an attribute in one two-lane division: each lane rounds exactly as
+    // the scalar expression would.
+    typedef double Pair __attribute__((vector_size(16)));
+    const Pair cross1 = {d2y, d1x}, cross2 = {d1y, d2x}, dets = {det, det};
     for (int k = 0; k < kAttrs; ++k) {
+        t.a0[k] = v[0]->a[k];
+        t.dx[k] = t.dy[k] = 0.0f;
+        if (!(used & (1u << k))) continue;
         const double a0 = v[0]->a[k];
         const double da1 = v[1]->a[k] - a0, da2 = v[2]->a[k] - a0;
-        t.a0[k] = v[0]->a[k];
-        t.dx[k] = static_cast<float>((da1 * d2y - da2 * d1y) / det);
-        t.dy[k] = static_cast<float>((da2 * d1x - da1 * d2x) / det);
+        if (da1 == 0 && da2 == 0) continue; // flat: the slopes are zero
+        const Pair first = {da1, da2}, second = {da2, da1};
+        const Pair slope = (first * cross1 - second * cross2) / dets;
+        t.dx[k] = static_cast<float>(slope[0]);
+        t.dy[k] = static_cast<float>(slope[1]);
     }
     return true;
 }

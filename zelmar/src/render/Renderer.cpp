@@ -97,6 +97,51 @@ inline double planeValue(const double* k, const double c[3]) {
     return k[0] * c[0] + k[1] * c[1] + k[2] * c[2] + k[3];
 }
 
+// Bit 0: behind the near plane; bits 1..4: outside that side of the target; bit 5: beyond
+// the guard band on some side (the guard test is redone when clipping). The plane values
+// are the ones planeValue gives, without the terms whose coefficient is zero: for finite
+// coordinates that changes no sign. Anything else takes the general sums.
+uint8_t clipCode(const FrameData& fd, const double c[3]) {
+    const double(*k)[4] = fd.planes;
+    double v[9];
+    if (std::isfinite(c[0] + c[1] + c[2])) {
+        if (fd.view.perspective) {
+            v[0] = c[0] + k[0][3];
+            for (int o = 1; o < 9; o += 4) {
+                v[o + 0] = k[o + 0][0] * c[0] + k[o + 0][1] * c[1];
+                v[o + 1] = k[o + 1][0] * c[0] + k[o + 1][1] * c[1];
+                v[o + 2] = k[o + 2][0] * c[0] + k[o + 2][2] * c[2];
+                v[o + 3] = k[o + 3][0] * c[0] + k[o + 3][2] * c[2];
+            }
+        } else {
+            v[0] = k[0][3];
+            for (int o = 1; o < 9; o += 4) {
+                v[o + 0] = k[o + 0][1] * c[1] + k[o + 0][3];
+                v[o + 1] = k[o + 1][1] * c[1] + k[o + 1][3];
+                v[o + 2] = k[o + 2][2] * c[2] + k[o + 2][3];
+                v[o + 3] = k[o + 3][2] * c[2] + k[o + 3][3];
+            }
+        }
+    } else {
+        for (int p = 0; p < 9; ++p)
+            v[p] = planeValue(k[p], c);
+    }
+    unsigned code = v[0] < 0 ? 1u : 0u, guard = 0;
+    for (int p = 1; p < 5; ++p) {
+        const unsigned outGuard = v[p] < 0, outTarget = v[p + 4] < 0;
+        code |= (outGuard | outTarget) << p;
+        guard |= outGuard;
+    }
+    return static_cast<uint8_t>(code | guard << 5);
+}
+
+// View::toCamera, here so that it inlines into the per-vertex loop.
+inline void toCamera(const View& view, const double world[3], double out[3]) {
+    const double d[3] = {world[0] - view.eye[0], world[1] - view.eye[1], world[2] - view.eye[2]};
+    for (int r = 0; r < 3; ++r)
+        out[r] = d[0] * view.axis[r][0] + d[1] * view.axis[r][1] + d[2] * view.axis[r][2];
+}
+
 ScreenVertex toScreen(const FrameData& fd, const ClipVertex& cv) {
     ScreenVertex s;
     double sx, sy;
@@ -202,15 +247,17 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
     }
     const Texture* tex2 = lookup(fd.bitmaps, pp.secondBitmap);
     const uint32_t n = pp.vertexCount;
-    ch.cv.resize(n);
-    ch.codes.resize(n);
+    if (ch.cv.size() < n) {
+        ch.cv.resize(n);
+        ch.codes.resize(n);
+    }
     uint8_t all = 0xFF, any = 0;
     const std::vector<const ActiveLight*>* lights =
         lightSet >= 0 ? &fd.lightSets[static_cast<size_t>(lightSet)] : nullptr;
     for (uint32_t i = 0; i < n; ++i) {
         const PackedVertex& v = pv[i];
         ClipVertex& c = ch.cv[i];
-        view.toCamera(v.xyz, c.c);
+        toCamera(view, v.xyz, c.c);
         c.u = v.u, c.v = v.v, c.u2 = v.u2, c.v2 = v.v2;
         float shade[3] = {v.shade[0], v.shade[1], v.shade[2]};
         if (lights) {
@@ -227,18 +274,10 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
         }
         c.f =
             fd.fog ? static_cast<float>(std::min(1.0, std::max(0.0, fd.fogIntensity * c.c[0] / 10.0))) : 0.0f;
-        uint8_t code = 0;
-        for (int p = 0; p < 5; ++p)
-            if (planeValue(fd.planes[p], c.c) < 0) code |= static_cast<uint8_t>(1u << p);
-        for (int p = 5; p < 9; ++p)
-            if (planeValue(fd.planes[p], c.c) < 0) code |= static_cast<uint8_t>(1u << (p - 4));
-        // Bits 1..4 hold "outside the target" (the guard test is redone when clipping).
-        uint8_t guard = 0;
-        for (int p = 1; p < 5; ++p)
-            if (planeValue(fd.planes[p], c.c) < 0) guard = 1;
-        ch.codes[i] = static_cast<uint8_t>(code | (guard << 5));
+        const uint8_t code = clipCode(fd, c.c);
+        ch.codes[i] = code;
         all &= code;
-        any |= ch.codes[i];
+        any |= code;
     }
     if (all & 0x1F) return; // wholly behind the near plane or off one side of the target
     Tri proto{};
@@ -264,7 +303,7 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
     const uint32_t* tri = gc.tris.data() + static_cast<size_t>(pp.firstTri) * 3;
     const bool needClip = (any & 0x21) != 0; // near plane or beyond the guard band
     if (!needClip) {
-        ch.sv.resize(n);
+        if (ch.sv.size() < n) ch.sv.resize(n);
         for (uint32_t i = 0; i < n; ++i)
             ch.sv[i] = toScreen(fd, ch.cv[i]);
         for (uint32_t t = 0; t < pp.triCount; ++t) {
