@@ -421,13 +421,25 @@ bool setupTri(const ScreenVertex& a, const ScreenVertex& b, const ScreenVertex& 
     }
     // Most triangles of a dense mesh are a pixel or two across and many cover no pixel
     // centre at all: find those before the costly planes.
-    if ((t.maxX - t.minX + 1) * (t.maxY - t.minY + 1) <= 16) {
-        bool covered = false;
-        for (int y = t.minY; y <= t.maxY && !covered; ++y) {
-            int64_t xl, xr;
-            covered = rowSpanNarrow(t, y, xl, xr);
+    const int w = t.maxX - t.minX + 1, h = t.maxY - t.minY + 1;
+    if (w <= 4 && h <= 4) {
+        // A centre is inside when no edge function is negative, so the AND of the ORs of
+        // the three is negative exactly when no centre is inside; no branch on the data.
+        const int64_t px = 16 * static_cast<int64_t>(t.minX) + 8;
+        int64_t none = -1;
+        for (int j = 0; j < h; ++j) {
+            const int64_t py = 16 * static_cast<int64_t>(t.minY + j) + 8;
+            int64_t e0 = t.ea[0] * px + t.eb[0] * py + t.ec[0];
+            int64_t e1 = t.ea[1] * px + t.eb[1] * py + t.ec[1];
+            int64_t e2 = t.ea[2] * px + t.eb[2] * py + t.ec[2];
+            for (int i = 0; i < w; ++i) {
+                none &= e0 | e1 | e2;
+                e0 += 16 * static_cast<int64_t>(t.ea[0]);
+                e1 += 16 * static_cast<int64_t>(t.ea[1]);
+                e2 += 16 * static_cast<int64_t>(t.ea[2]);
+            }
         }
-        if (!covered) return false;
+        if (none < 0) return false;
     }
     // Attribute planes from the snapped positions, for the attributes the pixels read
     // (the rest are left at zero).

@@ -126,12 +126,10 @@ uint8_t clipCode(const FrameData& fd, const double c[3]) {
         for (int p = 0; p < 9; ++p)
             v[p] = planeValue(k[p], c);
     }
-    unsigned code = v[0] < 0 ? 1u : 0u, guard = 0;
-    for (int p = 1; p < 5; ++p) {
-        const unsigned outGuard = v[p] < 0, outTarget = v[p + 4] < 0;
-        code |= (outGuard | outTarget) << p;
-        guard |= outGuard;
-    }
+    const unsigned g1 = v[1] < 0, g2 = v[2] < 0, g3 = v[3] < 0, g4 = v[4] < 0;
+    const unsigned code = (v[0] < 0) | (g1 | (v[5] < 0)) << 1 | (g2 | (v[6] < 0)) << 2 |
+                          (g3 | (v[7] < 0)) << 3 | (g4 | (v[8] < 0)) << 4;
+    const unsigned guard = g1 | g2 | g3 | g4;
     return static_cast<uint8_t>(code | guard << 5);
 }
 
@@ -145,7 +143,15 @@ inline void toCamera(const View& view, const double world[3], double out[3]) {
 ScreenVertex toScreen(const FrameData& fd, const ClipVertex& cv) {
     ScreenVertex s;
     double sx, sy;
-    fd.view.toScreen(cv.c, sx, sy);
+    const View& v = fd.view;
+    if (v.perspective) { // View::toScreen, inlined
+        const double k = v.focal / cv.c[0];
+        sx = v.cx - cv.c[1] * k;
+        sy = v.cy - cv.c[2] * k;
+    } else {
+        sx = v.cx - cv.c[1] * v.scale;
+        sy = v.cy - cv.c[2] * v.scale;
+    }
     s.sx = static_cast<float>(sx);
     s.sy = static_cast<float>(sy);
     float q;
@@ -186,10 +192,13 @@ ClipVertex lerp(const ClipVertex& a, const ClipVertex& b, double t) {
 
 void addTri(const FrameData& fd, Chunk& ch, const ScreenVertex& a, const ScreenVertex& b,
             const ScreenVertex& c, const Tri& proto) {
-    Tri t = proto;
-    if (!setupTri(a, b, c, fd.width, fd.height, t)) return;
-    const uint32_t idx = static_cast<uint32_t>(ch.tris.size());
-    ch.tris.push_back(t);
+    // Set up in place: a triangle is a couple of hundred bytes and most are kept.
+    Tri& t = ch.tris.emplace_back(proto);
+    if (!setupTri(a, b, c, fd.width, fd.height, t)) {
+        ch.tris.pop_back();
+        return;
+    }
+    const uint32_t idx = static_cast<uint32_t>(ch.tris.size() - 1);
     for (int bin = t.minY / kBinRows; bin <= t.maxY / kBinRows; ++bin)
         ch.bins[bin].push_back(idx);
 }
