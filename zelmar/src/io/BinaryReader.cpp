@@ -1,9 +1,9 @@
 #include "io/BinaryFormat.h"
 
+#include "io/Crc32.h"
 #include "io/Schema.h"
 #include <algorithm>
 #include <cstring>
-#include <zlib.h>
 
 namespace zelmar::io {
 
@@ -308,6 +308,26 @@ struct Reader {
         }
     }
 
+    // The polygon counts the POLY chunks announce, from their headers alone, so that the
+    // staging list is sized once; the real pass checks everything, this one trusts nothing
+    // beyond what it needs to stay inside the buffer (a count is capped by its chunk's bytes).
+    static uint64_t polygonsAnnounced(const uint8_t* data, size_t size, uint64_t at) {
+        uint64_t total = 0;
+        while (size - at >= 16) {
+            uint64_t len;
+            std::memcpy(&len, data + at + 8, 8);
+            if (len > size - at - 16) break;
+            if (std::memcmp(data + at, "POLY", 4) == 0 && len >= 4) {
+                uint32_t n;
+                std::memcpy(&n, data + at + 16, 4);
+                total += std::min<uint64_t>(n, len / 20);
+            }
+            at += 16 + len + 4;
+            if (at > size) break;
+        }
+        return total;
+    }
+
     void read(const uint8_t* data, size_t size) {
         Cursor file(data, size, 0);
         const uint8_t* magic = file.take(kMagicSize);
@@ -319,6 +339,7 @@ struct Reader {
             file.fail("format version " + std::to_string(version) +
                       " is not supported (newest known: " + std::to_string(kBinaryVersion) + ")");
         if (file.u32() != 0) file.fail("reserved header bytes are not zero");
+        d.polygons.reserve(polygonsAnnounced(data, size, file.offset()));
         int lastRank = 0;
         bool seen[11] = {};
         for (;;) {
@@ -332,9 +353,7 @@ struct Reader {
             const uint8_t* payload = file.take(len);
             uint32_t stored;
             std::memcpy(&stored, file.take(4), 4);
-            uLong crc = crc32_z(0, head, 16);
-            crc = crc32_z(crc, payload, static_cast<size_t>(len));
-            if (static_cast<uint32_t>(crc) != stored) {
+            if (crc32(crc32(0, head, 16), payload, static_cast<size_t>(len)) != stored) {
                 Cursor at(payload, 0, chunkAt);
                 at.fail("checksum mismatch in chunk \"" + std::string(tag, 4) + "\"");
             }

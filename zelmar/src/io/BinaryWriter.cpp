@@ -1,8 +1,8 @@
 #include "io/BinaryFormat.h"
 
+#include "io/Crc32.h"
 #include "io/Schema.h"
 #include <cstring>
-#include <zlib.h>
 
 namespace zelmar::io {
 
@@ -34,9 +34,7 @@ struct Writer {
         const uint64_t len = out.size();
         std::memcpy(head + 4, &reserved, 4);
         std::memcpy(head + 8, &len, 8);
-        uLong crc = crc32_z(0, head, 16);
-        crc = crc32_z(crc, out.data(), out.size());
-        const uint32_t c = static_cast<uint32_t>(crc);
+        const uint32_t c = crc32(crc32(0, head, 16), out.data(), out.size());
         const bool ok = sink.write(head, 16) && sink.write(out.data(), out.size()) && sink.write(&c, 4);
         out.clear();
         return ok ? true : fail("write failed");

@@ -3,9 +3,12 @@
 // an object with a stable address, reached from its handle in O(1) through the
 // HandleTable. Geometry is kept in world space.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace zelmar {
@@ -42,6 +45,44 @@ struct PointData {
     double normal[3] = {0, 0, 0};
 };
 
+// Where rings get their memory: the world keeps its polygons' rings in blocks it owns; a
+// copy of a ring, and the ring of a polygon outside the world, uses the heap. A ring's
+// memory always goes back where it came from.
+class RingStore {
+  public:
+    virtual void* takeRing(size_t bytes) = 0;
+    virtual void giveRing(void* p, size_t bytes) = 0;
+
+  protected:
+    ~RingStore() = default;
+};
+
+template <class T> struct RingAllocator {
+    using value_type = T;
+    using propagate_on_container_copy_assignment = std::false_type;
+    using propagate_on_container_move_assignment = std::true_type;
+    using propagate_on_container_swap = std::true_type;
+    using is_always_equal = std::false_type;
+    RingStore* store = nullptr; // nullptr: the heap
+
+    RingAllocator() = default;
+    explicit RingAllocator(RingStore* s) : store(s) {}
+    template <class U> RingAllocator(const RingAllocator<U>& o) : store(o.store) {}
+    RingAllocator select_on_container_copy_construction() const { return {}; }
+    T* allocate(size_t n) {
+        return static_cast<T*>(store ? store->takeRing(n * sizeof(T)) : ::operator new(n * sizeof(T)));
+    }
+    void deallocate(T* p, size_t n) {
+        if (store)
+            store->giveRing(p, n * sizeof(T));
+        else
+            ::operator delete(p);
+    }
+    template <class U> bool operator==(const RingAllocator<U>& o) const { return store == o.store; }
+};
+
+using Ring = std::vector<PointData, RingAllocator<PointData>>;
+
 // Everything that says how a polygon is filled and lit.
 struct Fill {
     int32_t color[3] = {255, 255, 255};
@@ -68,7 +109,7 @@ struct Polygon {
     Polygon* nextInGroup = nullptr;
     Polygon* prevInWorld = nullptr; // every live polygon in creation order
     Polygon* nextInWorld = nullptr;
-    std::vector<PointData> points; // ring order
+    Ring points; // ring order
     std::string name;
     Fill fill;
     int32_t orientation = 0; // 0 seen from both sides, 1 front only

@@ -142,6 +142,8 @@ World& world() {
 }
 
 World::World() {
+    for (size_t i = 0; i < kPooledRing; ++i)
+        ringPools_[i] = std::make_unique<Pool>((i + 1) * sizeof(PointData));
     slots_.reserve(1024);
     slots_.emplace_back();
 } // handle 0 is never issued
@@ -204,6 +206,36 @@ Group* World::createGroup(const std::string& name) {
     return g;
 }
 
+World::Pool* World::ringPool(size_t bytes) {
+    const size_t n = bytes / sizeof(PointData);
+    return bytes % sizeof(PointData) == 0 && n >= 1 && n <= kPooledRing ? ringPools_[n - 1].get() : nullptr;
+}
+
+void* World::takeRing(size_t bytes) {
+    Pool* pool = ringPool(bytes);
+    return pool ? pool->take() : ::operator new(bytes);
+}
+
+void World::giveRing(void* p, size_t bytes) {
+    if (Pool* pool = ringPool(bytes))
+        pool->give(p);
+    else
+        ::operator delete(p);
+}
+
+size_t World::polygonBlocks() const {
+    size_t n = polygonPool_.blocks();
+    for (const auto& pool : ringPools_)
+        n += pool->blocks();
+    return n;
+}
+
+Ring World::newRing(uint32_t capacity) {
+    Ring r{RingAllocator<PointData>(this)};
+    r.reserve(capacity);
+    return r;
+}
+
 void World::linkPolygon(Polygon& p) {
     p.handle = issue(Kind::Polygon, &p);
     p.prevInWorld = polygonsTail_;
@@ -214,7 +246,7 @@ void World::linkPolygon(Polygon& p) {
 
 Polygon* World::createPolygon() {
     auto* p = new (polygonPool_.take()) Polygon();
-    p->points.reserve(4); // the common quad needs no further allocation
+    p->points = newRing(4); // the common quad needs no further allocation
     linkPolygon(*p);
     touch();
     return p;
@@ -228,8 +260,7 @@ Polygon* World::createPolygonFrom(const Polygon& style, uint32_t points) {
     auto* p = new (polygonPool_.take()) Polygon(style);
     p->group = nullptr;
     p->prevInGroup = p->nextInGroup = p->prevInWorld = p->nextInWorld = nullptr;
-    p->points.clear();
-    p->points.reserve(points);
+    p->points = newRing(points);
     p->name.clear();
     p->addedToWorld = false;
     p->orderIndex = 0;
@@ -485,6 +516,8 @@ void World::clear() {
     while (!bitmaps_.empty())
         destroyBitmap(*bitmaps_.back());
     polygonPool_.trim();
+    for (auto& pool : ringPools_)
+        pool->trim();
     touch();
 }
 

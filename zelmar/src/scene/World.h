@@ -8,7 +8,7 @@
 
 namespace zelmar {
 
-class World {
+class World : private RingStore {
   public:
     World();
     ~World();
@@ -89,7 +89,7 @@ class World {
     }
     size_t groupCount() const { return groupCount_; }
     size_t polygonCount() const { return polygonCount_; }
-    size_t polygonBlocks() const { return polygonPool_.blocks(); } // memory held for polygons
+    size_t polygonBlocks() const; // memory blocks held for polygons and their rings
     bool empty() const;
 
     // Names are how entities are found again after a load.
@@ -133,6 +133,12 @@ class World {
         void deallocate(T* p, size_t n) { bigFree(p, n * sizeof(T)); }
         template <class U> bool operator==(const BigAllocator<U>&) const { return true; }
     };
+    // Rings of up to kPooledRing points come from pools, longer ones from the heap.
+    static constexpr size_t kPooledRing = 8;
+    void* takeRing(size_t bytes) override;
+    void giveRing(void* p, size_t bytes) override;
+    Pool* ringPool(size_t bytes);
+    Ring newRing(uint32_t capacity);
     static void* bigAllocate(size_t bytes);
     static void bigFree(void* p, size_t bytes);
 
@@ -155,6 +161,7 @@ class World {
 
     std::vector<Slot, BigAllocator<Slot>> slots_;
     Pool polygonPool_{sizeof(Polygon)};
+    std::unique_ptr<Pool> ringPools_[kPooledRing]; // by points - 1
     Group* groupsHead_ = nullptr;
     Group* groupsTail_ = nullptr;
     Polygon* polygonsHead_ = nullptr;
