@@ -100,6 +100,16 @@ void picWindow::paintEvent(QPaintEvent*) {
 
 void picWindow::resizeEvent(QResizeEvent*) {
     if (m_target && width() >= 1 && height() >= 1) Target();
+    // The picture is rendered at the new size once the layout has settled; until then the old one shows.
+    if (m_renderQueued) return;
+    m_renderQueued = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_renderQueued = false;
+            if (m_back.size() != size()) m_owner.UpdateCamerasSingle(m_index);
+        },
+        Qt::QueuedConnection);
 }
 
 void picWindow::mousePressEvent(QMouseEvent* e) {

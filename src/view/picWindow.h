@@ -47,6 +47,7 @@ class picWindow : public QWidget {
     frmPicWins& m_owner;
     int m_index;
     int m_target = 0;
+    bool m_renderQueued = false; // a render after a resize waits for the resizes of one layout pass
     QImage m_back;
 };
 

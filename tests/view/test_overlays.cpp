@@ -220,4 +220,35 @@ TEST(OverlayOrder, HooksRunInTheirOrderWithTheViewsCameraCurrent) {
     ZELMAR_engine_close();
 }
 
+// A view that grows is rendered again at its new size once the layout has settled, rather than showing
+// the old picture with black beside it.
+TEST(ViewResize, AGrownViewIsRenderedAtItsNewSize) {
+    app();
+    QTemporaryDir settings;
+    SettingsStore::setLocation(settings.path());
+    FakeInputState fake;
+    TestWorld w;
+    w.build(200);
+    TestHost host;
+    host.rootGrp = w.root;
+    QWidget top;
+    top.setGeometry(50, 50, 160, 120);
+    frmPicWins views(host, &top);
+    views.setGeometry(0, 0, 160, 120);
+    for (int i = 0; i < 4; ++i)
+        views.SetViewportCamera(i, w.cams[i]);
+    top.show();
+    QCoreApplication::processEvents();
+    views.UpdateCamerasSingle(2);
+    picWindow* win = views.PicWindow(2);
+    const unsigned before = views.PaintCount(2);
+    top.resize(400, 300);
+    views.setGeometry(0, 0, 400, 300);
+    for (int i = 0; i < 3; ++i)
+        QCoreApplication::processEvents();
+    EXPECT_EQ(win->BackBuffer().size(), win->size());
+    EXPECT_EQ(views.PaintCount(2), before + 1); // one render for the resizes of one layout pass
+    ZELMAR_engine_close();
+}
+
 } // namespace
