@@ -39,6 +39,7 @@ struct Segment {
     const GroupCache* cache;
     uint32_t begin, end; // polygon range
     int lightSet;        // index into FrameData::lightSets, -1 = unlit
+    bool inside;         // every point in front of the near plane and inside the guard band
 };
 
 struct FrameData {
@@ -228,6 +229,34 @@ void clipAndAdd(const FrameData& fd, Chunk& ch, const ClipVertex& a, const ClipV
         addTri(fd, ch, ch.clipped[0], ch.clipped[i], ch.clipped[i + 1], proto);
 }
 
+// True when every point of the box is in front of the near plane and inside the guard band
+// by a margin far above the rounding of any vertex's plane values: the plane values are
+// affine in the point, so no vertex inside the box can test outside, and the group's
+// vertices need no clip codes.
+bool boxInsideGuard(const FrameData& fd, const double box[6]) {
+    if (!(box[0] <= box[3] && box[1] <= box[4] && box[2] <= box[5])) return false; // empty
+    double value[8][5], scale = 0;
+    const View& v = fd.view;
+    const double eye = std::fabs(v.eye[0]) + std::fabs(v.eye[1]) + std::fabs(v.eye[2]);
+    for (int i = 0; i < 8; ++i) {
+        const double p[3] = {box[i & 1 ? 3 : 0], box[i & 2 ? 4 : 1], box[i & 4 ? 5 : 2]};
+        double c[3];
+        toCamera(v, p, c);
+        const double reach = eye + std::fabs(p[0]) + std::fabs(p[1]) + std::fabs(p[2]);
+        for (int k = 0; k < 5; ++k) {
+            const double* q = fd.planes[k];
+            value[i][k] = planeValue(q, c);
+            scale = std::max(scale,
+                             (std::fabs(q[0]) + std::fabs(q[1]) + std::fabs(q[2])) * reach + std::fabs(q[3]));
+        }
+    }
+    if (!std::isfinite(scale)) return false;
+    for (int i = 0; i < 8; ++i)
+        for (int k = 0; k < 5; ++k)
+            if (!(value[i][k] > 1e-9 * scale)) return false;
+    return true;
+}
+
 const Texture* lookup(const std::unordered_map<Handle, const Texture*>& m, Handle h) {
     if (!h) return nullptr;
     auto it = m.find(h);
@@ -235,7 +264,7 @@ const Texture* lookup(const std::unordered_map<Handle, const Texture*>& m, Handl
 }
 
 void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const PackedPolygon& pp,
-                    int lightSet) {
+                    int lightSet, bool inside) {
     if (pp.disabled || pp.triCount == 0) return;
     const View& view = fd.view;
     const PackedVertex* pv = gc.verts.data() + pp.firstVertex;
@@ -263,15 +292,22 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
     uint8_t all = 0xFF, any = 0;
     const std::vector<const ActiveLight*>* lights =
         lightSet >= 0 ? &fd.lightSets[static_cast<size_t>(lightSet)] : nullptr;
+    const VertexExtra* pe = gc.extras.data() + pp.firstVertex;
+    const bool extras = tex || tex2;
     for (uint32_t i = 0; i < n; ++i) {
         const PackedVertex& v = pv[i];
         ClipVertex& c = ch.cv[i];
         toCamera(view, v.xyz, c.c);
-        c.u = v.u, c.v = v.v, c.u2 = v.u2, c.v2 = v.v2;
+        if (extras) {
+            const VertexExtra& e = pe[i];
+            c.u = e.u, c.v = e.v, c.u2 = e.u2, c.v2 = e.v2;
+        } else {
+            c.u = c.v = c.u2 = c.v2 = 0; // no pixel reads them
+        }
         float shade[3] = {v.shade[0], v.shade[1], v.shade[2]};
         if (lights) {
             float l[3];
-            const double nd[3] = {v.normal[0], v.normal[1], v.normal[2]};
+            const double nd[3] = {pe[i].normal[0], pe[i].normal[1], pe[i].normal[2]};
             lightVertex(*lights, v.xyz, nd, view.eye, l);
             for (int k = 0; k < 3; ++k)
                 shade[k] *= l[k];
@@ -283,11 +319,13 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
         }
         c.f =
             fd.fog ? static_cast<float>(std::min(1.0, std::max(0.0, fd.fogIntensity * c.c[0] / 10.0))) : 0.0f;
+        if (inside) continue; // no clipping, and the screen bounds below reject
         const uint8_t code = clipCode(fd, c.c);
         ch.codes[i] = code;
         all &= code;
         any |= code;
     }
+    if (inside) all = any = 0;
     if (all & 0x1F) return; // wholly behind the near plane or off one side of the target
     Tri proto{};
     proto.tex = tex;
@@ -313,8 +351,16 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
     const bool needClip = (any & 0x21) != 0; // near plane or beyond the guard band
     if (!needClip) {
         if (ch.sv.size() < n) ch.sv.resize(n);
-        for (uint32_t i = 0; i < n; ++i)
-            ch.sv[i] = toScreen(fd, ch.cv[i]);
+        float x0 = INFINITY, x1 = -INFINITY, y0 = INFINITY, y1 = -INFINITY;
+        for (uint32_t i = 0; i < n; ++i) {
+            const ScreenVertex& s = ch.sv[i] = toScreen(fd, ch.cv[i]);
+            x0 = std::min(x0, s.sx), x1 = std::max(x1, s.sx);
+            y0 = std::min(y0, s.sy), y1 = std::max(y1, s.sy);
+        }
+        // Wholly off one side of the target: setupTri would find no pixel centre in any of
+        // its triangles (their snapped corners all lie at or beyond that edge).
+        if (x1 < 0 || y1 < 0 || x0 > static_cast<float>(fd.width) || y0 > static_cast<float>(fd.height))
+            return;
         for (uint32_t t = 0; t < pp.triCount; ++t) {
             const uint32_t a = tri[3 * t], b = tri[3 * t + 1], c = tri[3 * t + 2];
             if (a >= n || b >= n || c >= n) continue;
@@ -477,7 +523,8 @@ bool renderFrame(Target& target, const Camera& camera, bool clear, std::string& 
                 }
             }
         }
-        segs.push_back({&gc, 0, static_cast<uint32_t>(gc.polys.size()), lightSet});
+        segs.push_back(
+            {&gc, 0, static_cast<uint32_t>(gc.polys.size()), lightSet, boxInsideGuard(fd, gc.box)});
         total += gc.polys.size();
     }
 
@@ -530,7 +577,8 @@ bool renderFrame(Target& target, const Camera& camera, bool clear, std::string& 
             while (i >= prefix[seg + 1])
                 ++seg;
             const Segment& s = segs[seg];
-            processPolygon(fd, ch, *s.cache, s.cache->polys[s.begin + (i - prefix[seg])], s.lightSet);
+            processPolygon(fd, ch, *s.cache, s.cache->polys[s.begin + (i - prefix[seg])], s.lightSet,
+                           s.inside);
         }
     });
 

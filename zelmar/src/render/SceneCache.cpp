@@ -57,6 +57,7 @@ void packGroup(const Group& g, GroupCache& c) {
     c.version = g.version;
     c.ownPolygons = g.ownPolygons;
     c.verts.clear();
+    c.extras.clear();
     c.polys.clear();
     c.tris.clear();
     c.box[0] = c.box[1] = c.box[2] = INFINITY;
@@ -101,24 +102,26 @@ void packGroup(const Group& g, GroupCache& c) {
         const double polyBright = std::isfinite(f.brightness) ? f.brightness / 100.0 : 1.0;
         for (const PointData& d : p->points) {
             PackedVertex v;
+            VertexExtra e;
             for (int k = 0; k < 3; ++k) {
                 v.xyz[k] = d.xyz[k];
                 pp.box[k] = std::min(pp.box[k], d.xyz[k]);
                 pp.box[k + 3] = std::max(pp.box[k + 3], d.xyz[k]);
             }
-            v.u = finiteOr0(d.uv[0]);
-            v.v = finiteOr0(d.uv[1]);
-            v.u2 = finiteOr0(d.uv2[0]);
-            v.v2 = finiteOr0(d.uv2[1]);
+            e.u = finiteOr0(d.uv[0]);
+            e.v = finiteOr0(d.uv[1]);
+            e.u2 = finiteOr0(d.uv2[0]);
+            e.v2 = finiteOr0(d.uv2[1]);
             const double b = (std::isfinite(d.brightness) ? d.brightness / 100.0 : 1.0) * polyBright;
             for (int k = 0; k < 3; ++k)
                 v.shade[k] = std::clamp(finiteOr0(d.rgb[k] / 255.0 * b), 0.0f, 64.0f);
             const double nl =
                 std::sqrt(d.normal[0] * d.normal[0] + d.normal[1] * d.normal[1] + d.normal[2] * d.normal[2]);
             for (int k = 0; k < 3; ++k)
-                v.normal[k] = (nl > 1e-12 && std::isfinite(nl)) ? static_cast<float>(d.normal[k] / nl)
+                e.normal[k] = (nl > 1e-12 && std::isfinite(nl)) ? static_cast<float>(d.normal[k] / nl)
                                                                 : static_cast<float>(pp.normal[k]);
             c.verts.push_back(v);
+            c.extras.push_back(e);
         }
         for (int k = 0; k < 3; ++k) {
             c.box[k] = std::min(c.box[k], pp.box[k]);

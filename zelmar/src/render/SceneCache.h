@@ -10,10 +10,15 @@
 
 namespace zelmar::render {
 
+// What every drawn vertex needs; the rest, read only for bitmaps and lights, is kept apart
+// in VertexExtra so that a frame of plain fills streams half the bytes.
 struct PackedVertex {
     double xyz[3];
+    float shade[3]; // rgb / 255 x point brightness / 100 x polygon brightness / 100
+};
+
+struct VertexExtra {
     float u, v, u2, v2;
-    float shade[3];  // rgb / 255 x point brightness / 100 x polygon brightness / 100
     float normal[3]; // unit; the polygon's when the point has none
 };
 
@@ -36,6 +41,7 @@ struct GroupCache {
     uint32_t version = 0;
     int64_t ownPolygons = -1;
     std::vector<PackedVertex> verts;
+    std::vector<VertexExtra> extras; // parallel to verts
     std::vector<PackedPolygon> polys;
     std::vector<uint32_t> tris;
     double box[6] = {0, 0, 0, 0, 0, 0}; // of all points; empty when min > max
