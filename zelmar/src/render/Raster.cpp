@@ -16,13 +16,13 @@ inline int64_t ceilDiv(int64_t a, int64_t b) { // b > 0
     return -floorDiv(-a, b);
 }
 
-// std::lround without the library call: halves away from zero. v - trunc(v) is exact below
-// 2^52, so the comparisons see the true fraction.
-inline int64_t roundHalfAway(double v) {
-    if (!(std::fabs(v) < 4503599627370496.0)) return static_cast<int64_t>(std::lround(v));
-    const int64_t t = static_cast<int64_t>(v);
-    const double f = v - static_cast<double>(t);
-    return t + (f >= 0.5 ? 1 : 0) - (f <= -0.5 ? 1 : 0);
+// std::lround(double(s) * 16) without the library call: halves away from zero. Below 2^28
+// the sum of a float times 16 and one half needs at most 53 bits, so it is exact and its
+// truncation is the rounding.
+inline int64_t roundTimes16(float s) {
+    const double v = static_cast<double>(s) * 16.0;
+    if (!(std::fabs(v) < 268435456.0)) return static_cast<int64_t>(std::lround(v));
+    return static_cast<int64_t>(v + std::copysign(0.5, v));
 }
 
 // Spans of triangles at most this many pixels wide are found by testing each pixel centre,
@@ -113,7 +113,7 @@ inline bool rowSpan(const Tri& t, int y, int64_t& xl, int64_t& xr) {
 
 // rowSpan for a triangle at most kNarrow pixels wide: the same pixels, each centre tested
 // against the three edge functions.
-inline bool rowSpanNarrow(const Tri& t, int y, int64_t& xl, int64_t& xr) {
+[[gnu::always_inline]] inline bool rowSpanNarrow(const Tri& t, int y, int64_t& xl, int64_t& xr) {
     const int64_t py = 16 * static_cast<int64_t>(y) + 8, px = 16 * static_cast<int64_t>(t.minX) + 8;
     int64_t e[3], step[3];
     for (int i = 0; i < 3; ++i) {
@@ -138,7 +138,7 @@ inline bool rowSpanNarrow(const Tri& t, int y, int64_t& xl, int64_t& xr) {
     return true;
 }
 
-inline bool span(const Tri& t, int y, int64_t& xl, int64_t& xr) {
+[[gnu::always_inline]] inline bool span(const Tri& t, int y, int64_t& xl, int64_t& xr) {
     return t.maxX - t.minX < kNarrow ? rowSpanNarrow(t, y, xl, xr) : rowSpan(t, y, xl, xr);
 }
 
@@ -346,6 +346,45 @@ void rasterRows(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
     }
 }
 
+// rasterRows<false, false> without a light map: only depth, shade and fog are stepped,
+// with the same float operations, so the pixels are the same.
+template <bool Fog> void rasterFlat(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
+    const uint32_t fr = fb.fogColor & 0xFF, fg = (fb.fogColor >> 8) & 0xFF, fbl = (fb.fogColor >> 16) & 0xFF;
+    for (int y = y0; y < y1; ++y) {
+        int64_t xl, xr;
+        if (!span(t, y, xl, xr)) continue;
+        const float ox = static_cast<float>(xl) + 0.5f - t.x0, oy = static_cast<float>(y) + 0.5f - t.y0;
+        float z = t.a0[kZ] + t.dx[kZ] * ox + t.dy[kZ] * oy;
+        float sr = t.a0[kR] + t.dx[kR] * ox + t.dy[kR] * oy;
+        float sg = t.a0[kG] + t.dx[kG] * ox + t.dy[kG] * oy;
+        float sb = t.a0[kB] + t.dx[kB] * ox + t.dy[kB] * oy;
+        float sf = Fog ? t.a0[kF] + t.dx[kF] * ox + t.dy[kF] * oy : 0.0f;
+        uint32_t* crow = fb.color + static_cast<size_t>(y) * fb.width;
+        float* zrow = fb.depth + static_cast<size_t>(y) * fb.width;
+        for (int64_t x = xl; x <= xr; ++x) {
+            if (z > zrow[x]) {
+                uint32_t r = clamp255(toInt(sr + 0.5f, 1e6f));
+                uint32_t g = clamp255(toInt(sg + 0.5f, 1e6f));
+                uint32_t b = clamp255(toInt(sb + 0.5f, 1e6f));
+                if constexpr (Fog) {
+                    const int f = toInt(std::clamp(sf, 0.0f, 1.0f) * 256.0f, 256.0f);
+                    r = static_cast<uint32_t>(static_cast<int>(r) +
+                                              ((static_cast<int>(fr) - static_cast<int>(r)) * f >> 8));
+                    g = static_cast<uint32_t>(static_cast<int>(g) +
+                                              ((static_cast<int>(fg) - static_cast<int>(g)) * f >> 8));
+                    b = static_cast<uint32_t>(static_cast<int>(b) +
+                                              ((static_cast<int>(fbl) - static_cast<int>(b)) * f >> 8));
+                }
+                crow[x] = 0xFF000000u | r | (g << 8) | (b << 16);
+                zrow[x] = z;
+            }
+            z += t.dx[kZ];
+            sr += t.dx[kR], sg += t.dx[kG], sb += t.dx[kB];
+            if constexpr (Fog) sf += t.dx[kF];
+        }
+    }
+}
+
 } // namespace
 
 uint32_t blendPixel(uint8_t filter, uint32_t src, uint32_t dst) {
@@ -392,8 +431,8 @@ bool setupTri(const ScreenVertex& a, const ScreenVertex& b, const ScreenVertex& 
     const ScreenVertex* v[3] = {&a, &b, &c};
     int64_t X[3], Y[3];
     for (int i = 0; i < 3; ++i) {
-        X[i] = roundHalfAway(static_cast<double>(v[i]->sx) * 16.0);
-        Y[i] = roundHalfAway(static_cast<double>(v[i]->sy) * 16.0);
+        X[i] = roundTimes16(v[i]->sx);
+        Y[i] = roundTimes16(v[i]->sy);
     }
     int64_t area = (X[1] - X[0]) * (Y[2] - Y[0]) - (Y[1] - Y[0]) * (X[2] - X[0]);
     if (area == 0) return false;
@@ -500,11 +539,14 @@ void rasterTri(const Tri& t, const FrameBuffer& fb, int y0, int y1) {
             rasterRows<true, true>(t, fb, y0, y1);
         else
             rasterRows<true, false>(t, fb, y0, y1);
+    } else if (translucent) {
+        rasterRows<false, true>(t, fb, y0, y1);
+    } else if ((t.flags & kLightMap) && t.tex2) {
+        rasterRows<false, false>(t, fb, y0, y1);
+    } else if (t.flags & kFog) {
+        rasterFlat<true>(t, fb, y0, y1);
     } else {
-        if (translucent)
-            rasterRows<false, true>(t, fb, y0, y1);
-        else
-            rasterRows<false, false>(t, fb, y0, y1);
+        rasterFlat<false>(t, fb, y0, y1);
     }
 }
 
