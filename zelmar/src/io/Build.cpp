@@ -277,13 +277,16 @@ BuildResult build(World& w, WorldData& d, BitmapImages& images) {
     // Every count is known: the handle table and the groups' order arrays are sized once.
     std::vector<uint32_t> perGroup(groups.size(), 0);
     uint64_t points = 0;
+    size_t rings[World::kPooledRing + 1] = {};
     for (const StagedPolygon& s : d.polygons) {
         ++perGroup[s.group];
         points += s.pointCount;
+        if (s.pointCount <= World::kPooledRing) ++rings[s.pointCount];
     }
     for (size_t i = 0; i < groups.size(); ++i)
         groups[i]->order.reserve(groups[i]->order.size() + perGroup[i]);
     w.reserveHandles(d.polygons.size() + points);
+    w.reservePolygons(d.polygons.size(), rings);
     const auto& attrs = pointAttrs();
     auto& polygonHandles = b.handles[static_cast<int>(Kind::Polygon)];
     polygonHandles.reserve(d.polygons.size());

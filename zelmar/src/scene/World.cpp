@@ -87,11 +87,32 @@ void World::Pool::close(Block* b) {
     b->prev = b->next = nullptr;
 }
 
+std::pair<char*, size_t> World::Pool::reserve(size_t places) {
+    const size_t n = (places + perBlock_ - 1) / perBlock_;
+    if (n == 0) return {nullptr, 0};
+    trimFresh();
+    fresh_ = static_cast<char*>(mapAligned(n * kBlockBytes));
+    freshEnd_ = fresh_ + n * kBlockBytes;
+    blocks_ += n;
+    return {fresh_, n * kBlockBytes};
+}
+
+void World::Pool::trimFresh() {
+    if (fresh_ == freshEnd_) return;
+    ::munmap(fresh_, static_cast<size_t>(freshEnd_ - fresh_));
+    blocks_ -= static_cast<size_t>(freshEnd_ - fresh_) / kBlockBytes;
+    fresh_ = freshEnd_ = nullptr;
+}
+
 void* World::Pool::take() {
     Block* b = open_;
     if (!b) {
         if (spare_) {
             b = std::exchange(spare_, nullptr);
+        } else if (fresh_ != freshEnd_) { // its header is written only now: the mapper may be behind
+            b = new (fresh_) Block();
+            fresh_ += kBlockBytes;
+            ZELMAR_POISON(reinterpret_cast<char*>(b) + header_, kBlockBytes - header_);
         } else {
             b = new (mapAligned(kBlockBytes)) Block();
             ++blocks_;
@@ -129,6 +150,7 @@ void World::Pool::give(void* place) {
 }
 
 void World::Pool::trim() {
+    trimFresh();
     if (!spare_) return;
     ZELMAR_UNPOISON(spare_, kBlockBytes);
     ::munmap(spare_, kBlockBytes);
@@ -276,6 +298,45 @@ PointData* World::appendPoints(Polygon& p, uint32_t n, const PointData& init) {
         p.points[i].handle = issue(Kind::Point, &p, i);
     p.version += n; // as n addPoint calls would
     return p.points.data() + first;
+}
+
+void World::reservePolygons(size_t polygons, const size_t (&ringsOfSize)[kPooledRing + 1]) {
+    waitForMapper();
+    std::vector<std::pair<char*, size_t>> regions;
+    // The handle table's reserved tail fills along with the rest.
+    const uintptr_t used = reinterpret_cast<uintptr_t>(slots_.data() + slots_.size()) & ~uintptr_t(4095);
+    const uintptr_t end = reinterpret_cast<uintptr_t>(slots_.data() + slots_.capacity());
+    if (slots_.capacity() * sizeof(Slot) >= kBigBytes && end > used)
+        regions.emplace_back(reinterpret_cast<char*>(used), end - used);
+    regions.push_back(polygonPool_.reserve(polygons));
+    for (size_t k = 1; k <= kPooledRing; ++k)
+        regions.push_back(ringPools_[k - 1]->reserve(ringsOfSize[k]));
+#ifdef MADV_POPULATE_WRITE
+    size_t total = 0;
+    for (const auto& r : regions)
+        total += r.second;
+    if (total < (size_t(64) << 20)) return; // not worth a thread
+    // Zeroing fresh pages is a good part of creating entities in bulk; another core can do it
+    // ahead of the creation. The regions fill at the same pace, so they are mapped in step.
+    mapper_ = std::thread([regions] {
+        constexpr size_t kSteps = 256;
+        for (size_t i = 0; i < kSteps; ++i)
+            for (const auto& [at, bytes] : regions) {
+                const size_t from = bytes / kSteps * i & ~size_t(4095);
+                const size_t to = i + 1 == kSteps ? bytes : bytes / kSteps * (i + 1) & ~size_t(4095);
+                if (to > from && ::madvise(at + from, to - from, MADV_POPULATE_WRITE) != 0) return;
+            }
+    });
+#endif
+}
+
+void World::waitForMapper() {
+    if (mapper_.joinable()) mapper_.join();
+}
+
+void World::endBulk() {
+    waitForMapper();
+    touch();
 }
 
 void World::appendToGroup(Polygon& p, Group& g) {
@@ -494,6 +555,7 @@ void World::destroyAnimation(Animation& a) {
 }
 
 void World::clear() {
+    waitForMapper();
     // Polygons not yet owned by a group go too.
     while (groupsHead_) {
         Group* top = groupsHead_;

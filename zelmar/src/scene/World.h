@@ -5,6 +5,9 @@
 #include "scene/Entities.h"
 #include <cstddef>
 #include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 namespace zelmar {
 
@@ -43,13 +46,18 @@ class World : private RingStore {
     // Bulk creation, for loaders that know every count before creating anything. Handles
     // come in the same order as one by one; nothing is notified until endBulk().
     void reserveHandles(size_t more);
+    // Room for `polygons` polygons, with ringsOfSize[k] rings of k points (k up to
+    // kPooledRing; longer rings take the heap). A helper thread maps the pages in while the
+    // caller goes on creating, until endBulk().
+    static constexpr size_t kPooledRing = 8;
+    void reservePolygons(size_t polygons, const size_t (&ringsOfSize)[kPooledRing + 1]);
     // A polygon with `style`'s stored values (not its handle, links, ring or name), its ring
     // reserved for `points` points, in no group yet.
     Polygon* createPolygonFrom(const Polygon& style, uint32_t points);
     // Appends n copies of `init` to the ring, each with a fresh handle; the first of them.
     PointData* appendPoints(Polygon& p, uint32_t n, const PointData& init);
     void appendToGroup(Polygon& p, Group& g); // p must be in no group
-    void endBulk() { touch(); }
+    void endBulk();
 
     // Destruction: the handle dies; the kinds with children take them along.
     void destroyGroupTree(Group& g); // group, child groups, their polygons and points
@@ -112,11 +120,17 @@ class World : private RingStore {
         Pool& operator=(const Pool&) = delete;
         void* take();
         void give(void* place);
-        void trim(); // returns the spare block
+        void trim(); // returns the spare block and reserved blocks not yet used
         size_t blocks() const { return blocks_; }
+        // Blocks for `places` more places, mapped at once and used before any new one; the
+        // region they span, for the caller to have its pages mapped in.
+        std::pair<char*, size_t> reserve(size_t places);
 
       private:
         struct Block;
+        void trimFresh();
+        char* fresh_ = nullptr; // reserved blocks not yet used: [fresh_, freshEnd_)
+        char* freshEnd_ = nullptr;
         void open(Block* b);
         void close(Block* b);
         size_t place_, header_, perBlock_;
@@ -134,7 +148,6 @@ class World : private RingStore {
         template <class U> bool operator==(const BigAllocator<U>&) const { return true; }
     };
     // Rings of up to kPooledRing points come from pools, longer ones from the heap.
-    static constexpr size_t kPooledRing = 8;
     void* takeRing(size_t bytes) override;
     void giveRing(void* p, size_t bytes) override;
     Pool* ringPool(size_t bytes);
@@ -162,6 +175,8 @@ class World : private RingStore {
     std::vector<Slot, BigAllocator<Slot>> slots_;
     Pool polygonPool_{sizeof(Polygon)};
     std::unique_ptr<Pool> ringPools_[kPooledRing]; // by points - 1
+    std::thread mapper_;                           // maps reserved pages in during a bulk creation
+    void waitForMapper();
     Group* groupsHead_ = nullptr;
     Group* groupsTail_ = nullptr;
     Polygon* polygonsHead_ = nullptr;
