@@ -153,3 +153,23 @@ TEST_F(BulkLoad, ABadFileAfterALoadLeavesAnEmptyEngineHoldingNoBlocks) {
     root = load(path);
     EXPECT_EQ(walk(root).size(), original.size());
 }
+
+TEST(BulkLoadLarge, AWorldMappedInAheadLoadsWholeAndSavesTheSameBytes) {
+    // Enough polygons for the load to reserve its blocks and map them on another thread.
+    TempDir dir;
+    ZELMAR_engine_close();
+    const int root = ZELMAR_group_create("the_world");
+    const int g = ZELMAR_group_create("g");
+    ZELMAR_group_set_father_group(g, root);
+    for (int i = 0; i < 120000; ++i)
+        ringOf(i % 7 ? g : root, i % 50 ? 4 : 3 + i % 11, i * 0.5);
+    const std::string path = dir / "big.zelmar", again = dir / "again.zelmar";
+    ASSERT_EQ(ZELMAR_engine_save(path.c_str(), root, 0x1203), 1) << ZELMAR_engine_get_last_error();
+    ZELMAR_engine_close();
+    ASSERT_EQ(ZELMAR_engine_load_world(path.c_str(), "", "", 4), 1) << ZELMAR_engine_get_last_error();
+    const int loaded = ZELMAR_group_get_using_name("the_world");
+    ASSERT_EQ(ZELMAR_engine_save(again.c_str(), loaded, 0x1203), 1) << ZELMAR_engine_get_last_error();
+    EXPECT_EQ(iotest::fileBytes(again), iotest::fileBytes(path));
+    ZELMAR_engine_close();
+    EXPECT_EQ(world().polygonBlocks(), 0u);
+}
