@@ -327,7 +327,7 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
     }
     if (inside) all = any = 0;
     if (all & 0x1F) return; // wholly behind the near plane or off one side of the target
-    Tri proto{};
+    Tri proto; // the fill fields only: setupTri sets the rest, and zeroing it per polygon is not free
     proto.tex = tex;
     proto.tex2 = tex2;
     proto.flags = static_cast<uint8_t>((tex ? kTextured : 0) | (pp.bilinear ? kBilinear : 0) |
