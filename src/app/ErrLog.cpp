@@ -32,7 +32,7 @@ ErrorPresenter& presenter() {
 void setErrorPresenter(ErrorPresenter p) { presenter() = std::move(p); }
 
 bool ErrLog::beepsFor(int type) const {
-    // The three tests of the original, kept: 4 for information, 2 or 4 for warnings, 2 for errors;
+    // The three tests of the Windows design, kept: 4 for information, 2 or 4 for warnings, 2 for errors;
     // the preference list offers the bits 2, 4 and 8, so "Message" (8) never beeps.
     switch (type) {
     case LogInformation: return (beepMask & 4) != 0;
@@ -58,7 +58,7 @@ void ErrLog::LogEvent(const QString& message, int type) {
         else if (qobject_cast<QApplication*>(QCoreApplication::instance()))
             QApplication::beep();
     }
-    // Only LF ends a line; a CR stays in the text (the CR LF test of the original never matches
+    // Only LF ends a line; a CR stays in the text (the CR LF test of the Windows design never matches
     // a single character). The last collected text is always written, so an empty message and a
     // message ending in LF both give one empty line here.
     QString line;

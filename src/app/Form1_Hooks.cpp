@@ -12,7 +12,7 @@
 
 namespace vexil {
 
-// Part 5 and the deformers (src/geometry).
+// The object tools (mirror, duplicate) and the deformers: src/geometry fills them in.
 void Form1::MirrorObjects() {}
 void Form1::DuplicatGrp() {}
 void Form1::AlignObjects() {}
@@ -39,7 +39,7 @@ void Form1::PluginsKeyDown(int, Qt::KeyboardModifiers) {}
 // Form_Load 14, 17, 18 and Form_Unload 6 to 8: the shared objects of camera navigation to selection model, 5.1, 9.1, 10.1
 // (MultiSel, PrevMultiSel, LightMarkers, CameraMarkers, the six makers, LineDrawer, WireframeDrawer, the
 // four TransformGizmo, SelectionBox, the four camera, the four Grid). Created and released in the
-// specified orders by their owners.
+// documented orders by their owners.
 void Form1::CreateSharedObjects() {
     m_gridDensity = ReadGridDensity();
     InstallSelection(*this);

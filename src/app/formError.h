@@ -17,7 +17,7 @@ public:
     void ApplyLanguage();
     void cmdQuit_Click();
     void cmdEmailReport_Click();
-    // The body of the mail report (the "%0d" line marks of the original kept).
+    // The body of the mail report (the "%0d" line marks of the Windows design kept).
     QString BuildMailBody() const;
     // The mail link: target + "?subject=Vexil 2.0 Bug report; LangID: <n>&body=" + body.
     QString BuildMailLink() const;

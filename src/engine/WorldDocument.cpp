@@ -36,7 +36,7 @@ QString engineLastError() {
     return e ? QString::fromLocal8Bit(e) : QString();
 }
 
-// A sub-folder named like `name` without regard to letter case (as the original platform's file system
+// A sub-folder named like `name` without regard to letter case (as the Windows file system
 // matched it); the literal name when none exists.
 QString folderIgnoringCase(const QString& parent, const QString& name) {
     const QString literal = parent + '/' + name;
@@ -299,7 +299,7 @@ void WorldDocument::AddWorld(const QString& path, const std::array<double, 3>& l
         SetMousePtrToHourGlass(true);
         return;
     }
-    // 4: the design passes "\Bitmaps" with a capital letter, which the original file system matched without
+    // 4: the design passes "\Bitmaps" with a capital letter, which the Windows file system matched without
     // regard to case; so do we.
     const QString bitmaps = folderIgnoringCase(FolderOfPath(path), QStringLiteral("Bitmaps"));
     AddedGroup = ZELMAR_engine_add_world(ansi(path).constData(), "", ansi(bitmaps).constData(), location.data());
@@ -469,7 +469,7 @@ void WorldDocument::mnuViewerMode_Click() {
     if (!WorldOpen) return;
     const QString app = ApplicationFolder();
     const QString world = app + '/' + QLatin1String(ViewerWorld);
-    QDir().mkpath(FolderOfPath(world));  // the folder the original shipped with the program
+    QDir().mkpath(FolderOfPath(world));  // the installation does not ship this folder
     ZelmarEngineSave(world, RootGrp, SaveFlags);
     const QString program = ProgramFolder() + '/' + QLatin1String(ViewerProgram);
     const QFileInfo info(program);

@@ -8,13 +8,13 @@
 //   to a procedure that reads a Vector, which then sees its first three elements).
 // - Results go to an output array given by the caller. An output that is smaller than
 //   what is written is grown (never shrunk; other elements are kept). An input that is too
-//   small raises vexil::VexilError number 9 (ErrSubscript), as the original's bounds failure.
+//   small raises vexil::VexilError number 9 (ErrSubscript), as a bounds failure of the Windows design.
 // - Outputs may be the same array as an input wherever the table of the maths library says so; in
 //   this implementation every procedure also tolerates the other aliasings.
 // - Failures: a division by zero raises vexil::VexilError ErrDivisionByZero (11), a result
 //   that overflows (not finite) ErrOverflow (6). Every procedure appends
 //   "Vexil.Maths.<Procedure>" to the error's source and raises it again. Exceptions, as
-//   the Part says: angleBetVectors with a zero vector (logs, returns 0), LineMeetsPlane
+//   the design says: angleBetVectors with a zero vector (logs, returns 0), LineMeetsPlane
 //   (a failed division leaves dest unchanged), CopyLinearArray (logs).
 #pragma once
 #include <cstdint>
@@ -26,7 +26,7 @@ using Vector = std::vector<double>;
 using IntPoint = std::vector<std::int32_t>;
 using Plane = std::vector<double>;
 
-// Constants as written in the original.
+// Constants as the Windows design writes them.
 constexpr double Pi = 3.14159265358979;              // degree conversion (angleBetVectors, RotatePointXY)
 constexpr double PiXY = 3.14159265359;               // AngleFromXY
 constexpr double ThreeHalfTurns = 9.424777960770001; // three half-turns, AngleFromXY

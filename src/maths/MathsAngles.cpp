@@ -22,7 +22,7 @@ double AngleFromXY(double x, double y) {
 
 double angleBetVectors(const Vector& a, const Vector& b) {
     return propagate("Maths", "angleBetVectors", [&] {
-        // Lengths by power-of-two terms and a 0.5 power, as the original.
+        // Lengths by power-of-two terms and a 0.5 power, as the Windows design does.
         auto length = [](const Vector& v) {
             const double s = fin(fin(std::pow(at(v, 0), 2.0)) + fin(std::pow(at(v, 1), 2.0)) +
                                  fin(std::pow(at(v, 2), 2.0)));

@@ -12,7 +12,7 @@ namespace Maths::detail {
     vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
 }
 
-// Reads element i; an array that has no element i is the original's bounds failure.
+// Reads element i; an array that has no element i is the Windows design's bounds failure.
 template <class T> inline double at(const std::vector<T>& v, std::size_t i) {
     if (i >= v.size()) raiseSubscript();
     return static_cast<double>(v[i]);
@@ -23,7 +23,7 @@ template <class T> inline void grow(std::vector<T>& v, std::size_t n) {
     if (v.size() < n) v.resize(n);
 }
 
-// The original's run-time raised Overflow for a result out of the range of a double.
+// The Windows design's run-time raised Overflow for a result out of the range of a double.
 inline double fin(double x) {
     if (!std::isfinite(x)) vexil::raiseOverflow();
     return x;

@@ -1,10 +1,10 @@
 // the maths library, module `mdlMatrixFunctions`: sum, product and transpose of matrices.
 //
-// A Matrix is the original's two-dimensional dynamic array of doubles: each dimension has a
+// A Matrix is the Windows design's two-dimensional dynamic array of doubles: each dimension has a
 // lower and an upper bound (inclusive), usually declared from 0 with the content from 1.
 // The operations work on indices from 1 upward and leave row 0 and column 0 alone; results
 // of MatrixMultiply and MatrixTranspose are created anew from 0. Element access outside the
-// bounds raises vexil::VexilError number 9 (ErrSubscript), as the original's bounds failure.
+// bounds raises vexil::VexilError number 9 (ErrSubscript), as the Windows design's bounds failure.
 #pragma once
 #include <cstddef>
 #include <vector>

@@ -34,7 +34,7 @@ public:
 // Locale texts set by SetLocaleMessages (strings 618 to 623 of the table); an empty text means
 // "not set", and the built-in English default is used.
 struct SimplifyMessages {
-    std::string simplifying;      // default "Simplyfing" (sic, as specified)
+    std::string simplifying;      // default "Simplyfing" (sic, kept)
     std::string cantSimplify;     // default "Can't simplify further!"
     std::string improperTexture;  // default "Improper Texture coordinates found. Defaulting!"
     std::string invalidTri;       // default "Invalid Tri - EvaluatePlaneOfAffectedTris"

@@ -3,7 +3,7 @@
 // The arithmetic is that of the documented procedures and of the maths library they name
 // (src/maths), written out for speed but in the same order of operations, so that every
 // result is bit-identical to the literal implementation (tests/simplify/reference). Where the
-// maths library raises (a non-finite result is the original's Overflow, a zero divisor its
+// maths library raises (a non-finite result is the Windows design's Overflow, a zero divisor its
 // Division by zero), this code raises at the same places.
 #include "simplify/SurfSimpli.h"
 

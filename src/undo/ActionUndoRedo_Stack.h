@@ -1,5 +1,5 @@
 // The one undo stack of the program, with the save marker that is the document's dirty
-// flag. Slots are 1-based as specified: slot 0 is never used; StackTop is the slot the next undo takes.
+// flag. Slots are 1-based by design: slot 0 is never used; StackTop is the slot the next undo takes.
 // References are shared: an envelope returned by Pop stays alive while its caller holds it, as a VB
 // reference does; an action leaves for good (its destructor runs) when the stack and every caller drop it.
 #pragma once

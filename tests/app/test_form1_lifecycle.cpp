@@ -12,7 +12,7 @@
 using namespace vexil;
 using vexil::test::Form1Test;
 
-TEST_F(Form1Test, EmptyStoreStartsWithTheSpecifiedDefaults) {
+TEST_F(Form1Test, EmptyStoreStartsWithTheDocumentedDefaults) {
     ScriptedDialogs dlg;
     start();
     ASSERT_TRUE(form->IsLoaded());

@@ -171,7 +171,7 @@ TEST(MatrixTranspose, CopiesFromIndexZeroWithSwappedBounds) {
     EXPECT_EQ(a, t);
     MatrixTranspose(a, a);
     EXPECT_EQ(a, original);
-    // A matrix declared from 1 has no index 0: the original's bounds failure.
+    // A matrix declared from 1 has no index 0: the Windows design's bounds failure.
     auto e = raised([] {
         Matrix one(1, 4, 1, 4), out;
         MatrixTranspose(one, out);
