@@ -1,5 +1,6 @@
 #include "TerrainScene.h"
 
+#include "../TerrainQuads.h"
 #include "BenchScene.h"
 #include "scene/World.h"
 #include <zelmar/zelmar.h>
@@ -50,33 +51,12 @@ void buildTerrain(long polygons, double extent, bool colourFill) {
     const int root = ZELMAR_group_create("Root");
     const int g = ZELMAR_group_create("Terrain");
     ZELMAR_group_set_father_group(g, root);
-    const int n = std::max(1, static_cast<int>(std::lround(std::sqrt(double(polygons)))));
-    const double step = extent / n;
-    auto height = [&](int i, int j) {
-        const double x = i * step, y = j * step;
-        return extent * 0.06 * (std::sin(x * 6.0 / extent) + std::cos(y * 9.0 / extent));
-    };
-    for (int j = 0; j < n; ++j)
-        for (int i = 0; i < n; ++i) {
-            const int p = ZELMAR_polygon_create();
-            const int ci[4] = {i, i + 1, i + 1, i}, cj[4] = {j, j, j + 1, j + 1};
-            for (int k = 0; k < 4; ++k) {
-                const double v[6] = {ci[k] * step - extent / 2,
-                                     cj[k] * step - extent / 2,
-                                     height(ci[k], cj[k]),
-                                     ci[k] * 0.25,
-                                     cj[k] * 0.25,
-                                     100};
-                ZELMAR_polygon_add_point(p, v);
-            }
-            if (colourFill)
-                ZELMAR_polygon_set_color_fill(p, 70 + (i * 7) % 120, 110 + (j * 5) % 100,
-                                              60 + ((i + j) * 3) % 80);
-            else
-                ZELMAR_polygon_set_bitmap_fill(p, bitmap);
-            ZELMAR_polygon_set_group(p, g);
-            ZELMAR_engine_add_polygon(p);
-        }
+    addTerrainQuads(g, polygons, extent, [&](int p, int i, int j) {
+        if (colourFill)
+            terrainColour(p, i, j);
+        else
+            ZELMAR_polygon_set_bitmap_fill(p, bitmap);
+    });
 }
 
 namespace {

@@ -6,9 +6,41 @@
 #include <QDir>
 #include <QPainter>
 #include <cstdlib>
+#include <memory>
 
 using namespace vexil;
 using namespace vexil::test;
+
+namespace {
+
+// Four real viewports over the test world's box, shown in a window of the given size.
+template <class Host> struct ShownViews {
+    QTemporaryDir settings;
+    FakeInputState fake;
+    TestWorld w;
+    Host host;
+    QWidget top;
+    std::unique_ptr<frmPicWins> views;
+    ShownViews(int width, int height) {
+        app();
+        SettingsStore::setLocation(settings.path());
+        w.build(200);
+        host.rootGrp = w.root;
+        top.setGeometry(50, 50, width, height);
+        views = std::make_unique<frmPicWins>(host, &top);
+        views->setGeometry(0, 0, width, height);
+        for (int i = 0; i < 4; ++i)
+            views->SetViewportCamera(i, w.cams[i]);
+        top.show();
+        QCoreApplication::processEvents();
+    }
+    ~ShownViews() {
+        views.reset();
+        ZELMAR_engine_close();
+    }
+};
+
+} // namespace
 
 namespace {
 
@@ -117,23 +149,12 @@ TEST_F(Overlays, BoxAndWireOnTopOfTheEngineImageInAViewport) {
     target = 0;
     ZELMAR_engine_close();
 
-    QTemporaryDir settings;
-    SettingsStore::setLocation(settings.path());
-    FakeInputState fake;
-    TestWorld w;
-    w.build(200);
-    TestHost host;
-    host.rootGrp = w.root;
+    ShownViews<TestHost> shown(192, 160);
+    TestWorld& w = shown.w;
+    TestHost& host = shown.host;
+    frmPicWins& views = *shown.views;
     host.selType = 1;
     host.selEntity = w.box;
-    QWidget top;
-    top.setGeometry(50, 50, 192, 160);
-    frmPicWins views(host, &top);
-    views.setGeometry(0, 0, 192, 160);
-    for (int i = 0; i < 4; ++i)
-        views.SetViewportCamera(i, w.cams[i]);
-    top.show();
-    QCoreApplication::processEvents();
     views.ResetCameras();
     views.ActiveWin = 2;
     host.plugInPaints = 0;
@@ -159,7 +180,6 @@ TEST_F(Overlays, BoxAndWireOnTopOfTheEngineImageInAViewport) {
     EXPECT_GT(whites(wire), 40);
     EXPECT_EQ(whites(plain), 0);
     EXPECT_EQ(host.plugInPaints, 3); // the last hook of every paint
-    ZELMAR_engine_close();
 }
 
 } // namespace
@@ -188,22 +208,10 @@ class OrderHost : public TestHost {
 };
 
 TEST(OverlayOrder, HooksRunInTheirOrderWithTheViewsCameraCurrent) {
-    app();
-    QTemporaryDir settings;
-    SettingsStore::setLocation(settings.path());
-    FakeInputState fake;
-    TestWorld w;
-    w.build(200);
-    OrderHost host;
-    host.rootGrp = w.root;
-    QWidget top;
-    top.setGeometry(50, 50, 320, 240);
-    frmPicWins views(host, &top);
-    views.setGeometry(0, 0, 320, 240);
-    for (int i = 0; i < 4; ++i)
-        views.SetViewportCamera(i, w.cams[i]);
-    top.show();
-    QCoreApplication::processEvents();
+    ShownViews<OrderHost> shown(320, 240);
+    TestWorld& w = shown.w;
+    OrderHost& host = shown.host;
+    frmPicWins& views = *shown.views;
     views.ActiveWin = 0;
     host.calls.clear();
     host.currentCams.clear();
@@ -217,28 +225,14 @@ TEST(OverlayOrder, HooksRunInTheirOrderWithTheViewsCameraCurrent) {
         EXPECT_EQ(c, w.cams[3]);
     // Afterwards the active window's camera is current again.
     EXPECT_EQ(ZELMAR_camera_get_current(), w.cams[0]);
-    ZELMAR_engine_close();
 }
 
 // A view that grows is rendered again at its new size once the layout has settled, rather than showing
 // the old picture with black beside it.
 TEST(ViewResize, AGrownViewIsRenderedAtItsNewSize) {
-    app();
-    QTemporaryDir settings;
-    SettingsStore::setLocation(settings.path());
-    FakeInputState fake;
-    TestWorld w;
-    w.build(200);
-    TestHost host;
-    host.rootGrp = w.root;
-    QWidget top;
-    top.setGeometry(50, 50, 160, 120);
-    frmPicWins views(host, &top);
-    views.setGeometry(0, 0, 160, 120);
-    for (int i = 0; i < 4; ++i)
-        views.SetViewportCamera(i, w.cams[i]);
-    top.show();
-    QCoreApplication::processEvents();
+    ShownViews<TestHost> shown(160, 120);
+    QWidget& top = shown.top;
+    frmPicWins& views = *shown.views;
     views.UpdateCamerasSingle(2);
     picWindow* win = views.PicWindow(2);
     const unsigned before = views.PaintCount(2);
@@ -248,7 +242,6 @@ TEST(ViewResize, AGrownViewIsRenderedAtItsNewSize) {
         QCoreApplication::processEvents();
     EXPECT_EQ(win->BackBuffer().size(), win->size());
     EXPECT_EQ(views.PaintCount(2), before + 1); // one render for the resizes of one layout pass
-    ZELMAR_engine_close();
 }
 
 } // namespace
