@@ -15,6 +15,7 @@ namespace {
 
 // Four real viewports over the test world's box, shown in a window of the given size.
 template <class Host> struct ShownViews {
+    QApplication& application = app(); // before any widget member
     QTemporaryDir settings;
     FakeInputState fake;
     TestWorld w;
@@ -22,7 +23,6 @@ template <class Host> struct ShownViews {
     QWidget top;
     std::unique_ptr<frmPicWins> views;
     ShownViews(int width, int height) {
-        app();
         SettingsStore::setLocation(settings.path());
         w.build(200);
         host.rootGrp = w.root;
