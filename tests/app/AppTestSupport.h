@@ -1,6 +1,7 @@
 // Shared set-up of the frame's tests: a QApplication (offscreen), a private settings store and
 // application folder in a temporary directory, the language files of data/, and the log.
 #pragma once
+#include "../support/OffscreenApp.h"
 #include "AppPaths.h"
 #include "Dialogs.h"
 #include "ErrLog.h"
@@ -18,14 +19,7 @@
 namespace vexil::test {
 
 inline QApplication& app() {
-    static int argc = 1;
-    static char name[] = "app_tests";
-    static char* argv[] = {name, nullptr};
-    static QApplication* a = [] {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        return new QApplication(argc, argv);
-    }();
-    return *a;
+    return offscreenApp();
 }
 
 inline QString readFile(const QString& path) {

@@ -1,5 +1,6 @@
 // Shared helpers of the geometry tests: an offscreen application and readers of what the engine holds.
 #pragma once
+#include "../support/OffscreenApp.h"
 #include <QApplication>
 #include <array>
 #include <cmath>
@@ -12,14 +13,7 @@
 namespace vexil::test {
 
 inline QApplication& geomApp() {
-    static int argc = 1;
-    static char name[] = "geom_tests";
-    static char* argv[] = {name, nullptr};
-    static QApplication* a = [] {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        return new QApplication(argc, argv);
-    }();
-    return *a;
+    return offscreenApp();
 }
 
 using V3 = std::array<double, 3>;

@@ -1,6 +1,7 @@
 // Shared set-up of the gizmo tests: the real viewports and selection model over a world of primitives,
 // driven with mouse events as a user drives them; a scripted input state holds keys and the cursor.
 #pragma once
+#include "../support/OffscreenApp.h"
 #include "app/InputState.h"
 #include "app/Preferences.h"
 #include "app/Settings.h"
@@ -25,14 +26,7 @@
 namespace vexil::test {
 
 inline QApplication& gizmoApp() {
-    static int argc = 1;
-    static char name[] = "gizmo_tests";
-    static char* argv[] = {name, nullptr};
-    static QApplication* a = [] {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        return new QApplication(argc, argv);
-    }();
-    return *a;
+    return offscreenApp();
 }
 
 // The main window's part: hosts of the viewports and of the selection, the gizmos, one undo stack.

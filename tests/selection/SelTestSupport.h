@@ -3,6 +3,7 @@
 // real viewports and workspace trees in one window, and a host that plays the main window for the viewports,
 // the selection model and the document.
 #pragma once
+#include "../support/OffscreenApp.h"
 #include "app/Dialogs.h"
 #include "app/InputState.h"
 #include "app/Locale.h"
@@ -33,14 +34,7 @@
 namespace vexil::test {
 
 inline QApplication& app() {
-    static int argc = 1;
-    static char name[] = "sel_tests";
-    static char* argv[] = {name, nullptr};
-    static QApplication* a = [] {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        return new QApplication(argc, argv);
-    }();
-    return *a;
+    return offscreenApp();
 }
 
 // An axis-aligned box of polygons facing outwards, centred on c, in group g. The corners are listed

@@ -2,6 +2,7 @@
 // built through the engine's C API, and a host window that embeds the viewports the way the main window
 // does.
 #pragma once
+#include "../support/OffscreenApp.h"
 #include "app/InputState.h"
 #include "app/Settings.h"
 #include "view/ViewportHost.h"
@@ -21,14 +22,7 @@
 namespace vexil::test {
 
 inline QApplication& app() {
-    static int argc = 1;
-    static char name[] = "view_tests";
-    static char* argv[] = {name, nullptr};
-    static QApplication* a = [] {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        return new QApplication(argc, argv);
-    }();
-    return *a;
+    return offscreenApp();
 }
 
 // A main window stand-in: records what the viewports ask and tell.

@@ -1,0 +1,18 @@
+// The one QApplication of a test program, on the offscreen platform so that tests run without a display.
+#pragma once
+#include <QApplication>
+
+namespace vexil::test {
+
+inline QApplication& offscreenApp() {
+    static int argc = 1;
+    static char name[] = "vexil_tests";
+    static char* argv[] = {name, nullptr};
+    static QApplication* a = [] {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        return new QApplication(argc, argv);
+    }();
+    return *a;
+}
+
+} // namespace vexil::test
