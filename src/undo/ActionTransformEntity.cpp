@@ -189,45 +189,33 @@ static void scaleTrack(int track, const Loc3& f) {
     }
 }
 
-void ActionScale::Undo() {
-    const Loc3 f = factors();
+// Tracks and sets scale by factors; a group goes to the given dimensions along its own axes.
+void ActionScale::apply(const Loc3& dims, const Loc3& f) {
     if (m_e.kind == 3) {
-        scaleTrack(m_e.handle, {f[0] != 0 ? 1.0 / f[0] : 1.0, f[1] != 0 ? 1.0 / f[1] : 1.0,
-                                f[2] != 0 ? 1.0 / f[2] : 1.0});
+        scaleTrack(m_e.handle, f);
         return;
     }
     if (m_e.kind == 6) {
-        scaleSet({f[0] != 0 ? 1.0 / f[0] : 1.0, f[1] != 0 ? 1.0 / f[1] : 1.0, f[2] != 0 ? 1.0 / f[2] : 1.0});
+        scaleSet(f);
         return;
     }
     if (m_e.kind != 1) return;
-    // Back to the initial dimensions, along the group's own axes.
     Loc3 cur{};
     ZELMAR_group_get_dimensions(m_e.handle, cur.data());
     Loc3 g{1, 1, 1};
     for (int k = 0; k < 3; ++k)
-        if (cur[k] != 0) g[k] = m_ini[k] / cur[k];
+        if (cur[k] != 0) g[k] = dims[k] / cur[k];
     ZELMAR_group_scale(m_e.handle, 1, g[0], g[1], g[2]);
     refreshBox(1, m_e.handle);
 }
 
+void ActionScale::Undo() {
+    const Loc3 f = factors();
+    apply(m_ini, {f[0] != 0 ? 1.0 / f[0] : 1.0, f[1] != 0 ? 1.0 / f[1] : 1.0, f[2] != 0 ? 1.0 / f[2] : 1.0});
+}
+
 void ActionScale::Redo() {
-    if (m_e.kind == 3) {
-        scaleTrack(m_e.handle, factors());
-        return;
-    }
-    if (m_e.kind == 6) {
-        scaleSet(factors());
-        return;
-    }
-    if (m_e.kind != 1) return;
-    Loc3 cur{};
-    ZELMAR_group_get_dimensions(m_e.handle, cur.data());
-    Loc3 g{1, 1, 1};
-    for (int k = 0; k < 3; ++k)
-        if (cur[k] != 0) g[k] = m_fnl[k] / cur[k];
-    ZELMAR_group_scale(m_e.handle, 1, g[0], g[1], g[2]);
-    refreshBox(1, m_e.handle);
+    apply(m_fnl, factors());
 }
 
 // ---- ActionAlign --------------------------------------------------------------------------------

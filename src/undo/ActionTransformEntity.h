@@ -73,6 +73,7 @@ class ActionScale : public Action {
     // Factors final / initial (1 where the initial size is 0).
     Loc3 factors() const;
     void scaleSet(const Loc3& f);
+    void apply(const Loc3& dims, const Loc3& f);
     Loc3 m_ini{}, m_fnl{};
     std::vector<Loc3> m_memberDims;
     TransformedEntity m_e;
