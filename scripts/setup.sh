@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 PACKAGES=(build-essential cmake pkg-config libgtest-dev libgmock-dev libbenchmark-dev
           zlib1g-dev libzstd-dev libstb-dev qt6-base-dev qt6-base-dev-tools
           libgl-dev libegl-dev libopengl-dev libgl1-mesa-dri xvfb xauth clang libclang-rt-14-dev
-          glmark2-data assimp-testmodels)
+          glmark2-data assimp-testmodels ccache graphviz)
 missing=()
 for p in "${PACKAGES[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
@@ -19,6 +19,10 @@ if [ ${#missing[@]} -gt 0 ]; then
   DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi
 
+# ccache keeps compiled objects between builds and between clones of the repository (paths are taken
+# relative to the clone), so a build after a session reuses the session's objects.
+source scripts/ccache-env.sh
+
 BUILD=${BUILD_DIR:-build}
-cmake -S . -B "$BUILD" -DCMAKE_BUILD_TYPE=${BUILD_TYPE:-Release} "$@" >/dev/null
+cmake -S . -B "$BUILD" -DCMAKE_BUILD_TYPE=${BUILD_TYPE:-Release} $VEXIL_LAUNCHER "$@" >/dev/null
 cmake --build "$BUILD" -j"$(nproc)"

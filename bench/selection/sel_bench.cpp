@@ -6,7 +6,7 @@
 // Each figure is the median of N runs (default 5) of the whole command as the user triggers it: the scan,
 // the polygon array of the points, the pivot and the undo record with its push.
 #include "undo/ActionUndoRedo_Stack.h"
-#include "view/SelectionModel.h"
+#include "selection/SelectionModel.h"
 #include "view/frmPicWins.h"
 #include "view/picWindow.h"
 

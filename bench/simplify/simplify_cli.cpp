@@ -10,7 +10,7 @@
 // (ZELMAR_engine_save; .wld, .zelmar, ...). --reference runs the literal implementation.
 #include "MemoryEngine.h"
 #include "MeshData.h"
-#include "app/VexilError.h"
+#include "base/VexilError.h"
 #include "reference/RefSurfSimpli.h"
 #include "simplify/SurfSimpli.h"
 

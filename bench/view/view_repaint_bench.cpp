@@ -6,7 +6,7 @@
 //
 // Reported per world: the median of the engine render alone, of the whole repaint (render, copy into the
 // back buffer, overlays, blit to the widget), and the overlays' share of the render.
-#include "app/InputState.h"
+#include "frame/InputState.h"
 #include "view/ViewportHost.h"
 #include "view/frmPicWins.h"
 #include "view/picWindow.h"

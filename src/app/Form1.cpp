@@ -2,16 +2,16 @@
 // MDIForm_Resize, Form_QueryUnload, Form_Unload, ParseCommand.
 #include "Form1.h"
 
-#include "AppPaths.h"
-#include "ErrLog.h"
-#include "InputState.h"
-#include "Locale.h"
+#include "frame/AppPaths.h"
+#include "frame/ErrLog.h"
+#include "frame/InputState.h"
+#include "frame/Locale.h"
 #include "MostRecentUsedFiles.h"
-#include "Preferences.h"
-#include "Settings.h"
-#include "Spinner.h"
-#include "engine/WorkspaceTrees.h"
-#include "engine/WorldDocument.h"
+#include "frame/Preferences.h"
+#include "frame/Settings.h"
+#include "frame/Spinner.h"
+#include "document/WorkspaceTrees.h"
+#include "document/WorldDocument.h"
 #include "library/formTip.h"
 #include "undo/ActionUndoRedo_Stack.h"
 
@@ -145,7 +145,7 @@ void Form1::Form_Load() {
         tabWorkspace->setEnabled(false);
         cmbNewObjType_InitialSetup();
         // 13. The popup menus are never in the menu bar (PopupMenus()).
-        // 14., 17., 18. Markers, makers, drawers, gizmos, cameras, grids (their Parts).
+        // 14., 17., 18. Markers, makers, drawers, gizmos, cameras, grids (their owners).
         CreateSharedObjects();
         // 15.
         ResetControls();

@@ -9,14 +9,14 @@
 //   Form1_Toolbars.cpp  toolbar bands (CoolBar1): build, save, restore, reset
 //   Form1_Workspace.cpp workspace tabs, viewports, status bar, DocumentHost and UndoHost
 //   Form1_Views.cpp     the viewport area (frmPicWins) and ViewportHost
-//   Form1_Hooks.cpp     the commands that later issues implement (empty bodies until then)
+//   Form1_Hooks.cpp     commands whose feature is not built yet: each tells the user so
 //
 // To hang code on Form1: add a member function here and its body in your subsystem's folder (a further
 // translation unit of Form1: add it with target_sources(vexil_app PRIVATE ...) from your CMakeLists), or
 // replace a body of Form1_Hooks.cpp by moving it to your folder.
 #pragma once
-#include "Dialogs.h"
-#include "engine/DocumentHost.h"
+#include "frame/Dialogs.h"
+#include "document/DocumentHost.h"
 #include "undo/UndoHost.h"
 #include "view/ViewportHost.h" // viewport wiring (Form1_Views.cpp)
 #include "view/picWindow.h"
@@ -58,7 +58,7 @@ class frmPicWins;
 class Form1 : public QMainWindow, public DocumentHost, public UndoHost, public ViewportHost {
     Q_OBJECT
 public:
-    // Workspace tab indices (docs/ui.md: the documented Parts disagree about the texture and gallery tabs).
+    // Workspace tab indices (docs/ui.md: the order of the texture and gallery tabs).
     enum WorkspaceTab { TabGroups = 0, TabEditGroup = 1, TabCamTrackBk = 2, TabLight = 3, TabModelGallery = 4, TabTexture = 5 };
     static constexpr int BandCount = 8;
     static constexpr int MruMax = 8;
@@ -159,7 +159,7 @@ public:
     void tabWorkspace_Click(int index);
     void InitialiseSpinners();
 
-    // ---- the commands of later issues (Form1_Hooks.cpp) ---------------------------------------------
+    // ---- commands of features not built yet (Form1_Hooks.cpp) ---------------------------------------------
     void ZoomExtentAll();
     void ZoomExtentSingle(int index);
     void Toggle3DCard();
@@ -300,12 +300,12 @@ public:
     QWidget* StatusBar2 = nullptr;
     QPointer<formTip> TipForm;
 
-    // ---- the create panel of the Edit Group tab (src/geometry/Form1_Create.cpp) ---------------------------
+    // ---- the create panel of the Edit Group tab (Form1_Create.cpp) ---------------------------
     CreatePanel* frmCreate = nullptr; // holds cmbNewObjType and spnBoxDim
     void cmdCreate_Click();
     // Create > Standard Groups: kind 0 plane, 1 box, 2 sphere, 3 cylinder, 4 cone, 5 torus.
     void mnuStandardGroups_Click(int kind);
-    // ---- the transform gizmos and the typed transform panel (src/view/Form1_Gizmo.cpp) -------------------
+    // ---- the transform gizmos and the typed transform panel (Form1_Gizmo.cpp) -------------------
     void DrawGizmo(int index, QPainter& p) override;
     void Gizmo_MouseDown(int index, int button, int x, int y) override;
     void Gizmo_MouseUp(int index, int button, int x, int y) override;
@@ -330,10 +330,11 @@ public:
     void Set3DCardTogglePressed(bool pressed) override;
     void SetNewWorldCombos(const QString& cmbObjText, const QString& cmbObjEditGeomText) override;
     void ResetViews() override { mnuResetViews_Click(); }
+    void ShowTemplates(const std::function<bool(const QString&)>& load) override;
     void ClearViewports() override;
     void UpdateCameras() override;
     void SetCmbObjItems(const QStringList& items, int chosen) override;
-    // The selection's side of the document (src/view/Form1_Selection.cpp).
+    // The selection's side of the document (Form1_Selection.cpp).
     int CurrSelEntityType() override;
     int CurrSelEntity() override;
     std::vector<int> PrevMultiSelGroups() override;
@@ -363,7 +364,7 @@ public:
     void ReleaseCutButton() override;
     bool CreateTrackUp() override;
     void SetWireframePressed(bool pressed) override;
-    // ---- ViewportHost: the selection's hooks (src/view/Form1_Selection.cpp) ------------------------------
+    // ---- ViewportHost: the selection's hooks (Form1_Selection.cpp) ------------------------------
     SelectMode CurrentSelectMode() override;
     bool EditTextureMode() override;
     int SelPtsCount() override;

@@ -3,10 +3,10 @@
 // its subsystem (a further translation unit of Form1, see Form1.h) and deletes it here.
 #include "Form1.h"
 
-#include "Locale.h"
-#include "Preferences.h"
-#include "view/Form1_Gizmo.h"
-#include "view/Form1_Selection.h"
+#include "frame/Locale.h"
+#include "frame/Preferences.h"
+#include "Form1_Gizmo.h"
+#include "Form1_Selection.h"
 
 #include <QLabel>
 

@@ -7,8 +7,8 @@
 // Ctrl, Shift and Alt all up.
 #include "Form1.h"
 
-#include "ErrLog.h"
-#include "InputState.h"
+#include "frame/ErrLog.h"
+#include "frame/InputState.h"
 
 #include <QToolBar>
 

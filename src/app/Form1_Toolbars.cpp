@@ -6,11 +6,11 @@
 //   ("True"/"False"), then the break flag (-1/0), the width in twips and the band index as integers.
 #include "Form1.h"
 
-#include "Dialogs.h"
-#include "ErrLog.h"
-#include "Locale.h"
-#include "Preferences.h"
-#include "Settings.h"
+#include "frame/Dialogs.h"
+#include "frame/ErrLog.h"
+#include "frame/Locale.h"
+#include "frame/Preferences.h"
+#include "frame/Settings.h"
 
 #include <QActionGroup>
 #include <QApplication>

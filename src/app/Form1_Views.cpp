@@ -7,9 +7,9 @@
 // tool button changes.
 #include "Form1.h"
 
-#include "ErrLog.h"
-#include "Preferences.h"
-#include "engine/WorldDocument.h"
+#include "frame/ErrLog.h"
+#include "frame/Preferences.h"
+#include "document/WorldDocument.h"
 #include "view/frmPicWins.h"
 #include "view/picWindow.h"
 

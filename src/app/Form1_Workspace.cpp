@@ -2,15 +2,17 @@
 // the undo stack.
 #include "Form1.h"
 
-#include "ErrLog.h"
-#include "InputState.h"
-#include "Locale.h"
+#include "frame/Dialogs.h"
+#include "frame/ErrLog.h"
+#include "library/formTemplate.h"
+#include "frame/InputState.h"
+#include "frame/Locale.h"
 #include "MostRecentUsedFiles.h"
-#include "Preferences.h"
-#include "Spinner.h"
-#include "engine/WorkspaceTrees.h"
-#include "engine/WorldDocument.h"
-#include "geometry/CreatePanel.h"
+#include "frame/Preferences.h"
+#include "frame/Spinner.h"
+#include "document/WorkspaceTrees.h"
+#include "document/WorldDocument.h"
+#include "builders/CreatePanel.h"
 #include "undo/ActionUndoRedo_Stack.h"
 
 #include <QApplication>
@@ -354,6 +356,11 @@ void Form1::SetTreeNodeText(const std::string& key, const std::string& text) {
     for (WorkspaceTree* tree : {static_cast<WorkspaceTree*>(GroupTree), static_cast<WorkspaceTree*>(CamTrackBkTree),
                                 static_cast<WorkspaceTree*>(LightTree)})
         if (tree && tree->SetNodeText(k, t)) return;
+}
+
+void Form1::ShowTemplates(const std::function<bool(const QString&)>& load) {
+    formTemplate form(m_document->ApplicationFolder() + QStringLiteral("/Templates"), load, {}, this);
+    dialogs().exec(form);
 }
 
 } // namespace vexil

@@ -1,7 +1,7 @@
 #include "MostRecentUsedFiles.h"
 
-#include "Preferences.h"
-#include "Settings.h"
+#include "frame/Preferences.h"
+#include "frame/Settings.h"
 
 #include <QAction>
 #include <QMenu>

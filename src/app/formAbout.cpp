@@ -1,6 +1,6 @@
 #include "formAbout.h"
 
-#include "Locale.h"
+#include "frame/Locale.h"
 #include "formError.h"
 
 #include <QLabel>

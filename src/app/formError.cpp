@@ -1,9 +1,9 @@
 #include "formError.h"
 
-#include "Dialogs.h"
-#include "ErrLog.h"
+#include "frame/Dialogs.h"
+#include "frame/ErrLog.h"
 #include "Form1.h"
-#include "Locale.h"
+#include "frame/Locale.h"
 
 #include <QDesktopServices>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "formSplash.h"
 
-#include "Locale.h"
+#include "frame/Locale.h"
 
 #include <QApplication>
 #include <QDesktopServices>

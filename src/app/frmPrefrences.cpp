@@ -1,12 +1,12 @@
 #include "frmPrefrences.h"
 
-#include "Dialogs.h"
-#include "ErrLog.h"
+#include "frame/Dialogs.h"
+#include "frame/ErrLog.h"
 #include "Form1.h"
-#include "Locale.h"
-#include "Preferences.h"
-#include "Settings.h"
-#include "Spinner.h"
+#include "frame/Locale.h"
+#include "frame/Preferences.h"
+#include "frame/Settings.h"
+#include "frame/Spinner.h"
 #include "undo/ActionUndoRedo_Stack.h"
 
 #include <QCheckBox>

@@ -1,10 +1,10 @@
 #include "mdlSubMain.h"
 
-#include "AppPaths.h"
-#include "ErrLog.h"
+#include "frame/AppPaths.h"
+#include "frame/ErrLog.h"
 #include "Form1.h"
-#include "Locale.h"
-#include "Preferences.h"
+#include "frame/Locale.h"
+#include "frame/Preferences.h"
 #include "formError.h"
 #include "formSplash.h"
 

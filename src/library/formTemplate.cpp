@@ -1,6 +1,6 @@
 #include "formTemplate.h"
 
-#include "app/Locale.h"
+#include "frame/Locale.h"
 
 #include <QDir>
 #include <QFileInfo>

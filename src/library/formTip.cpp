@@ -1,8 +1,8 @@
 #include "formTip.h"
 
-#include "app/AppPaths.h"
-#include "app/Locale.h"
-#include "app/Settings.h"
+#include "frame/AppPaths.h"
+#include "frame/Locale.h"
+#include "frame/Settings.h"
 
 #include <QCheckBox>
 #include <QFile>

@@ -1,8 +1,8 @@
 // the maths library, module Maths: angles.
-#include "maths/Maths.h"
+#include "Maths.h"
 
-#include "maths/MathsDetail.h"
-#include "maths/MathsReport.h"
+#include "MathsDetail.h"
+#include "MathsReport.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 // Internal helpers of the maths library: checked element access and the overflow test.
 #pragma once
-#include "app/VexilError.h"
+#include "base/VexilError.h"
 
 #include <cmath>
 #include <cstddef>

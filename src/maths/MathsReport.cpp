@@ -1,4 +1,4 @@
-#include "maths/MathsReport.h"
+#include "MathsReport.h"
 
 #include <cstdio>
 #include <utility>

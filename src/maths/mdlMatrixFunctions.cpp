@@ -1,8 +1,8 @@
 // the maths library, module mdlMatrixFunctions.
-#include "maths/mdlMatrixFunctions.h"
+#include "mdlMatrixFunctions.h"
 
-#include "app/VexilError.h"
-#include "maths/MathsReport.h"
+#include "base/VexilError.h"
+#include "MathsReport.h"
 
 #include <cmath>
 #include <utility>

@@ -7,7 +7,7 @@
 // Division by zero), this code raises at the same places.
 #include "simplify/SurfSimpli.h"
 
-#include "app/VexilError.h"
+#include "base/VexilError.h"
 
 #include <cmath>
 

@@ -2,7 +2,7 @@
 // the output group) and the walk over the mesh's valid triangles.
 #include "simplify/SurfSimpli.h"
 
-#include "app/VexilError.h"
+#include "base/VexilError.h"
 
 #include <algorithm>
 #include <cmath>

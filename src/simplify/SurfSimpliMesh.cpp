@@ -2,7 +2,7 @@
 // kept for restarting, the selection list).
 #include "simplify/SurfSimpli.h"
 
-#include "app/VexilError.h"
+#include "base/VexilError.h"
 
 #include <algorithm>
 #include <bit>

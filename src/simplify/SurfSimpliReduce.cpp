@@ -1,7 +1,7 @@
 // the edge contraction: Reduce, the loop, the choice of the next edge, the refusal tests and the contraction.
 #include "simplify/SurfSimpli.h"
 
-#include "app/VexilError.h"
+#include "base/VexilError.h"
 #include "maths/Maths.h"
 
 #include <algorithm>

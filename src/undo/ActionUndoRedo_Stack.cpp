@@ -1,7 +1,7 @@
 #include "ActionUndoRedo_Stack.h"
 
 #include "UndoHost.h"
-#include "app/VexilError.h"
+#include "base/VexilError.h"
 
 #include <cctype>
 #include <climits>

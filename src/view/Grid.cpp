@@ -1,7 +1,7 @@
 #include "Grid.h"
 
 #include "Overlays.h"
-#include "app/Settings.h"
+#include "frame/Settings.h"
 
 #include <QLine>
 #include <QPainter>

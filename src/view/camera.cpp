@@ -1,6 +1,6 @@
 #include "camera.h"
 
-#include "app/InputState.h"
+#include "frame/InputState.h"
 
 #include <chrono>
 #include <cmath>

@@ -2,8 +2,8 @@
 #include "frmPicWins.h"
 
 #include "ViewCursors.h"
-#include "app/ErrLog.h"
-#include "app/Locale.h"
+#include "frame/ErrLog.h"
+#include "frame/Locale.h"
 #include "picWindow.h"
 
 #include <QAction>

@@ -4,7 +4,7 @@
 // key that went down since it was last polled. The first matching row wins.
 #include "frmPicWins.h"
 
-#include "app/InputState.h"
+#include "frame/InputState.h"
 #include "picWindow.h"
 
 #include <QAction>

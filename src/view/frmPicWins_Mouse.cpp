@@ -2,7 +2,7 @@
 // plug-ins, gizmo) is tested in a fixed order in front of the tool; the middle button always navigates.
 #include "frmPicWins.h"
 
-#include "app/InputState.h"
+#include "frame/InputState.h"
 #include "picWindow.h"
 
 #include <vector>

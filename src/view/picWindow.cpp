@@ -1,6 +1,6 @@
 #include "picWindow.h"
 
-#include "app/ErrLog.h"
+#include "frame/ErrLog.h"
 #include "frmPicWins.h"
 
 #include <QKeyEvent>

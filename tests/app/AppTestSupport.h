@@ -2,13 +2,13 @@
 // application folder in a temporary directory, the language files of data/, and the log.
 #pragma once
 #include "../support/OffscreenApp.h"
-#include "AppPaths.h"
-#include "Dialogs.h"
-#include "ErrLog.h"
-#include "Locale.h"
-#include "Preferences.h"
-#include "Settings.h"
-#include "formSplash.h"
+#include "frame/AppPaths.h"
+#include "frame/Dialogs.h"
+#include "frame/ErrLog.h"
+#include "frame/Locale.h"
+#include "frame/Preferences.h"
+#include "frame/Settings.h"
+#include "app/formSplash.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,8 +1,8 @@
 // A started program (entry routine steps 1 to 7) on a fresh store, for the Form1 tests.
 #pragma once
 #include "AppTestSupport.h"
-#include "Form1.h"
-#include "mdlSubMain.h"
+#include "app/Form1.h"
+#include "app/mdlSubMain.h"
 #include "undo/ActionUndoRedo_Stack.h"
 
 namespace vexil::test {

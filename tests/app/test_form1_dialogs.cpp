@@ -1,8 +1,8 @@
 // failure reporting to language resources through the window: frmPrefrences (language switch, quirks, beep list), formError.
 #include "Form1Fixture.h"
-#include "formError.h"
-#include "frmPrefrences.h"
-#include "Spinner.h"
+#include "app/formError.h"
+#include "app/frmPrefrences.h"
+#include "frame/Spinner.h"
 
 #include <QAction>
 #include <QCheckBox>

@@ -1,9 +1,9 @@
 // Form1 as the host of the world document and of the undo stack: the File and Edit items reach the
 // document; the close box's "Yes" saves; Hold and Fetch from the keys; start-up with a missing language.
 #include "Form1Fixture.h"
-#include "InputState.h"
-#include "MostRecentUsedFiles.h"
-#include "engine/WorldDocument.h"
+#include "frame/InputState.h"
+#include "app/MostRecentUsedFiles.h"
+#include "document/WorldDocument.h"
 
 #include <QAction>
 #include <QFileInfo>

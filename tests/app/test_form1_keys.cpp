@@ -1,6 +1,6 @@
 // the application entry: the key table of Form_KeyDown, with its "down" and "pressed" tests.
 #include "Form1Fixture.h"
-#include "InputState.h"
+#include "frame/InputState.h"
 
 #include <QAction>
 #include <QTest>

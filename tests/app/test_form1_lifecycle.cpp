@@ -1,6 +1,6 @@
 // the application entry: start-up, the splash, close and unload, resize, the tick loop; every menu item.
 #include "Form1Fixture.h"
-#include "engine/WorldDocument.h"
+#include "document/WorldDocument.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -156,7 +156,7 @@ TEST_F(Form1Test, CommandLineOfAFileThatCannotLoadReportsAndGoesOnWithoutAWorld)
     EXPECT_FALSE(form->tabWorkspace->isEnabled());
 }
 
-TEST_F(Form1Test, EveryMenuItemOfTheSpecExistsWithItsCaption) {
+TEST_F(Form1Test, EveryMenuItemExistsWithItsCaption) {
     start();
     const char* names[] = {
         "mnuFile", "mnuNew", "mnuOpenFile", "mnuAddWorld", "mnuCloseFile", "mnuSave", "mnuSaveAs", "mnuImport",

@@ -1,6 +1,6 @@
 // the preferences: the recent-files list and the toolbar bands' saved state.
 #include "Form1Fixture.h"
-#include "MostRecentUsedFiles.h"
+#include "app/MostRecentUsedFiles.h"
 
 #include <QAction>
 #include <QMenu>

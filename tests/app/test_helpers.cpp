@@ -1,9 +1,9 @@
 // the shared containers (LinkedList, file helpers), ParseCommand of the application entry, and the dialogs and input seams.
 #include "AppTestSupport.h"
-#include "Form1.h"
-#include "InputState.h"
-#include "LinkedList.h"
-#include "mdlFileFunctions.h"
+#include "app/Form1.h"
+#include "frame/InputState.h"
+#include "frame/LinkedList.h"
+#include "frame/mdlFileFunctions.h"
 
 using namespace vexil;
 using vexil::test::AppEnv;

@@ -2,15 +2,15 @@
 // driven with mouse events as a user drives them; a scripted input state holds keys and the cursor.
 #pragma once
 #include "../support/OffscreenApp.h"
-#include "app/InputState.h"
-#include "app/Preferences.h"
-#include "app/Settings.h"
-#include "geometry/Primitives.h"
+#include "frame/InputState.h"
+#include "frame/Preferences.h"
+#include "frame/Settings.h"
+#include "builders/Primitives.h"
 #include "undo/ActionUndoRedo_Stack.h"
 #include "undo/UndoHost.h"
-#include "view/SelectionModel.h"
-#include "view/ViewGizmos.h"
-#include "view/WeldedPoints.h"
+#include "selection/SelectionModel.h"
+#include "gizmo/ViewGizmos.h"
+#include "selection/WeldedPoints.h"
 #include "view/frmPicWins.h"
 #include "view/picWindow.h"
 

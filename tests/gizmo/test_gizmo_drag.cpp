@@ -1,6 +1,6 @@
 // The gizmo on the real viewports: which handle is grabbed, what a drag does to a group, its undo records.
 #include "GizmoTestSupport.h"
-#include "undo/ActionTransformEntity.h"
+#include "selection/ActionTransformEntity.h"
 
 using namespace vexil;
 using namespace vexil::test;

@@ -1,6 +1,6 @@
 // Points, polygons and track points: the gizmo in the sub-object modes and the actions that undo them.
 #include "GizmoTestSupport.h"
-#include "undo/ActionTransformSubObject.h"
+#include "selection/ActionTransformSubObject.h"
 
 using namespace vexil;
 using namespace vexil::test;

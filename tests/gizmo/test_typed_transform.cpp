@@ -1,8 +1,8 @@
 // The typed transform panel: offsets and absolute values, object and world space, one undo step per apply,
 // clear refusals of bad values.
 #include "GizmoTestSupport.h"
-#include "app/Dialogs.h"
-#include "view/frmTransformParameters.h"
+#include "frame/Dialogs.h"
+#include "gizmo/frmTransformParameters.h"
 
 #include <QComboBox>
 #include <QLabel>

@@ -1,8 +1,8 @@
 // formTemplate and formTip, and the shipped data files they read.
 #include "library/formTemplate.h"
 #include "library/formTip.h"
-#include "app/Locale.h"
-#include "app/Settings.h"
+#include "frame/Locale.h"
+#include "frame/Settings.h"
 
 #include <QCheckBox>
 #include <QDir>

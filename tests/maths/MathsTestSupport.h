@@ -1,7 +1,7 @@
 // Shared helpers of the maths tests: a recorder for the log and message-box sinks, and a
 // matcher for the VexilError that a call raises.
 #pragma once
-#include "app/VexilError.h"
+#include "base/VexilError.h"
 #include "maths/MathsReport.h"
 
 #include <gtest/gtest.h>

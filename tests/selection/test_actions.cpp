@@ -1,7 +1,7 @@
 // Deleting, creating and hiding entities, and how their actions leave the stack: the deferred deletion
 // ends in the destructor of the action that holds the corpse.
 #include "SelTestSupport.h"
-#include "view/SelectionTransforms.h"
+#include "gizmo/SelectionTransforms.h"
 
 #include <cmath>
 

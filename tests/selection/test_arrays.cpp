@@ -1,7 +1,7 @@
 // The selection's containers: the handle arrays with their occurrence counts and the entity sets.
-#include "app/VexilError.h"
-#include "view/MultipleSelection.h"
-#include "view/SelectionArrays.h"
+#include "base/VexilError.h"
+#include "selection/MultipleSelection.h"
+#include "selection/SelectionArrays.h"
 
 #include <gtest/gtest.h>
 #include <random>

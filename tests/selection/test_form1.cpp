@@ -1,11 +1,11 @@
 // The selection in the main window with the sample world: tree, list, viewport clicks, the View and Group
 // menus and the Delete key, each undone and redone through the Edit menu.
 #include "Form1Fixture.h"
-#include "InputState.h"
+#include "frame/InputState.h"
 #include "engine/EntityNaming.h"
-#include "engine/WorkspaceTrees.h"
-#include "engine/WorldDocument.h"
-#include "view/SelectionState.h"
+#include "document/WorkspaceTrees.h"
+#include "document/WorldDocument.h"
+#include "selection/SelectionState.h"
 #include "view/frmPicWins.h"
 
 #include <QAction>

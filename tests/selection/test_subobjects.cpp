@@ -2,7 +2,7 @@
 // occurrence-aligned polygon array, back faces, select all and invert, and what each pushes.
 #include "SelTestSupport.h"
 
-#include "view/WeldedPoints.h"
+#include "selection/WeldedPoints.h"
 
 using namespace vexil;
 using namespace vexil::test;

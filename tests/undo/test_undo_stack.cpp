@@ -2,7 +2,7 @@
 #include "undo/ActionRenameEntity.h"
 #include "undo/ActionUndoRedo_Stack.h"
 #include "undo/UndoHost.h"
-#include "app/VexilError.h"
+#include "base/VexilError.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,8 @@
 // does.
 #pragma once
 #include "../support/OffscreenApp.h"
-#include "app/InputState.h"
-#include "app/Settings.h"
+#include "frame/InputState.h"
+#include "frame/Settings.h"
 #include "view/ViewportHost.h"
 #include "view/camera.h"
 #include "view/frmPicWins.h"

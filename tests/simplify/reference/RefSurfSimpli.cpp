@@ -2,7 +2,7 @@
 // by step. See RefSurfSimpli.h.
 #include "RefSurfSimpli.h"
 
-#include "app/VexilError.h"
+#include "base/VexilError.h"
 
 #include <cmath>
 

@@ -3,7 +3,7 @@
 // triangles bit by bit, the messages, progress and status calls, and the model's state.
 #pragma once
 #include "MemoryEngine.h"
-#include "app/VexilError.h"
+#include "base/VexilError.h"
 #include "MeshData.h"
 #include "reference/RefSurfSimpli.h"
 #include "simplify/SurfSimpli.h"
