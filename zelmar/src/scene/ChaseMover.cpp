@@ -74,14 +74,6 @@ M3 Mover::axes() const {
     return M3::fromRows(V3(cam->axis[0]), V3(cam->axis[1]), V3(cam->axis[2]));
 }
 
-double Mover::radiusAlong(V3 dir) const {
-    if (cam) return 0;
-    const V3 dims = groupDimensions(*grp);
-    const M3 a = axisMatrix(*grp);
-    return 0.5 * (std::fabs(dot(dir, a.row(0))) * dims.x + std::fabs(dot(dir, a.row(1))) * dims.y +
-                  std::fabs(dot(dir, a.row(2))) * dims.z);
-}
-
 namespace {
 
 // The group's new axis rows when its x axis turns onto dir; false when it need not turn.

@@ -39,8 +39,6 @@ struct Mover {
     V3 position() const;
     V3 heading() const;
     M3 axes() const; // rows x, y, z
-    // Half the extent of the entity along a unit direction (0 for a camera).
-    double radiusAlong(V3 dir) const;
 
     // Moves to p. With a non-zero direction also turns to face it: a camera looks along it
     // (levelled when `upright`), a group turns its x axis onto it (about the vertical only
