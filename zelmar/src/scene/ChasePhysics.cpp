@@ -1,6 +1,8 @@
 #include "scene/ChasePhysics.h"
 
-#include "pick/Picker.h"
+#include "pick/Bvh.h"
+#include "render/SceneCache.h"
+#include "render/Settings.h"
 #include "scene/ChaseStep.h"
 #include "scene/GroupGeometry.h"
 #include "scene/PolygonGeometry.h"
@@ -8,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_map>
 #include <vector>
 
 namespace zelmar::chase {
@@ -18,46 +21,91 @@ struct Contact {
     V3 normal; // unit, facing the ray's origin
 };
 
-// Leaves the mover's own polygons out of the picks while it lives: its group is disabled,
-// and picks read the flags at each call.
-class SelfHidden {
-  public:
-    explicit SelfHidden(const Mover& mv) : g_(mv.grp) {
-        if (g_) {
-            was_ = g_->disabled;
-            g_->disabled = true;
+// What physics and falling groups meet: the drawn groups that no chase rule moves (nor an
+// ancestor's), with their packed polygons and a BVH each. Chasers pass through each other;
+// that keeps a step's cost independent of how many of them there are. Gathered once a step.
+struct Obstacle {
+    const render::GroupCache* gc;
+    const pick::Bvh* bvh;
+};
+
+struct Obstacles {
+    std::vector<Obstacle> list;
+    bool valid = false;
+    std::unordered_map<Handle, std::pair<uint64_t, pick::Bvh>> bvhs; // stamp of the packed data, BVH
+};
+
+Obstacles& obstacles() {
+    static Obstacles o;
+    return o;
+}
+
+// Disabled (itself or above) or moved by a chase rule (itself or above).
+bool skipped(const Group* g) {
+    for (; g; g = g->father)
+        if (g->disabled || g->chaseType != kNone) return true;
+    return false;
+}
+
+const std::vector<Obstacle>& currentObstacles() {
+    Obstacles& o = obstacles();
+    if (o.valid) return o.list;
+    std::vector<const Group*> groups;
+    for (const Group* g = world().firstGroup(); g; g = g->nextInWorld)
+        if (g->ownPolygons > 0 && !skipped(g)) groups.push_back(g);
+    render::SceneCache& cache = render::sceneCache();
+    cache.update(groups, render::workerCount());
+    o.list.clear();
+    for (const Group* g : groups) {
+        const render::GroupCache& gc = cache.get(*g);
+        if (gc.polys.empty() || gc.box[0] > gc.box[3]) continue;
+        auto& [stamp, bvh] = o.bvhs[g->handle];
+        if (stamp != gc.stamp) {
+            bvh.build(gc);
+            stamp = gc.stamp;
+        }
+        o.list.push_back({&gc, &bvh});
+    }
+    if (o.bvhs.size() > 2 * o.list.size() + 16) { // groups that died or started moving
+        World& w = world();
+        for (auto it = o.bvhs.begin(); it != o.bvhs.end();) {
+            const Group* g = w.group(it->first);
+            it = g && !skipped(g) ? std::next(it) : o.bvhs.erase(it);
         }
     }
-    ~SelfHidden() {
-        if (g_) g_->disabled = was_;
-    }
-    SelfHidden(const SelfHidden&) = delete;
-    SelfHidden& operator=(const SelfHidden&) = delete;
-
-  private:
-    Group* g_;
-    bool was_ = false;
-};
+    o.valid = true;
+    return o.list;
+}
 
 // The nearest collisional polygon along one ray within (0, tMax).
 bool castRay(V3 origin, V3 dir, double tMax, Contact& out) {
+    const std::vector<Obstacle>& list = currentObstacles();
     World& w = world();
-    double tMin = 0;
     double o[3], d[3];
     origin.store(o);
     dir.store(d);
+    double tMin = 0;
     // Polygons that are not collisional are passed through: look again beyond them.
     for (int tries = 0; tries < 8 && tMin < tMax; ++tries) {
-        pick::WorldHit hit;
-        if (!pick::pickRay(o, d, tMin, tMax, hit)) return false;
-        const Polygon* p = w.polygon(hit.polygon);
-        if (p && !p->collisional) {
+        pick::Ray ray = pick::makeRay(o, d, tMin, tMax);
+        const Obstacle* best = nullptr;
+        pick::Hit hit;
+        for (const Obstacle& ob : list) {
+            double tEnter;
+            if (!pick::rayBox(ray, ob.gc->box, tEnter)) continue;
+            pick::Hit h;
+            if (ob.bvh->intersect(*ob.gc, ray, h)) { // narrows ray.tMax
+                best = &ob;
+                hit = h;
+            }
+        }
+        if (!best) return false;
+        const render::PackedPolygon& pp = best->gc->polys[hit.polygon];
+        if (const Polygon* p = w.polygon(pp.handle); p && !p->collisional) {
             tMin = hit.t + 1e-9 * std::max(1.0, hit.t);
             continue;
         }
-        double plane[4] = {0, 0, 0, 0};
-        if (p) polygonPlane(*p, plane);
-        V3 n(plane[0], plane[1], plane[2]);
+        V3 n(pp.normal);
         if (dot(n, dir) > 0) n = -n;
         out.t = hit.t;
         out.normal = length(n) > 0 ? n : -dir;
@@ -65,6 +113,14 @@ bool castRay(V3 origin, V3 dir, double tMax, Contact& out) {
     }
     return false;
 }
+
+} // namespace
+
+void beginStep() {
+    obstacles().valid = false;
+}
+
+namespace {
 
 // Where rays start for a mover at `pos`: a camera's location; the corners of a group's box
 // on the side it moves to (offsets from its centre, so they follow it through a step).
@@ -114,7 +170,6 @@ bool physicsStep(Mover& mv) {
         // Collide and slide: move to the first contact, bounce (the normal part of the
         // velocity turns over, scaled by the elasticity; 0 slides along the surface), and
         // spend the rest of the step with the new velocity.
-        SelfHidden hidden(mv);
         const double e = std::clamp(mv.elasticity, 0.0, 1.0);
         double remaining = kStep;
         for (int pass = 0; pass < 3 && remaining > 0; ++pass) {
@@ -152,7 +207,6 @@ V3 setDown(Mover& mv, V3 trackPos) {
     const double h = std::max(0.0, mv.fallHeight);
     Contact c;
     const V3 from = trackPos + V3(0, 0, h);
-    SelfHidden hidden(mv);
     if (!castRay(from, V3(0, 0, -1), INFINITY, c)) return trackPos;
     return V3(trackPos.x, trackPos.y, from.z - c.t + h);
 }

@@ -163,29 +163,36 @@ double& clock() {
     return seconds;
 }
 
+int stepCameras() {
+    int moved = 0;
+    for (Camera* c : world().list<Camera>())
+        if (c->chaseType != kNone && step(Mover::of(*c))) ++moved;
+    return moved;
+}
+
 } // namespace
 
 bool advance(Camera& c) {
+    beginStep();
     return step(Mover::of(c));
 }
 
 bool advance(Group& g) {
+    beginStep();
     return step(Mover::of(g));
 }
 
 int advanceAllCameras() {
-    int moved = 0;
-    // A copy of the list: nothing here creates or deletes, but the walk must not depend on it.
-    for (Camera* c : world().list<Camera>())
-        if (c->chaseType != kNone && advance(*c)) ++moved;
-    return moved;
+    beginStep();
+    return stepCameras();
 }
 
 int advanceAll() {
+    beginStep();
     int moved = 0;
     for (Group* g = world().firstGroup(); g; g = g->nextInWorld)
-        if (g->chaseType != kNone && advance(*g)) ++moved;
-    return moved + advanceAllCameras();
+        if (g->chaseType != kNone && step(Mover::of(*g))) ++moved;
+    return moved + stepCameras();
 }
 
 int advanceTime(double seconds) {
