@@ -546,8 +546,7 @@ int ZELMAR_camera_advance(int camera) {
 }
 
 void ZELMAR_camera_advance_all(void) {
-    for (Camera* c : world().list<Camera>())
-        chase::advance(*c);
+    chase::advanceAllCameras();
 }
 
 } // extern "C"

@@ -31,6 +31,18 @@ enum class Kind : uint8_t {
 struct Group;
 struct Polygon;
 
+// Where a chase rule stands between two steps (not saved): the resolved chased entity and
+// track, the position along the track, the physics velocity.
+struct Motion {
+    bool started = false;          // the first step has set what follows up
+    int32_t type = 0;              // chase type the state was set up for
+    Handle target = 0;             // chased entity the name last resolved to
+    Handle track = 0;              // track the name last resolved to
+    int32_t nextPoint = 0;         // groups: the track point travelled to (cameras keep theirs)
+    double trackPos[3] = {0, 0, 0}; // where the walk stands on the track, offset included
+    double velocity[3] = {0, 0, 0}; // physics, world units per second
+};
+
 struct Vec3 {
     double x = 0, y = 0, z = 0;
 };
@@ -165,6 +177,7 @@ struct Group {
     int32_t controlNumber = 0;
     int32_t fallingFromTrack = 0;
     double fallingHeight = 0;
+    Motion motion;
     uint32_t version = 0;
 };
 
@@ -195,6 +208,7 @@ struct Camera {
     double force[3] = {0, 0, 0}; // physics force: direction times magnitude
     double friction = 0, elasticity = 0;
     double focus = 0;
+    Motion motion;
 };
 
 struct Light {

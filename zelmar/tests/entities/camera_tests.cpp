@@ -299,26 +299,6 @@ TEST_F(CameraTest, ChaseAndTrackValuesRoundTrip) {
     EXPECT_EQ(ZELMAR_camera_get_chased_camera(cam), 0);
 }
 
-TEST_F(CameraTest, AdvanceFollowsATrackAtItsSpeed) {
-    const double pts[6] = {10, 0, 0, 10, 10, 0};
-    ZELMAR_track_create("path", pts, 2, 0);
-    ZELMAR_camera_set_chase_type(cam, 135);
-    ZELMAR_camera_set_track(cam, "path");
-    ZELMAR_camera_set_absolute_speed(cam, 4);
-    double loc[3];
-    EXPECT_EQ(ZELMAR_camera_advance(cam), 1);
-    ZELMAR_camera_get_location(cam, loc);
-    expectVec(loc, 4, 0, 0);
-    ZELMAR_camera_set_absolute_speed(cam, 8); // passes the first point and turns
-    ZELMAR_camera_advance(cam);
-    ZELMAR_camera_get_location(cam, loc);
-    expectVec(loc, 10, 2, 0);
-    EXPECT_EQ(ZELMAR_camera_get_next_point_on_track(cam), 1);
-    double d[3];
-    ZELMAR_camera_get_direction(cam, d);
-    expectVec(d, 0, 1, 0);
-}
-
 TEST_F(CameraTest, WalksNamesCurrentAndStaleHandles) {
     const int b = ZELMAR_camera_create("b");
     const int c = ZELMAR_camera_create("c");
