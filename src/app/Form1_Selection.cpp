@@ -13,6 +13,7 @@
 #include "view/frmPicWins.h"
 
 #include <QAction>
+#include <zelmar/zelmar.h>
 #include <QComboBox>
 #include <QLabel>
 #include <QMenu>
@@ -346,6 +347,10 @@ void Form1::DrawSelectedTrackPts(int index, QPainter& p) {
 void Form1::DrawMultiSelection(int index, QPainter& p, bool wireframe) {
     if (g_model) g_model->DrawMultiSelection(index, p, wireframe);
 }
-int Form1::ChooseViewCamera() { return g_model ? g_model->ChooseViewCamera() : 0; }
+int Form1::ChooseViewCamera() {
+    // The current scene camera, else the one the user picks from the list.
+    if (Sel().CurrSelEntityType == 2 && ZELMAR_camera_is_camera(Sel().CurrSelEntity)) return Sel().CurrSelEntity;
+    return g_model ? g_model->ChooseViewCamera() : 0;
+}
 
 } // namespace vexil

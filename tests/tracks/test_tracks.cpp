@@ -372,4 +372,13 @@ TEST_F(Tracks, CamerasAndTracksSurviveASaveAndALoad) {
     EXPECT_NE(node(QStringLiteral("Camera%1").arg(cam)), nullptr);
 }
 
+TEST_F(Tracks, TheCameraViewLooksThroughTheCurrentSceneCamera) {
+    const int cam = CameraUsingName("Camera02");
+    form->CamTrackBkTree->itemClicked(node(QStringLiteral("Camera%1").arg(cam)), 0);
+    ASSERT_EQ(Sel().CurrSelEntity, cam);
+    form->frmPicWins->ApplyViewCommand(1, ViewCamera);
+    EXPECT_EQ(form->frmPicWins->ShownCamera(1), cam);
+    EXPECT_EQ(dialogs.count("exec"), 0);  // no list to choose from
+}
+
 } // namespace
