@@ -18,6 +18,7 @@
 #include <QAction>
 #include <QLayout>
 #include <QMenu>
+#include <QScrollArea>
 #include <QTabWidget>
 #include <QToolBar>
 #include <memory>
@@ -71,7 +72,13 @@ void InstallTracks(Form1& f) {
     g_tracks = std::make_unique<TracksController>(*g_host);
     if (QWidget* page = f.CamTrackBkTree ? f.CamTrackBkTree->parentWidget() : nullptr) {
         g_tracks->AttachTrackControls(f.cmbTrackPoint, f.tlbrBtnInsert);
-        if (page->layout()) page->layout()->addWidget(g_tracks->Panels());
+        // The panels scroll rather than make the window taller than its default.
+        auto* scroll = new QScrollArea(page);
+        scroll->setObjectName(QStringLiteral("frmCamTrackBkScroll"));
+        scroll->setFrameShape(QFrame::NoFrame);
+        scroll->setWidgetResizable(true);
+        scroll->setWidget(g_tracks->Panels());
+        if (page->layout()) page->layout()->addWidget(scroll);
     }
     on(f.mnuCamera, "mnuCamera_Click", [] { g_tracks->mnuCamera_Click(); });
     on(f.mnuCircular, "mnuCircular_Click", [] { g_tracks->mnuCircular_Click(); });
