@@ -313,6 +313,14 @@ public:
     void UpdateTransformGizmo(int button, int x, int y) override;
     // frmTransformParameters for kind 0 move, 1 rotate, 2 scale.
     void ShowTransformParameters(int kind);
+    // ---- cameras, tracks and backgrounds (Form1_Tracks.cpp) ---------------------------------------------
+    void DrawTrack(int index, QPainter& p) override;
+    void DrawCustomTrk(int index, QPainter& p) override;
+    void CreateCustomTrack(int button, int x, int y) override;
+    void MonitorInsertTrackPoint(int x, int y) override;
+    void InsertTrackPt() override;
+    bool TrackCenter(int track, double c[3]) override;
+    void ScaleSceneCameras(int index) override;
 
     // ---- DocumentHost ------------------------------------------------------------------------------
     ActionUndoRedo_Stack& UndoStack() override;
@@ -342,6 +350,7 @@ public:
     void SelectAddedGroup(int group) override;
     void WorldChanged() override;
     void ClearWorldState() override;
+    void RefreshMarkers() override; // Form1_Tracks.cpp
     void SetSelectedGroupNameText(const QString& text) override;
     void DisableAllTabs() override;
     void EnableWorkspaceTab(int index) override;

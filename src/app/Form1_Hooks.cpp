@@ -7,6 +7,7 @@
 #include "frame/Preferences.h"
 #include "Form1_Gizmo.h"
 #include "Form1_Selection.h"
+#include "Form1_Tracks.h"
 
 #include <QLabel>
 
@@ -24,10 +25,6 @@ void Form1::ReleaseWeldList() {}
 // the atmosphere: atmosphere (src/lighting).
 void Form1::ShowAtmosphereForm() {}
 
-// the tracks: custom tracks (src/tracks).
-bool Form1::IsLayingCustomTrack() { return false; }
-void Form1::ResetCustomTrk() {}
-
 // the model gallery: model gallery (src/library).
 void Form1::trwModel_InitialSetup() {}
 
@@ -43,10 +40,12 @@ void Form1::PluginsKeyDown(int, Qt::KeyboardModifiers) {}
 void Form1::CreateSharedObjects() {
     m_gridDensity = ReadGridDensity();
     InstallSelection(*this);
+    InstallTracks(*this);
     InstallGizmos(*this);
 }
 void Form1::ReleaseSharedObjects() {
     ReleaseGizmos();
+    ReleaseTracks();
     ReleaseSelection();
 }
 

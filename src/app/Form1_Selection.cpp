@@ -5,12 +5,15 @@
 #include "selection/SelectionModel.h"
 #include "frame/ErrLog.h"
 #include "Form1.h"
+#include "Form1_Tracks.h"
+#include "tracks/TracksController.h"
 #include "frame/Locale.h"
 #include "document/WorkspaceTrees.h"
 #include "document/WorldDocument.h"
 #include "view/frmPicWins.h"
 
 #include <QAction>
+#include <zelmar/zelmar.h>
 #include <QComboBox>
 #include <QLabel>
 #include <QMenu>
@@ -83,6 +86,13 @@ class Form1SelectionHost : public SelectionHost {
         m_f.mnuGrpDelete->setEnabled(open && del);
     }
     void PopupEntityMenu(int type, QPoint globalPos) override;
+    int GetCamHandle(int group) override { return FormTracks() ? FormTracks()->Markers().GetCamHandle(group) : 0; }
+    void OpenPanelOfKind(int type, int handle) override {
+        if (FormTracks()) FormTracks()->OpenPanelOfKind(type, handle);
+    }
+    void ClosePanelOfKind(int prevType, int newType) override {
+        if (FormTracks()) FormTracks()->ClosePanelOfKind(prevType, newType);
+    }
 
   private:
     Form1& m_f;
@@ -206,7 +216,18 @@ void InstallSelection(Form1& f) {
     treeMenu(f.GroupTree, [](QTreeWidgetItem* n) {
         static_cast<trwGroupView*>(n->treeWidget())->trwGroupView_NodeClick(n);
     });
-    treeMenu(f.CamTrackBkTree, [](QTreeWidgetItem* n) { g_model->trwCamTrackBK_NodeClick(n); });
+    Form1* form = &f;
+    f.CamTrackBkTree->setContextMenuPolicy(Qt::CustomContextMenu);
+    QObject::connect(f.CamTrackBkTree, &QWidget::customContextMenuRequested, f.CamTrackBkTree,
+                     [form](const QPoint& p) {
+                         handleEvent("Form1", "trwCamTrackBK_MouseUp", [&] {
+                             QTreeWidgetItem* n = form->CamTrackBkTree->itemAt(p);
+                             if (!n || !g_model) return;
+                             form->CamTrackBkTree->setCurrentItem(n);
+                             g_model->trwCamTrackBK_NodeClick(n);
+                             ShowCamTrkBkMenu(*form, n, form->CamTrackBkTree->viewport()->mapToGlobal(p));
+                         });
+                     });
     treeMenu(f.LightTree, [](QTreeWidgetItem* n) { g_model->trwLight_NodeClick(n); });
 }
 
@@ -264,6 +285,7 @@ void Form1::WorldChanged() {
 
 void Form1::ClearWorldState() {
     if (g_model) g_model->ClearWorldState();
+    if (FormTracks()) FormTracks()->ClearWorldState();
 }
 
 // ---- ViewportHost -------------------------------------------------------------------------------
@@ -325,6 +347,10 @@ void Form1::DrawSelectedTrackPts(int index, QPainter& p) {
 void Form1::DrawMultiSelection(int index, QPainter& p, bool wireframe) {
     if (g_model) g_model->DrawMultiSelection(index, p, wireframe);
 }
-int Form1::ChooseViewCamera() { return g_model ? g_model->ChooseViewCamera() : 0; }
+int Form1::ChooseViewCamera() {
+    // The current scene camera, else the one the user picks from the list.
+    if (Sel().CurrSelEntityType == 2 && ZELMAR_camera_is_camera(Sel().CurrSelEntity)) return Sel().CurrSelEntity;
+    return g_model ? g_model->ChooseViewCamera() : 0;
+}
 
 } // namespace vexil

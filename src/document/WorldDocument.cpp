@@ -224,6 +224,7 @@ bool WorldDocument::LoadWorld(const QString& path) {
     RootGroupHandleChanged();
     setAllPolygonsOrientation0(RootGrp);                                   // 9
     SetAllSaveFlags();                                                     // 10
+    m_host.RefreshMarkers();  // markers of the saved cameras and lights
     WorldSize = GetWorldSize();                                            // 11
     WorldFileName = path;
     m_host.SetWindowCaption(UiAppTitle() + QStringLiteral(" [") + WorldFileName + QStringLiteral("]"));  // 12

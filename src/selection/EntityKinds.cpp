@@ -60,21 +60,29 @@ EntityKindOps defaults(int kind) {
     return ops;
 }
 
+std::array<EntityKindOps, 7>& table() {
+    static std::array<EntityKindOps, 7> t = [] {
+        std::array<EntityKindOps, 7> d;
+        for (int k = 2; k <= 5; ++k)
+            d[static_cast<size_t>(k)] = defaults(k);
+        return d;
+    }();
+    return t;
+}
+
 } // namespace
 
 EntityKindOps& KindOps(int kind) {
-    static std::array<EntityKindOps, 7> table = [] {
-        std::array<EntityKindOps, 7> t;
-        for (int k = 2; k <= 5; ++k)
-            t[static_cast<size_t>(k)] = defaults(k);
-        return t;
-    }();
     static EntityKindOps none;
     if (kind < 2 || kind > 5) {
         none = EntityKindOps();
         return none;
     }
-    return table[static_cast<size_t>(kind)];
+    return table()[static_cast<size_t>(kind)];
+}
+
+void ResetKindOps(int kind) {
+    if (kind >= 2 && kind <= 5) table()[static_cast<size_t>(kind)] = defaults(kind);
 }
 
 } // namespace vexil

@@ -27,5 +27,7 @@ struct EntityKindOps {
 
 // kind 2 to 5; any other kind answers an empty set of operations.
 EntityKindOps& KindOps(int kind);
+// Back to the engine-only operations of a kind (a subsystem that installed its own goes away).
+void ResetKindOps(int kind);
 
 } // namespace vexil

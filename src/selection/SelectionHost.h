@@ -54,7 +54,7 @@ class SelectionHost {
     // Step 5 for cameras, tracks, lights and backgrounds: close the frame of the previous kind unless the
     // new kind is the same.
     virtual void ClosePanelOfKind(int /*prevType*/, int /*newType*/) {}
-    // Step 6 for cameras (2), tracks (3) and lights (4).
+    // Step 6 for cameras (2), tracks (3), lights (4) and backgrounds (5).
     virtual void OpenPanelOfKind(int /*type*/, int /*handle*/) {}
     virtual void UpdateEditGeomTabBasedOnPolsSelected() {}
     virtual void InformPluginsOfSelectedEntityChange() {}

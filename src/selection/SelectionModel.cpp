@@ -231,6 +231,7 @@ void SelectionModel::ThingsToDoOnSelectedEntityChange() {
         break;
     case 5:
         s.MultiSel.Reset();
+        m_host.OpenPanelOfKind(type, s.CurrSelEntity);
         break;
     case 6:
         m_host.SetSelectedGrpName(GetLocaleString(348), false);

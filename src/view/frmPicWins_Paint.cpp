@@ -38,10 +38,14 @@ void frmPicWins::picWindow_Paint(int index) {
     m_host.ScaleSceneCameras(index);
     m_host.ScaleSceneLights(index);
     const auto r0 = std::chrono::steady_clock::now();
+    // Through a scene camera the world is seen as the player sees it: without the editor's markers.
+    const bool sceneView = m_shownCam[index] != 0;
+    if (sceneView) ZELMAR_engine_set_group_to_render(m_host.RootGrp());
     if (UseScreenDC)
         ZELMAR_engine_render(target, cam);
     else
         ZELMAR_engine_render_on_dc(target, cam);
+    if (sceneView) ZELMAR_engine_set_group_to_render(0);
     LastRenderMs = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - r0).count();
     ++m_paintCount[index];
 
