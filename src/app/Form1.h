@@ -313,6 +313,11 @@ public:
     void UpdateTransformGizmo(int button, int x, int y) override;
     // frmTransformParameters for kind 0 move, 1 rotate, 2 scale.
     void ShowTransformParameters(int kind);
+    // ---- lighting (Form1_Lighting.cpp) ------------------------------------------------------------
+    // Create > Light Maps: the light-map dialog, modal, when a world is open.
+    void CreateLightMaps();
+    void ScaleSceneLights(int index) override;
+    void RefreshMarkers() override;
 
     // ---- DocumentHost ------------------------------------------------------------------------------
     ActionUndoRedo_Stack& UndoStack() override;

@@ -6,6 +6,7 @@
 #include "frame/Locale.h"
 #include "frame/Preferences.h"
 #include "Form1_Gizmo.h"
+#include "Form1_Lighting.h"
 #include "Form1_Selection.h"
 
 #include <QLabel>
@@ -20,9 +21,6 @@ void Form1::DisplaceGrp() {}
 void Form1::cmbObj_Change() {}
 void Form1::cmbObjEditGeom_Change() {}
 void Form1::ReleaseWeldList() {}
-
-// the atmosphere: atmosphere (src/lighting).
-void Form1::ShowAtmosphereForm() {}
 
 // the tracks: custom tracks (src/tracks).
 bool Form1::IsLayingCustomTrack() { return false; }
@@ -43,10 +41,12 @@ void Form1::PluginsKeyDown(int, Qt::KeyboardModifiers) {}
 void Form1::CreateSharedObjects() {
     m_gridDensity = ReadGridDensity();
     InstallSelection(*this);
+    InstallLighting(*this);
     InstallGizmos(*this);
 }
 void Form1::ReleaseSharedObjects() {
     ReleaseGizmos();
+    ReleaseLighting();
     ReleaseSelection();
 }
 
