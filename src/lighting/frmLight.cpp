@@ -1,6 +1,7 @@
 #include "frmLight.h"
 
 #include "LightController.h"
+#include "LightGrp.h"
 #include "engine/EntityNaming.h"
 #include "frame/Dialogs.h"
 #include "frame/ErrLog.h"
@@ -60,8 +61,10 @@ void frmLight::build() {
         spnLightDir[size_t(i)]->setToolTip(QString::fromLatin1(axes[i]));
         place->addWidget(spnLightLoc[size_t(i)], 0, i + 1);
         place->addWidget(spnLightDir[size_t(i)], 1, i + 1);
-        connect(spnLightLoc[size_t(i)], &Spinner::Changed, this, [this] { act("spnLightLoc_Changed", &frmLight::spnLightLoc_Changed); });
-        connect(spnLightDir[size_t(i)], &Spinner::Changed, this, [this] { act("spnLightDir_Changed", &frmLight::spnLightDir_Changed); });
+        connect(spnLightLoc[size_t(i)], &Spinner::Changed, this,
+                [this, i] { act("spnLightLoc_Changed", &frmLight::spnLightLoc_Changed, i); });
+        connect(spnLightDir[size_t(i)], &Spinner::Changed, this,
+                [this, i] { act("spnLightDir_Changed", &frmLight::spnLightDir_Changed, i); });
     }
     outer->addLayout(place);
 
@@ -157,6 +160,14 @@ void frmLight::act(const char* name, void (frmLight::*handler)()) {
     handleEvent("frmLight", name, [&] {
         if (current() == 0) return;
         (this->*handler)();
+    });
+}
+
+void frmLight::act(const char* name, void (frmLight::*handler)(int), int axis) {
+    if (m_filling) return;
+    handleEvent("frmLight", name, [&] {
+        if (current() == 0) return;
+        (this->*handler)(axis);
     });
 }
 
@@ -268,15 +279,19 @@ int frmLight::TypeFromControls() const {
 
 // ---- handlers ------------------------------------------------------------------------------------------------
 
-void frmLight::spnLightLoc_Changed() {
-    m_lights.Markers().SetLocation(
-        m_light, {spnLightLoc[0]->Value(), spnLightLoc[1]->Value(), spnLightLoc[2]->Value()});
+void frmLight::spnLightLoc_Changed(int axis) {
+    LightGrp::Vec l{};
+    ZELMAR_light_get_location(m_light, l.data());
+    l[size_t(axis)] = spnLightLoc[size_t(axis)]->Value();
+    m_lights.Markers().SetLocation(m_light, l);
     m_lights.UpdateOnLightChange();
 }
 
-void frmLight::spnLightDir_Changed() {
-    m_lights.Markers().SetDirection(
-        m_light, {spnLightDir[0]->Value(), spnLightDir[1]->Value(), spnLightDir[2]->Value()});
+void frmLight::spnLightDir_Changed(int axis) {
+    LightGrp::Vec d{};
+    ZELMAR_light_get_direction(m_light, d.data());
+    d[size_t(axis)] = spnLightDir[size_t(axis)]->Value();
+    m_lights.Markers().SetDirection(m_light, d);
     // The engine keeps the direction normalised (and refuses a zero one): the spinners show what it kept.
     ShowPlacement();
     m_lights.UpdateOnLightChange();

@@ -36,8 +36,10 @@ class frmLight : public QWidget {
     int TypeFromControls() const;
 
     // ---- handlers -----------------------------------------------------------------------------------
-    void spnLightLoc_Changed();
-    void spnLightDir_Changed();
+    // One spinner of three changed: only its coordinate is taken, the others stay as the engine has them
+    // (the spinners show them rounded to the significant decimals).
+    void spnLightLoc_Changed(int axis);
+    void spnLightDir_Changed(int axis);
     void cmdLightColor_Click();
     void spnAmbient_Changed();
     void spnDiffuse_Changed();
@@ -68,6 +70,7 @@ class frmLight : public QWidget {
     void build();
     // Runs a handler for the current light with the standard report; nothing while the panel is filled.
     void act(const char* name, void (frmLight::*handler)());
+    void act(const char* name, void (frmLight::*handler)(int), int axis);
     void showColour(int r, int g, int b);
     void setSpinner(Spinner* s, double v);
     int current() const;
