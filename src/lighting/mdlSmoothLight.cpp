@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <unordered_map>
+#include <cstdint>
+#include <cstring>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
@@ -52,33 +53,74 @@ std::vector<Gathered> gather(const std::vector<int>& polygons) {
     return all;
 }
 
-// Groups the gathered points by exact location; each group keeps the order the points were met in.
-// The ranges are [begin, end) of the sorted array.
+// The bits of a coordinate, with -0 read as 0 so that the two zeros weld as == says they are equal.
+uint64_t bitsOf(double v) {
+    if (v == 0) v = 0;
+    uint64_t b;
+    std::memcpy(&b, &v, sizeof b);
+    return b;
+}
+
+uint64_t mix(uint64_t h) {
+    h ^= h >> 33;
+    h *= 0xff51afd7ed558ccdULL;
+    h ^= h >> 33;
+    h *= 0xc4ceb93fe53a87d5ULL;
+    h ^= h >> 33;
+    return h;
+}
+
+// Orders the gathered points by weld set: the sets in the order their first point was met, the points of
+// a set in the order they were met. Answers the ranges [begin, end) of the sets in the reordered array.
+// One pass over an open-addressing table of locations; a point with a NaN coordinate is a set of its own.
 std::vector<std::pair<size_t, size_t>> groupByLocation(std::vector<Gathered>& all) {
-    auto isNan = [](const Gathered& g) { return std::isnan(g.x) || std::isnan(g.y) || std::isnan(g.z); };
-    // NaN locations equal nothing: they go last, each alone.
-    const auto firstNan = std::stable_partition(all.begin(), all.end(), [&](const Gathered& g) { return !isNan(g); });
-    std::sort(all.begin(), firstNan, [](const Gathered& a, const Gathered& b) {
-        if (a.x != b.x) return a.x < b.x;
-        if (a.y != b.y) return a.y < b.y;
-        if (a.z != b.z) return a.z < b.z;
-        return a.order < b.order;
-    });
-    std::vector<std::pair<size_t, size_t>> ranges;
-    const size_t numbered = size_t(firstNan - all.begin());
-    size_t i = 0;
-    while (i < numbered) {
-        size_t j = i + 1;
-        while (j < numbered && all[j].x == all[i].x && all[j].y == all[i].y && all[j].z == all[i].z)
-            ++j;
-        ranges.emplace_back(i, j);
-        i = j;
+    const size_t n = all.size();
+    size_t cap = 16;
+    while (cap < 2 * n)
+        cap <<= 1;
+    std::vector<int> table(cap, -1); // set number, -1 empty
+    std::vector<size_t> firstOfSet;  // the entry that began each set
+    std::vector<int> setOf(n);
+    for (size_t i = 0; i < n; ++i) {
+        const Gathered& g = all[i];
+        if (std::isnan(g.x) || std::isnan(g.y) || std::isnan(g.z)) {
+            setOf[i] = int(firstOfSet.size());
+            firstOfSet.push_back(i);
+            continue;
+        }
+        const uint64_t bx = bitsOf(g.x), by = bitsOf(g.y), bz = bitsOf(g.z);
+        size_t slot = size_t(mix(bx ^ mix(by ^ mix(bz)))) & (cap - 1);
+        for (;;) {
+            const int s = table[slot];
+            if (s < 0) {
+                table[slot] = int(firstOfSet.size());
+                setOf[i] = table[slot];
+                firstOfSet.push_back(i);
+                break;
+            }
+            const Gathered& f = all[firstOfSet[size_t(s)]];
+            if (f.x == g.x && f.y == g.y && f.z == g.z) {
+                setOf[i] = s;
+                break;
+            }
+            slot = (slot + 1) & (cap - 1);
+        }
     }
-    for (size_t k = numbered; k < all.size(); ++k)
-        ranges.emplace_back(k, k + 1);
-    // Sets in the order their first point was met, as a set-by-set build would make them.
-    std::sort(ranges.begin(), ranges.end(),
-              [&](const auto& a, const auto& b) { return all[a.first].order < all[b.first].order; });
+    // A stable counting sort by set.
+    const size_t sets = firstOfSet.size();
+    std::vector<size_t> start(sets + 1, 0);
+    for (size_t i = 0; i < n; ++i)
+        ++start[size_t(setOf[i]) + 1];
+    for (size_t s = 0; s < sets; ++s)
+        start[s + 1] += start[s];
+    std::vector<Gathered> ordered(n);
+    std::vector<size_t> next(start.begin(), start.end() - 1);
+    for (size_t i = 0; i < n; ++i)
+        ordered[next[size_t(setOf[i])]++] = all[i];
+    all.swap(ordered);
+    std::vector<std::pair<size_t, size_t>> ranges(sets);
+    for (size_t s = 0; s < sets; ++s)
+        ranges[s] = {start[s], start[s + 1]};
     return ranges;
 }
 
