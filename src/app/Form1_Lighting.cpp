@@ -40,6 +40,8 @@ LightController* FormLighting() {
     return g_lights.get();
 }
 
+void DemoLighting(Form1& f); // Form1_LightingDemo.cpp
+
 void InstallLighting(Form1& f) {
     if (!FormSelection()) return;
     g_lights = std::make_unique<LightController>(*FormSelection());
@@ -73,6 +75,7 @@ void InstallLighting(Form1& f) {
     on(f.mnuGroupMenuRemoveLightMaps, "mnuGroupMenuRemoveLightMaps_Click",
        [] { g_lights->mnuGroupMenuRemoveLightMaps_Click(); });
     on(f.mnuLightMaps, "mnuLightMaps_Click", [&f] { f.CreateLightMaps(); });
+    if (qEnvironmentVariableIsSet("VEXIL_DEMO_LIGHTING")) DemoLighting(f);
 }
 
 void ReleaseLighting() {

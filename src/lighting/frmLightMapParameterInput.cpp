@@ -128,9 +128,10 @@ void frmLightMapParameterInput::build() {
     form->addRow(modes);
     outer->addWidget(frmParam);
 
-    // The design's defaults: maps of 2 to 64 texels a side, a texel per 25 units, shadows, smoothed.
+    // Defaults: maps of 2 to 256 texels a side, a texel per 8 units, shadows, smoothed: the sample world bakes
+    // in about a second and its house casts a shadow that can be seen.
     m_syncing = true;
-    const LightMapParams d{64, 2, 25, 1, 2};
+    const LightMapParams d{256, 2, 8, 1, 2};
     txtMaxSize->setText(QString::number(d.maxSize));
     txtMinSize->setText(QString::number(d.minSize));
     txtSamplingRate->setText(QString::number(d.samplingRate));
