@@ -254,6 +254,23 @@ TEST_F(LightMaps, AWorldWithoutPolygonsShowsTheProgressAndNothingElse) {
     EXPECT_EQ(dlg.count(QStringLiteral("msgBox")), 0);
 }
 
+TEST_F(LightMaps, AWorldWithoutLightsBakesDarkMaps) {
+    // Both lights of the sample world deleted: their markers stay hidden, the maps are made all the same.
+    for (const char* name : {"Sun", "Lamp"}) {
+        lights->Model().SelectEntityFromTree(4, LightUsingName(name));
+        lights->Model().DeleteSelected();
+    }
+    run([](frmLightMapParameterInput& f) {
+        quick(f);
+        f.cmdCompute->click();
+        EXPECT_FALSE(f.Aborted());
+    });
+    EXPECT_EQ(polygonsWithLightMaps(root), total());
+    for (int i = 1; i <= lights->Markers().TotalLightGrps(); ++i)
+        EXPECT_EQ(ZELMAR_group_is_disable(lights->Markers().GetLightGrp_UsingIndex(i)), 1);
+    EXPECT_EQ(dlg.count(QStringLiteral("msgBox")), 0);
+}
+
 TEST_F(LightMaps, TheDefaultBakeOfTheSampleWorldAndRemoveLightMaps) {
     const auto t0 = std::chrono::steady_clock::now();
     run([](frmLightMapParameterInput& f) { f.cmdCompute->click(); });

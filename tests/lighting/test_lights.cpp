@@ -4,12 +4,14 @@
 #include "LightTestSupport.h"
 #include "engine/EntityNaming.h"
 #include "frame/Spinner.h"
+#include "gizmo/frmTransformParameters.h"
 #include "selection/SelectionModel.h"
 
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
@@ -333,6 +335,24 @@ TEST_F(Lights, TheGizmoMovesAndTurnsALightThroughItsMarkerAndUndoPutsItBack) {
     const V3 d0 = lightDirection(l);
     EXPECT_NEAR(d0[0], 1, 1e-9);
     EXPECT_NEAR(d0[2], 0, 1e-9);
+}
+
+TEST_F(Lights, TheTypedTransformPanelMovesALightWithItsMarker) {
+    form->mnuOmnidirectional->trigger();
+    const int l = Sel().CurrSelEntity;
+    const V3 l0 = lightLocation(l);
+    form->ShowTransformParameters(0);
+    frmTransformParameters* typed = FormTransformParameters();
+    ASSERT_NE(typed, nullptr);
+    typed->txtValue[0]->setText(QStringLiteral("0"));
+    typed->txtValue[1]->setText(QStringLiteral("0"));
+    typed->txtValue[2]->setText(QStringLiteral("40"));
+    typed->cmdApply->click();
+    EXPECT_NEAR(lightLocation(l)[2], l0[2] + 40, 1e-9);
+    EXPECT_NEAR(groupLocation(lights->Markers().GetLightGrp(l))[2], l0[2] + 40, 1e-6);
+    form->mnuUndo->trigger();
+    EXPECT_NEAR(lightLocation(l)[2], l0[2], 1e-9);
+    EXPECT_NEAR(groupLocation(lights->Markers().GetLightGrp(l))[2], l0[2], 1e-6);
 }
 
 TEST_F(Lights, ALoadedWorldGetsAMarkerForEachLightAndACloseTakesThemAway) {
