@@ -321,6 +321,12 @@ public:
     void InsertTrackPt() override;
     bool TrackCenter(int track, double c[3]) override;
     void ScaleSceneCameras(int index) override;
+    // ---- lighting (Form1_Lighting.cpp) ------------------------------------------------------------
+    // Create > Light Maps: the light-map dialog, modal, when a world is open.
+    void CreateLightMaps();
+    void ScaleSceneLights(int index) override;
+    // Markers of the saved cameras and lights (load, add).
+    void RefreshMarkers() override;
 
     // ---- DocumentHost ------------------------------------------------------------------------------
     ActionUndoRedo_Stack& UndoStack() override;
@@ -350,7 +356,6 @@ public:
     void SelectAddedGroup(int group) override;
     void WorldChanged() override;
     void ClearWorldState() override;
-    void RefreshMarkers() override; // Form1_Tracks.cpp
     void SetSelectedGroupNameText(const QString& text) override;
     void DisableAllTabs() override;
     void EnableWorkspaceTab(int index) override;

@@ -6,6 +6,7 @@
 #include "frame/Locale.h"
 #include "frame/Preferences.h"
 #include "Form1_Gizmo.h"
+#include "Form1_Lighting.h"
 #include "Form1_Selection.h"
 #include "Form1_Tracks.h"
 
@@ -22,8 +23,6 @@ void Form1::cmbObj_Change() {}
 void Form1::cmbObjEditGeom_Change() {}
 void Form1::ReleaseWeldList() {}
 
-// the atmosphere: atmosphere (src/lighting).
-void Form1::ShowAtmosphereForm() {}
 
 // the model gallery: model gallery (src/library).
 void Form1::trwModel_InitialSetup() {}
@@ -41,11 +40,13 @@ void Form1::CreateSharedObjects() {
     m_gridDensity = ReadGridDensity();
     InstallSelection(*this);
     InstallTracks(*this);
+    InstallLighting(*this);
     InstallGizmos(*this);
 }
 void Form1::ReleaseSharedObjects() {
     ReleaseGizmos();
     ReleaseTracks();
+    ReleaseLighting();
     ReleaseSelection();
 }
 

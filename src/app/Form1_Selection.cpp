@@ -7,6 +7,8 @@
 #include "Form1.h"
 #include "Form1_Tracks.h"
 #include "tracks/TracksController.h"
+#include "Form1_Lighting.h"
+#include "lighting/LightController.h"
 #include "frame/Locale.h"
 #include "document/WorkspaceTrees.h"
 #include "document/WorldDocument.h"
@@ -87,11 +89,19 @@ class Form1SelectionHost : public SelectionHost {
     }
     void PopupEntityMenu(int type, QPoint globalPos) override;
     int GetCamHandle(int group) override { return FormTracks() ? FormTracks()->Markers().GetCamHandle(group) : 0; }
-    void OpenPanelOfKind(int type, int handle) override {
-        if (FormTracks()) FormTracks()->OpenPanelOfKind(type, handle);
+    int GetLightHandle(int group) override {
+        return FormLighting() ? FormLighting()->Markers().GetLightHandle(group) : 0;
+    }
+    void HideLightFrame() override {
+        if (FormLighting()) FormLighting()->HidePanel();
     }
     void ClosePanelOfKind(int prevType, int newType) override {
+        if (prevType == 4 && newType != 4 && FormLighting()) FormLighting()->HidePanel();
         if (FormTracks()) FormTracks()->ClosePanelOfKind(prevType, newType);
+    }
+    void OpenPanelOfKind(int type, int handle) override {
+        if (type == 4 && FormLighting()) FormLighting()->OpenPanel(handle);
+        if (FormTracks()) FormTracks()->OpenPanelOfKind(type, handle);
     }
 
   private:
@@ -118,9 +128,7 @@ void Form1SelectionHost::PopupEntityMenu(int type, QPoint globalPos) {
         m_f.mnuCamTrkBkMenuUnhide->setVisible(type == 2 && hidden);
         menu = m_f.mnuCamTrkBkMenu;
     } else if (type == 4) {
-        const bool hidden = g_model->IsLightHidden(Sel().CurrSelEntity);
-        m_f.mnuLightMenuHide->setVisible(!hidden);
-        m_f.mnuLightMenuUnhide->setVisible(hidden);
+        LightMenuHideObsoleteItems(m_f, false, g_model->IsLightHidden(Sel().CurrSelEntity));
         menu = m_f.mnuLightMenu;
     }
     // Not exec: the menu must not hold up the event that opened it.
@@ -229,6 +237,13 @@ void InstallSelection(Form1& f) {
                          });
                      });
     treeMenu(f.LightTree, [](QTreeWidgetItem* n) { g_model->trwLight_NodeClick(n); });
+    // The light tree's root has a menu of its own: New, Show All, Hide All.
+    QObject::connect(f.LightTree, &QWidget::customContextMenuRequested, f.LightTree, [&f](const QPoint& p) {
+        QTreeWidgetItem* n = f.LightTree->itemAt(p);
+        if (!n || n->parent() || Sel().CurrSelEntityType != 0) return;
+        LightMenuHideObsoleteItems(f, true, false);
+        f.mnuLightMenu->popup(f.LightTree->viewport()->mapToGlobal(p));
+    });
 }
 
 void ReleaseSelection() {
@@ -275,8 +290,9 @@ void Form1::SelectAddedGroup(int group) {
 }
 
 void Form1::WorldChanged() {
-    // A new or loaded world starts with nothing selected.
+    // A new or loaded world starts with nothing selected; its lights get their markers.
     if (g_model) g_model->ClearWorldState();
+    if (FormLighting()) FormLighting()->LoadMarkers();
     if (txtSelectedGrpName) {
         txtSelectedGrpName->setText(QString());
         txtSelectedGrpName->setEnabled(false);
@@ -286,6 +302,7 @@ void Form1::WorldChanged() {
 void Form1::ClearWorldState() {
     if (g_model) g_model->ClearWorldState();
     if (FormTracks()) FormTracks()->ClearWorldState();
+    if (FormLighting()) FormLighting()->ResetMarkers();
 }
 
 // ---- ViewportHost -------------------------------------------------------------------------------

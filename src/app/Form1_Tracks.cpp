@@ -117,10 +117,6 @@ void ShowCamTrkBkMenu(Form1& f, QTreeWidgetItem* node, const QPoint& globalPos) 
 
 // ---- Form1 ------------------------------------------------------------------------------------------------
 
-void Form1::RefreshMarkers() {
-    if (g_tracks) g_tracks->RefreshMarkers();
-}
-
 bool Form1::IsLayingCustomTrack() { return g_tracks && g_tracks->Tracks().LayingCustomTrack(); }
 
 void Form1::ResetCustomTrk() {

@@ -23,6 +23,8 @@ struct EntityKindOps {
     std::function<void(int, const std::array<double, 3>&)> SetLocation;
     // Turns by degrees about x, then y, then z. Default: the engine's camera turns.
     std::function<void(int, const std::array<double, 3>&)> Rotate;
+    // The marker group that draws the entity (MarkerGroup.h), 0 for none. Default: none.
+    std::function<int(int)> Marker;
 };
 
 // kind 2 to 5; any other kind answers an empty set of operations.

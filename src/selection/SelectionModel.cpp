@@ -73,20 +73,22 @@ SelectionModel::SelectionModel(SelectionHost& host) : m_host(host) {
     for (int kind : {2, 4}) {
         EntityKindOps& ops = KindOps(kind);
         if (ops.HideUnhide) continue;
-        ops.HideUnhide = [kind](int handle, bool hide) {
-            SelectionModel* m = selectionModel();
-            if (!m) return;
-            WorkspaceTree* tree = kind == 2 ? static_cast<WorkspaceTree*>(m->Host().CamTrackBkTree())
-                                            : static_cast<WorkspaceTree*>(m->Host().LightTree());
-            if (!tree) return;
-            QTreeWidgetItem* n = tree->Node(keyOf(kind, handle));
-            if (!n) return;
-            const QString base = visibleImageOf(kind);
-            tree->SetNodeImage(n, hide ? base + QStringLiteral(" Invisible") : base);
-            // The trees draw no image of their own for these: a greyed copy of the visible one.
-            if (hide) n->setIcon(0, QIcon(TreeImage(base).pixmap(16, QIcon::Disabled)));
-        };
+        ops.HideUnhide = [kind](int handle, bool hide) { MarkHiddenInTree(kind, handle, hide); };
     }
+}
+
+void MarkHiddenInTree(int kind, int handle, bool hide) {
+    SelectionModel* m = selectionModel();
+    if (!m || (kind != 2 && kind != 4)) return;
+    WorkspaceTree* tree = kind == 2 ? static_cast<WorkspaceTree*>(m->Host().CamTrackBkTree())
+                                    : static_cast<WorkspaceTree*>(m->Host().LightTree());
+    if (!tree) return;
+    QTreeWidgetItem* n = tree->Node(keyOf(kind, handle));
+    if (!n) return;
+    const QString base = visibleImageOf(kind);
+    tree->SetNodeImage(n, hide ? base + QStringLiteral(" Invisible") : base);
+    // The trees draw no image of their own for these: a greyed copy of the visible one.
+    if (hide) n->setIcon(0, QIcon(TreeImage(base).pixmap(16, QIcon::Disabled)));
 }
 
 SelectionModel::~SelectionModel() {

@@ -247,6 +247,10 @@ class SelectionModel {
 SelectionModel* selectionModel();
 void setSelectionModel(SelectionModel* model);
 
+// The tree image of a camera (kind 2) or light (kind 4): "Cam Invisible" / "Light Invisible" when hidden,
+// drawn as a greyed copy of the visible image. The selection reads hidden cameras and lights from it.
+void MarkHiddenInTree(int kind, int handle, bool hide);
+
 // Permanent deletion of a group (its subtree, polygons and points): only an action's destructor calls it.
 void DeleteGroupPermanently(int group);
 

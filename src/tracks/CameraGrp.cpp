@@ -29,21 +29,11 @@ V3 newell(const std::vector<V3>& c) {
 // One blue face whose front looks along `outward`. The engine's front is the side from which a ring runs
 // clockwise, so corners counter-clockwise seen from outside go into the ring backwards.
 void addFace(int group, std::vector<V3> corners, const V3& outward) {
-    if (dot(newell(corners), outward) < 0) std::reverse(corners.begin(), corners.end());
+    if (dot(newell(corners), outward) > 0) std::reverse(corners.begin(), corners.end());
     const double len = std::sqrt(dot(outward, outward));
     const V3 normal = len > 0 ? V3{outward[0] / len, outward[1] / len, outward[2] / len} : V3{0, 0, 1};
-    const int polygon = ZELMAR_polygon_create();
-    const double rgb[3] = {0, 0, 255};
-    for (auto it = corners.rbegin(); it != corners.rend(); ++it) {
-        const double vertex[6] = {(*it)[0], (*it)[1], (*it)[2], 0.0, 0.0, 100.0};
-        const int point = ZELMAR_polygon_add_point(polygon, vertex);
-        ZELMAR_point_set_normal(point, normal.data());
-        ZELMAR_point_set_rgb(point, rgb);
-    }
-    ZELMAR_polygon_set_color_fill(polygon, 0, 0, 255);
-    ZELMAR_polygon_set_name(polygon, "CameraGrp_Face");
-    ZELMAR_polygon_set_group(polygon, group);
-    ZELMAR_engine_add_polygon(polygon);
+    MarkerGroup::AddFace(group, "CameraGrp_Face", corners.data(), static_cast<int>(corners.size()), normal,
+                         MarkerGroup::Rgb{0, 0, 255});
 }
 
 // An axis-aligned box as six faces (24 points).
@@ -77,7 +67,7 @@ CameraGrp::~CameraGrp() = default;
 // The camera looks along +x of its axis system (y left, z up): a body, a lens widening forward, and a
 // viewfinder fin on top; eleven faces of 45 points about 180 units long.
 int CameraGrp::buildMarker() {
-    const int group = ZELMAR_group_create("CameraGrp");
+    const int group = MarkerGroup::NewMarker("CameraGrp");
     addBox(group, {-90, -35, -45}, {10, 35, 45}); // 6 faces, 24 points
     const double r0 = 20, r1 = 40, x0 = 10, x1 = 70;
     const V3 ring0[4] = {{x0, -r0, -r0}, {x0, r0, -r0}, {x0, r0, r0}, {x0, -r0, r0}};
@@ -91,66 +81,22 @@ int CameraGrp::buildMarker() {
     return group;
 }
 
-int CameraGrp::indexOf(int camera) const {
-    for (size_t i = 0; i < m_records.size(); ++i)
-        if (m_records[i].camera == camera) return static_cast<int>(i);
-    return -1;
-}
-
 void CameraGrp::Add(int camera) {
-    if (camera == 0 || indexOf(camera) >= 0) return;
-    Record r;
-    r.camera = camera;
-    r.marker = buildMarker();
-    m_records.push_back(r);
+    if (camera == 0 || m_records.IndexOf(camera) >= 0) return;
+    const int marker = buildMarker();
+    m_records.Add(camera, marker);
     Align(camera);
-    const double f = (m_worldSize ? m_worldSize() : 1000.0) * 0.1 / 320.4;
-    ScaleGrp(camera, f);
+    MarkerGroup::ScaleToWorld(marker, m_worldSize ? m_worldSize() : 1000.0);
 }
 
-void CameraGrp::Remove(int camera) {
-    const int i = indexOf(camera);
-    if (i < 0) return;
-    ZELMAR_group_delete_members(m_records[size_t(i)].marker);
-    m_records.erase(m_records.begin() + i);
-}
-
-void CameraGrp::RemoveAll() {
-    for (const Record& r : m_records) {
-        ZELMAR_group_delete_members(r.marker);
-    }
-    m_records.clear();
-}
-
-void CameraGrp::HideUnhide(int camera, bool hide) {
-    const int i = indexOf(camera);
-    if (i >= 0) ZELMAR_group_disable(m_records[size_t(i)].marker, hide ? 1 : 0);
-}
-
-bool CameraGrp::IsHidden(int camera) const {
-    const int i = indexOf(camera);
-    return i >= 0 && ZELMAR_group_is_disable(m_records[size_t(i)].marker) == 1;
-}
-
-int CameraGrp::GetCamHandle(int group) const {
-    if (group == 0) return 0;
-    for (const Record& r : m_records)
-        if (r.marker == group) return r.camera;
-    return 0;
-}
-
-int CameraGrp::GetCamGrp(int camera) const {
-    const int i = indexOf(camera);
-    return i < 0 ? 0 : m_records[size_t(i)].marker;
-}
-
-int CameraGrp::GetCamGrp_UsingIndex(int index) const {
-    return index >= 1 && index <= TotalCamGrps() ? m_records[size_t(index - 1)].marker : 0;
-}
-
-int CameraGrp::GetCam_UsingIndex(int index) const {
-    return index >= 1 && index <= TotalCamGrps() ? m_records[size_t(index - 1)].camera : 0;
-}
+void CameraGrp::Remove(int camera) { m_records.Remove(camera); }
+void CameraGrp::RemoveAll() { m_records.RemoveAll(); }
+void CameraGrp::HideUnhide(int camera, bool hide) { m_records.HideUnhide(camera, hide); }
+bool CameraGrp::IsHidden(int camera) const { return m_records.IsHidden(camera); }
+int CameraGrp::GetCamHandle(int group) const { return group ? m_records.EntityOf(group) : 0; }
+int CameraGrp::GetCamGrp(int camera) const { return m_records.GroupOf(camera); }
+int CameraGrp::GetCamGrp_UsingIndex(int index) const { return m_records.GroupAt(index); }
+int CameraGrp::GetCam_UsingIndex(int index) const { return m_records.EntityAt(index); }
 
 void CameraGrp::Align(int camera) {
     const int marker = GetCamGrp(camera);
@@ -164,19 +110,19 @@ void CameraGrp::Align(int camera) {
 }
 
 void CameraGrp::SetLocation(int camera, const V3& location) {
-    if (indexOf(camera) < 0) return;
+    if (m_records.IndexOf(camera) < 0) return;
     ZELMAR_camera_set_location1(camera, location.data());
     Align(camera);
 }
 
 void CameraGrp::SetDirection(int camera, const V3& direction) {
-    if (indexOf(camera) < 0) return;
+    if (m_records.IndexOf(camera) < 0) return;
     ZELMAR_camera_set_direction1(camera, direction.data());
     Align(camera);
 }
 
 void CameraGrp::Move(int camera, const V3& offset) {
-    if (indexOf(camera) < 0) return;
+    if (m_records.IndexOf(camera) < 0) return;
     double at[3];
     ZELMAR_camera_get_location1(camera, at);
     const V3 to{at[0] + offset[0], at[1] + offset[1], at[2] + offset[2]};
@@ -184,7 +130,7 @@ void CameraGrp::Move(int camera, const V3& offset) {
 }
 
 void CameraGrp::Rotate(int camera, const V3& degrees) {
-    if (indexOf(camera) < 0) return;
+    if (m_records.IndexOf(camera) < 0) return;
     ZELMAR_camera_rotate_x(camera, degrees[0]);
     ZELMAR_camera_rotate_y(camera, degrees[1]);
     ZELMAR_camera_rotate_z(camera, degrees[2]);
@@ -199,17 +145,10 @@ void CameraGrp::ScaleGrp(int camera, double factor) {
 
 void CameraGrp::ScaleSceneCam(int viewCamera, double relativeSize) {
     if (viewCamera == 0) return;
-    const double halfFov = ZELMAR_camera_get_zoom(viewCamera) * M_PI / 360.0;
-    double eye[3];
-    ZELMAR_camera_get_location1(viewCamera, eye);
-    const double denom = 51.0 - std::clamp(relativeSize, 1.0, 50.0);
-    for (const Record& r : m_records) {
-        double at[3], dims[3];
-        ZELMAR_camera_get_location1(r.camera, at);
-        ZELMAR_group_get_dimensions(r.marker, dims);
-        if (!(dims[2] > 0)) continue;
-        const double want = ZELMAR_math_get_distance(eye, at) * std::tan(halfFov) / denom * 0.8;
-        ScaleGrp(r.camera, want / dims[2]);
+    for (int i = 1; i <= m_records.Count(); ++i) {
+        MarkerGroup::Vec at{};
+        ZELMAR_camera_get_location1(m_records.EntityAt(i), at.data());
+        MarkerGroup::ScaleForView(m_records.GroupAt(i), at, relativeSize);
     }
 }
 

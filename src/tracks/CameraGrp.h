@@ -4,9 +4,10 @@
 // clicked and moved with the gizmo. Markers never reach a saved world or the group tree: they have no
 // father group.
 #pragma once
+#include "selection/MarkerGroup.h"
+
 #include <array>
 #include <functional>
-#include <vector>
 
 namespace vexil {
 
@@ -33,7 +34,7 @@ class CameraGrp {
     // 1-based, as the rest of the editor counts them.
     int GetCamGrp_UsingIndex(int index) const;
     int GetCam_UsingIndex(int index) const;
-    int TotalCamGrps() const { return static_cast<int>(m_records.size()); }
+    int TotalCamGrps() const { return m_records.Count(); }
 
     void SetLocation(int camera, const std::array<double, 3>& location);
     // Levels the camera towards `direction` (the engine normalises it) and turns the marker to match.
@@ -52,15 +53,10 @@ class CameraGrp {
     void Align(int camera);
 
   private:
-    struct Record {
-        int camera = 0;
-        int marker = 0;
-    };
-    int indexOf(int camera) const;
     static int buildMarker();
 
     std::function<double()> m_worldSize;
-    std::vector<Record> m_records;
+    MarkerGroup m_records;
 };
 
 } // namespace vexil

@@ -362,6 +362,7 @@ void TracksController::installKindOps() {
     cam.FakeDelete = [this](int c) { FakeDeleteCamera(c); };
     cam.UnDelete = [this](int c) { UnDeleteCamera(c); };
     cam.DeletePermanently = [this](int c) { DeleteCameraPermanently(c); };
+    cam.Marker = [this](int c) { return m_markers.GetCamGrp(c); };
     cam.HideUnhide = [this](int c, bool hide) {
         m_markers.HideUnhide(c, hide);
         if (trwCamTrackBK* tree = m_host.CamTrackBkTree())
