@@ -308,7 +308,7 @@ private:
     // with the ends replaced by NewCoords; true as soon as a test answers true.
     template <class Test> bool anyMovedTri(int edge, Test test) const;
     static bool eligible(const EdgeHot& E); // can ever be chosen: valid, -1e21 <= cost < 1e32
-    void heapUpdate(int edge);
+    void heapUpdate(int edge, double oldCost);
     void rebuildHeap();
     void rebuildPointIndex();
     void rebuildEdgeIndex();
@@ -400,13 +400,15 @@ private:
     std::vector<Refusal> refusals_;
     std::int32_t contractions_ = 0;
     std::vector<char> parked_; // refused edges held out of the heap
-    std::vector<int> toPark_;
+    std::vector<std::int32_t> ptParked_; // parked edges at each point
+    std::vector<int> toPark_, stale_;
     void unpark(int edge);
+    void clearPark(std::size_t edge);
     void touchPoint(int p) {
         if (p < 0 || static_cast<std::size_t>(p) >= ptChanged_.size()) return;
         if (ptChanged_[static_cast<std::size_t>(p)] == contractions_) return; // touched already
         ptChanged_[static_cast<std::size_t>(p)] = contractions_;
-        if (!heapDirty_)
+        if (!heapDirty_ && ptParked_[static_cast<std::size_t>(p)] > 0)
             for (const std::int32_t* e = pEdges_.begin(static_cast<std::size_t>(p)); e != pEdges_.end(static_cast<std::size_t>(p)); ++e)
                 unpark(*e);
     }

@@ -246,14 +246,15 @@ void SurfSimpli::AddLockTerms() {
 
 void SurfSimpli::sumEdgeQuadric(int edge, Quadric& q) const {
     const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
-    const Quadric& a = pQ_[static_cast<std::size_t>(E.a)];
-    const Quadric& b = pQ_[static_cast<std::size_t>(E.b)];
-    bool finite = true;
+    const double* a = pQ_[static_cast<std::size_t>(E.a)].data();
+    const double* b = pQ_[static_cast<std::size_t>(E.b)].data();
+    // probe is NaN exactly when some term is not finite (x * 0 is 0 for every finite x)
+    double probe = 0.0;
     for (std::size_t k = 0; k < 16; ++k) {
         q[k] = a[k] + b[k];
-        finite &= std::isfinite(q[k]);
+        probe += q[k] * 0.0;
     }
-    if (!finite) vexil::raiseOverflow(); // MatrixADD raises on a non-finite sum
+    if (probe != probe) vexil::raiseOverflow(); // MatrixADD raises on a non-finite sum
 }
 
 Quadric SurfSimpli::EdgeQuadric(int edge) const {
@@ -349,27 +350,24 @@ void SurfSimpli::placeOnSegment(int edge, const Quadric& q) {
     EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
     const double* A = pCoords_[static_cast<std::size_t>(E.a)].data();
     const double* B = pCoords_[static_cast<std::size_t>(E.b)].data();
-    auto Q = [&](int r, int c) { return q[static_cast<std::size_t>(qi(r, c))]; };
+    const double q11 = q[0], q12 = q[1], q13 = q[2], q14 = q[3], q22 = q[5], q23 = q[6], q24 = q[7], q33 = q[10],
+                 q34 = q[11];
     const double p0 = A[0], p1 = A[1], p2 = A[2];
     const double d0 = B[0] - A[0], d1 = B[1] - A[1], d2 = B[2] - A[2];
-    const double N = Q(1, 1) * p0 * d0 + Q(1, 2) * (d1 * p0 + d0 * p1) + Q(1, 3) * (d2 * p0 + d0 * p2) + Q(1, 4) * d0 +
-                     Q(2, 2) * p1 * d1 + Q(2, 3) * (d2 * p1 + d1 * p2) + Q(2, 4) * d1 + Q(3, 3) * p2 * d2 + Q(3, 4) * d2;
+    const double N = q11 * p0 * d0 + q12 * (d1 * p0 + d0 * p1) + q13 * (d2 * p0 + d0 * p2) + q14 * d0 + q22 * p1 * d1 +
+                     q23 * (d2 * p1 + d1 * p2) + q24 * d1 + q33 * p2 * d2 + q34 * d2;
     // the Q(3,3) term stands inside the bracket multiplied by d1
-    const double D = (2 * Q(2, 3) * d2 + Q(2, 2) * d1 + Q(3, 3) * d2 * d2) * d1 +
-                     (2 * Q(1, 2) * d1 + Q(1, 1) * d0 + 2 * Q(1, 3) * d2) * d0;
-    bool ok = std::isfinite(d0) && std::isfinite(d1) && std::isfinite(d2) && std::isfinite(N) && std::isfinite(D) && D != 0.0;
-    if (ok) {
+    const double D = (2 * q23 * d2 + q22 * d1 + q33 * d2 * d2) * d1 + (2 * q12 * d1 + q11 * d0 + 2 * q13 * d2) * d0;
+    // N * 0 + D * 0 + ... is NaN exactly when one of them is not finite
+    if (D != 0.0 && (d0 * 0.0 + d1 * 0.0 + d2 * 0.0 + N * 0.0 + D * 0.0) == 0.0) {
         double t = -N / D;
-        ok = std::isfinite(t);
-        if (ok) {
+        if (t * 0.0 == 0.0) { // finite before it is clamped
             if (t < 0) t = 0;
             if (t > 1) t = 1;
             // VectorScale then VectorAdd
             const double s0 = t * d0, s1 = t * d1, s2 = t * d2;
             const double n0 = p0 + s0, n1 = p1 + s1, n2 = p2 + s2;
-            ok = std::isfinite(s0) && std::isfinite(s1) && std::isfinite(s2) && std::isfinite(n0) && std::isfinite(n1) &&
-                 std::isfinite(n2);
-            if (ok) {
+            if ((s0 * 0.0 + s1 * 0.0 + s2 * 0.0 + n0 * 0.0 + n1 * 0.0 + n2 * 0.0) == 0.0) {
                 E.nc[0] = n0;
                 E.nc[1] = n1;
                 E.nc[2] = n2;
@@ -412,11 +410,30 @@ void SurfSimpli::EvaluateAllEdges() {
 
 void SurfSimpli::EvaluateAffectedEdges() {
     pristine_ = false;
-    Quadric q;
-    for (const std::int32_t e : affectedEdges_) {
+    alignas(64) Quadric q;
+    const std::size_t n = affectedEdges_.size();
+    // The records of a neighbourhood lie anywhere in the arrays: ask for the next edges' ends
+    // and heap slots ahead of their turn.
+    auto ahead = [&](std::size_t i) {
+        const EdgeHot& E = edges_[static_cast<std::size_t>(affectedEdges_[i])];
+        __builtin_prefetch(pQ_[static_cast<std::size_t>(E.a)].data());
+        __builtin_prefetch(pQ_[static_cast<std::size_t>(E.a)].data() + 8);
+        __builtin_prefetch(pQ_[static_cast<std::size_t>(E.b)].data());
+        __builtin_prefetch(pQ_[static_cast<std::size_t>(E.b)].data() + 8);
+        __builtin_prefetch(&pCoords_[static_cast<std::size_t>(E.a)]);
+        __builtin_prefetch(&pCoords_[static_cast<std::size_t>(E.b)]);
+        heap_.prefetch(affectedEdges_[i]);
+    };
+    for (std::size_t i = 0; i < n && i < 3; ++i) __builtin_prefetch(&edges_[static_cast<std::size_t>(affectedEdges_[i])]);
+    for (std::size_t i = 0; i < n && i < 2; ++i) ahead(i);
+    for (std::size_t i = 0; i < n; ++i) {
+        if (i + 3 < n) __builtin_prefetch(&edges_[static_cast<std::size_t>(affectedEdges_[i + 3])]);
+        if (i + 2 < n) ahead(i + 2);
+        const std::int32_t e = affectedEdges_[i];
+        const double oldCost = edges_[static_cast<std::size_t>(e)].cost;
         sumEdgeQuadric(e, q);
         evaluateEdge(e, q);
-        heapUpdate(e);
+        heapUpdate(e, oldCost);
     }
 }
 

@@ -120,6 +120,7 @@ int SurfSimpli::ContractEdge() {
     // the points whose tests may read something this contraction changes (refusal cache)
     ++contractions_;
     if (ptChanged_.size() < pValid_.size()) ptChanged_.resize(pValid_.size(), 0);
+    if (ptParked_.size() < pValid_.size()) ptParked_.resize(pValid_.size(), 0);
     if (refusals_.size() < edges_.size()) refusals_.resize(edges_.size());
     for (const std::int32_t* t = eTris_.begin(ei); t != eTris_.end(ei); ++t) {
         touchTriCorners(*t);
@@ -136,7 +137,7 @@ int SurfSimpli::ContractEdge() {
     edges_[ei].valid = false;
     if (!heapDirty_) {
         heap_.remove(edge);
-        parked_[ei] = 0;
+        clearPark(ei);
     }
     for (int c = 0; c < 3; ++c) pCoords_[k][static_cast<std::size_t>(c)] = edges_[ei].nc[c];
     int removed = 0;
@@ -178,10 +179,23 @@ int SurfSimpli::ContractEdge() {
     pEdges_.filter(k, [&](std::int32_t e) { return edges_[static_cast<std::size_t>(e)].valid; });
 
     CollectAffected(kept);
-    for (const std::int32_t p : affectedPts_) touchPoint(p);
     EvaluatePlaneOfAffectedTris(kept);
-    for (const std::int32_t p : affectedPts_) ClearPointQuadric(p);
-    for (const std::int32_t p : affectedPts_) BuildPointQuadric(p);
+    // Each affected point's quadric afresh: its valid triangles' planes, then its borders'
+    // penalties, in list order (ClearPointQuadric, BuildPointQuadric, AddBorderPenaltyToPoint
+    // point by point; a point's sum reads no other point's quadric, and only the penalties can
+    // raise, in the same order as when the three passes run one after the other).
+    for (const std::int32_t p : affectedPts_) {
+        touchPoint(p);
+        const std::size_t pi = static_cast<std::size_t>(p);
+        alignas(64) Quadric q{};
+        pTris_.filter(pi, [&](std::int32_t t) {
+            const TriHot& T = tris_[static_cast<std::size_t>(t)];
+            if (!T.valid) return false;
+            addProducts(q, T.plane);
+            return true;
+        });
+        pQ_[pi] = q;
+    }
     for (const std::int32_t p : affectedPts_) {
         const std::size_t pi = static_cast<std::size_t>(p);
         for (std::uint32_t i = 0; i < pEdges_.size(pi); ++i) {
@@ -213,7 +227,7 @@ void SurfSimpli::RemoveTriOfEdge(int tri, int edge) {
     E2.valid = false;
     if (!heapDirty_) {
         heap_.remove(e2);
-        parked_[static_cast<std::size_t>(e2)] = 0;
+        clearPark(static_cast<std::size_t>(e2));
     }
 }
 

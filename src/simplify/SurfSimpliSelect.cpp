@@ -52,12 +52,17 @@ void SurfSimpli::rebuildHeap() {
     parked_.assign(edges_.size(), 0);
 }
 
-void SurfSimpli::heapUpdate(int edge) {
+// A cost that rose leaves the edge's key where it was (a lower bound, put right when the edge
+// comes up in a selection); a cost that fell moves the edge up at once.
+void SurfSimpli::heapUpdate(int edge, double oldCost) {
     if (heapDirty_) return;
-    if (parked_[static_cast<std::size_t>(edge)]) parked_[static_cast<std::size_t>(edge)] = 0;
-    const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
-    if (eligible(E)) heap_.set(edge, E.cost);
-    else heap_.remove(edge);
+    const std::size_t x = static_cast<std::size_t>(edge);
+    const bool wasParked = parked_[x] != 0;
+    clearPark(x);
+    const EdgeHot& E = edges_[x];
+    if (!eligible(E)) heap_.remove(edge);
+    // held keys are at most the cost they were set from, and oldCost was at least that
+    else if (wasParked || !heap_.contains(edge) || !(E.cost >= oldCost)) heap_.set(edge, E.cost);
 }
 
 // The scans of NextCheapestEdge, with the floor raised to each refused candidate's cost and the
@@ -72,7 +77,8 @@ int SurfSimpli::SelectContractibleEdge() {
     toPark_.clear();
     int result = -1;
     try {
-        result = heap_.visitInOrder([&](const EdgeHeap::Entry& top) {
+        stale_.clear();
+        result = heap_.visitInOrder([&](int e) { return edges_[static_cast<std::size_t>(e)].cost; }, [&](const EdgeHeap::Entry& top) {
             ++CandidateCount;
             minCost_ = top.cost;
             if (CacheRefusals && knownRefused(top.edge)) {
@@ -87,14 +93,20 @@ int SurfSimpli::SelectContractibleEdge() {
                 toPark_.push_back(top.edge);
             }
             return ok;
-        });
+        }, stale_);
     } catch (...) {
         heapDirty_ = true; // a test raised: the heap is rebuilt from the costs when next used
         throw;
     }
+    for (const int e : stale_) // risen costs met on the way: their keys become their costs
+        if (e != result && heap_.contains(e)) heap_.set(e, edges_[static_cast<std::size_t>(e)].cost);
     for (const int e : toPark_) {
         heap_.remove(e);
-        parked_[static_cast<std::size_t>(e)] = 1;
+        const std::size_t x = static_cast<std::size_t>(e);
+        if (parked_[x]) continue;
+        parked_[x] = 1; // refusals_[e] holds the ends it has now, and keeps them while parked
+        ++ptParked_[static_cast<std::size_t>(refusals_[x].a)];
+        ++ptParked_[static_cast<std::size_t>(refusals_[x].b)];
     }
     if (result == -1 && CacheRefusals) {
         // every chosen-able edge was refused: the scans' last candidate is the greatest in order
@@ -109,9 +121,16 @@ int SurfSimpli::SelectContractibleEdge() {
     return result;
 }
 
+void SurfSimpli::clearPark(std::size_t edge) {
+    if (edge >= parked_.size() || !parked_[edge]) return;
+    parked_[edge] = 0;
+    --ptParked_[static_cast<std::size_t>(refusals_[edge].a)];
+    --ptParked_[static_cast<std::size_t>(refusals_[edge].b)];
+}
+
 void SurfSimpli::unpark(int edge) {
     if (static_cast<std::size_t>(edge) >= parked_.size() || !parked_[static_cast<std::size_t>(edge)]) return;
-    parked_[static_cast<std::size_t>(edge)] = 0;
+    clearPark(static_cast<std::size_t>(edge));
     const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
     if (eligible(E)) heap_.set(edge, E.cost);
 }
@@ -123,6 +142,7 @@ void SurfSimpli::unpark(int edge) {
 // refusal stands while neither end has been touched since and the ends are the same.
 void SurfSimpli::clearRefusals() {
     ptChanged_.assign(pValid_.size(), 0);
+    ptParked_.assign(pValid_.size(), 0);
     refusals_.assign(edges_.size(), Refusal{});
 }
 
