@@ -22,6 +22,7 @@
 
 #include <zelmar/zelmar.h>
 
+#include <algorithm>
 #include <bit>
 #include <chrono>
 #include <cstdint>
@@ -75,14 +76,21 @@ double ms(Clock::time_point a, Clock::time_point b) { return std::chrono::durati
 
 
 
+// Mesh files list a face's corners counter-clockwise seen from its front; an engine ring runs
+// clockwise seen from its front. Both engines get the faces turned this way, so that the two
+// paths read the same rings (and, as the in-memory engine computes planes as libzelmar3 does,
+// the same bits).
+MeshData asEngineRings(MeshData m) {
+    for (MeshFace& f : m.faces) std::reverse(f.v.begin(), f.v.end());
+    return m;
+}
+
 // Mesh into a zelmar group: one polygon per face, points with x, y, z, u, v, brightness and normal.
-// Mesh files list a face's corners counter-clockwise seen from its front; an engine ring runs clockwise
-// seen from its front, so the corners go in backwards.
 int meshToEngine(const MeshData& m) {
     const int g = ZELMAR_group_create("mesh");
     for (const MeshFace& f : m.faces) {
         const int p = ZELMAR_polygon_create();
-        for (auto it = f.v.rbegin(); it != f.v.rend(); ++it) {
+        for (auto it = f.v.begin(); it != f.v.end(); ++it) {
             const MeshVertex& v = m.vertices[static_cast<std::size_t>(*it)];
             const double vx[6] = {v.xyz[0], v.xyz[1], v.xyz[2], v.uv[0], v.uv[1], v.brightness};
             const int pt = ZELMAR_polygon_add_point(p, vx);
@@ -203,6 +211,7 @@ int main(int argc, char** argv) {
     }
     const auto t1 = Clock::now();
     const int total = static_cast<int>(mesh.faces.size());
+    mesh = asEngineRings(std::move(mesh));
     if (target < 0) target = static_cast<long>(total * keep + 0.5);
     std::printf("input: %s, %d triangles, %zu vertices (read in %.1f ms)\n", input.c_str(), total, mesh.vertices.size(),
                 ms(t0, t1));
@@ -268,7 +277,7 @@ int main(int argc, char** argv) {
                         reference ? "reference" : "production", total, current, ms(a, b), cb - ca, bench::peakResidentKb());
             result = groupToMesh(eng, outGroup);
             if (!out.empty()) {
-                saveObj(result, out);
+                saveObj(asEngineRings(result), out); // counter-clockwise again for the file
                 std::printf("wrote %s\n", out.c_str());
             }
         }

@@ -92,6 +92,7 @@ public:
 
     void SetHost(SimplifyHost* host) { host_ = host; }
     void SetLocaleMessages(const SimplifyMessages& messages) { messages_ = messages; }
+    const SimplifyMessages& LocaleMessages() const { return messages_; }
     void SetEngine(SimplifyEngine* engine);
 
     // ---- the simplification mesh: mesh model ----
@@ -148,6 +149,10 @@ public:
     void DrawAllBorderEdges();
     void DisplayAffectedEdges();
     void DrawSelectedPts();
+
+    // Reads the group into an empty model (Reset, ExtractTriangles) and sets ForceRestart, as
+    // the first Reduce on a group does, without contracting or building an output group.
+    void Load(int group, SimplifyProgress* progress = nullptr, SimplifyStatus* status = nullptr);
 
     // ---- the edge contraction: edge cost and contraction ----
     int Reduce(int target, int group, bool protectTexSeams, SimplifyProgress* progress, SimplifyStatus* status,
@@ -218,6 +223,9 @@ public:
     bool ContinueRun() const { return continueRun_; }
     // True when the last Reduce stopped because the host asked to cancel (no output was built).
     bool Cancelled() const { return cancelled_; }
+    // True when a contraction since the model was last set up cost more than 0.00 (rounded):
+    // a zero-error run from the copy would have stopped before the state the model is in.
+    bool CostlyContractionMade() const { return costlyContraction_; }
     const std::vector<std::int32_t>& AffectedPoints() const { return affectedPts_; }
     const std::vector<std::int32_t>& AffectedEdges() const { return affectedEdges_; }
     int TriCursor() const { return triCursor_; }
@@ -359,6 +367,7 @@ private:
     bool geomOnly_ = false, lockSelected_ = false, protectTexSeams_ = false, protectColorBorders_ = false;
     bool continueRun_ = false;
     bool cancelled_ = false;
+    bool costlyContraction_ = false;
     bool pristine_ = false; // the arrays equal the copy for restarting (no restore copy needed)
     int minEdge_ = -1;
     double minCost_ = 0;

@@ -57,11 +57,28 @@ int SurfSimpli::Reduce(int target, int group, bool protectTexSeams, SimplifyProg
     });
 }
 
+void SurfSimpli::Load(int group, SimplifyProgress* progress, SimplifyStatus* status) {
+    vexil::propagate("SurfSimpli", "Load", [&] {
+        progress_ = progress;
+        status_ = status;
+        cancelled_ = false;
+        Reset();
+        ExtractTriangles(group);
+        triCurrent_ = triTotal_;
+        sourceGroup_ = group;
+        outputGroup_ = group;
+        ForceRestart = true;
+        notePeak();
+        setStatus("");
+    });
+}
+
 void SurfSimpli::SimplifyLoop(int target) {
     pristine_ = false;
     setStatus(msg(messages_.simplifying, "Simplyfing"));
     if (selectedMark_.size() != pValid_.size()) markSelected();
     if (!continueRun_) {
+        costlyContraction_ = false;
         BuildAllQuadrics();
         MarkBorderEdges();
         if (lockSelected_) AddLockTerms();
@@ -82,6 +99,7 @@ void SurfSimpli::SimplifyLoop(int target) {
     for (;;) {
         if (ZeroErrorMode && roundsAboveZero(minCost_)) break;
         if (triCurrent_ <= target) break;
+        if (roundsAboveZero(minCost_)) costlyContraction_ = true;
         const int removed = ContractEdge();
         triCurrent_ -= removed;
         if (progress_ && triTotal_ - triCurrent_ <= progressMax) progress_->setValue(triTotal_ - triCurrent_);
