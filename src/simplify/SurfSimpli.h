@@ -25,6 +25,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace simplify {
@@ -278,8 +279,12 @@ private:
         std::vector<Quadric> pQ; // empty: all zero
         std::size_t points = 0;
         ListPool pTris, pEdges;
-        std::vector<EdgeHot> edges;
-        bool edgesPlaced = false; // some NewCoords or Cost is not zero
+        struct EdgeEnds {
+            std::int32_t a, b;
+            bool valid, border;
+        };
+        std::vector<EdgeEnds> edgeEnds;
+        std::vector<EdgeHot> edges; // only when some NewCoords or Cost is not zero
         ListPool eTris;
         std::vector<TriHot> tris;
         std::vector<std::array<double, 6>> tUV;
@@ -406,7 +411,7 @@ private:
         std::int32_t a = 0, b = 0;
     };
     std::vector<std::int32_t> ptChanged_;
-    std::vector<Refusal> refusals_;
+    std::unordered_map<std::int32_t, Refusal> refusals_; // few: only refused edges have one
     std::int32_t contractions_ = 0;
     std::vector<char> parked_; // refused edges held out of the heap
     std::vector<std::int32_t> ptParked_; // parked edges at each point

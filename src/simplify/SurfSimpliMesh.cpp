@@ -337,11 +337,18 @@ void SurfSimpli::CopyGeomForRestore() {
     else b.pQ = pQ_;
     b.pTris = pTris_;
     b.pEdges = pEdges_;
-    b.edges = edges_;
-    b.edgesPlaced = std::any_of(edges_.begin(), edges_.end(), [](const EdgeHot& e) {
+    const bool placed = std::any_of(edges_.begin(), edges_.end(), [](const EdgeHot& e) {
         return std::bit_cast<std::uint64_t>(e.cost) != 0 || std::bit_cast<std::uint64_t>(e.nc[0]) != 0 ||
                std::bit_cast<std::uint64_t>(e.nc[1]) != 0 || std::bit_cast<std::uint64_t>(e.nc[2]) != 0;
     });
+    b.edges.clear();
+    b.edgeEnds.clear();
+    if (placed) {
+        b.edges = edges_;
+    } else {
+        b.edgeEnds.reserve(edges_.size());
+        for (const EdgeHot& e : edges_) b.edgeEnds.push_back({e.a, e.b, e.valid, e.border});
+    }
     b.eTris = eTris_;
     b.tris = tris_;
     b.tUV = tUV_;
@@ -378,12 +385,15 @@ void SurfSimpli::RestoreGeomFromCopy() {
     }
     pTris_ = b.pTris;
     pEdges_ = b.pEdges;
-    edges_ = b.edges;
-    if (!b.edgesPlaced)
-        for (EdgeHot& e : edges_) {
-            e.cost = 0.0;
-            e.nc[0] = e.nc[1] = e.nc[2] = 0.0;
+    if (!b.edges.empty()) {
+        edges_ = b.edges;
+    } else {
+        edges_.resize(b.edgeEnds.size());
+        for (std::size_t i = 0; i < b.edgeEnds.size(); ++i) {
+            const Backup::EdgeEnds& x = b.edgeEnds[i];
+            edges_[i] = EdgeHot{x.a, x.b, 0.0, {0.0, 0.0, 0.0}, x.valid, x.border};
         }
+    }
     eTris_ = b.eTris;
     tris_ = b.tris;
     tUV_ = b.tUV;
@@ -424,10 +434,11 @@ std::size_t SurfSimpli::MemoryBytes() const {
                     bytes(tUV_) + bytes(tBitmap_) + bytes(tBright_) + bytes(tColor_);
     const Backup& b = backup_;
     n += bytes(b.pValid) + bytes(b.pCoords) + bytes(b.pQ) + b.pTris.memoryBytes() + b.pEdges.memoryBytes() +
-         bytes(b.edges) + b.eTris.memoryBytes() + bytes(b.tris) + bytes(b.tUV) + bytes(b.pBright) + bytes(b.pNormal);
+         bytes(b.edges) + bytes(b.edgeEnds) + b.eTris.memoryBytes() + bytes(b.tris) + bytes(b.tUV) + bytes(b.pBright) + bytes(b.pNormal);
     for (const auto& bucket : buckets_) n += bytes(bucket);
     n += pointIndex_.memoryBytes() + edgeIndex_.memoryBytes() + heap_.memoryBytes();
-    n += bytes(ptStamp_) + bytes(edgeStamp_) + bytes(selectedMark_) + bytes(ptChanged_) + bytes(refusals_) +
+    n += bytes(ptStamp_) + bytes(edgeStamp_) + bytes(selectedMark_) + bytes(ptChanged_) +
+         refusals_.size() * (sizeof(Refusal) + 2 * sizeof(void*)) + refusals_.bucket_count() * sizeof(void*) +
          bytes(parked_) + bytes(affectedPts_) + bytes(affectedEdges_);
     return n;
 }

@@ -139,7 +139,6 @@ int SurfSimpli::ContractEdge() {
     ++contractions_;
     if (ptChanged_.size() < pValid_.size()) ptChanged_.resize(pValid_.size(), 0);
     if (ptParked_.size() < pValid_.size()) ptParked_.resize(pValid_.size(), 0);
-    if (refusals_.size() < edges_.size()) refusals_.resize(edges_.size());
     for (const std::int32_t* t = eTris_.begin(ei); t != eTris_.end(ei); ++t) {
         touchTriCorners(*t);
         for (const std::int32_t s : tris_[static_cast<std::size_t>(*t)].edges) touchEdgeEnds(s);

@@ -89,7 +89,7 @@ int SurfSimpli::SelectContractibleEdge() {
             const bool ok = !WouldDegenerate(top.edge) && !WouldFlipNormal(top.edge) && KeepsManifold(top.edge);
             if (!ok && CacheRefusals) {
                 const EdgeHot& E = edges_[static_cast<std::size_t>(top.edge)];
-                refusals_[static_cast<std::size_t>(top.edge)] = Refusal{contractions_, E.a, E.b};
+                refusals_[top.edge] = Refusal{contractions_, E.a, E.b};
                 toPark_.push_back(top.edge);
             }
             return ok;
@@ -104,9 +104,10 @@ int SurfSimpli::SelectContractibleEdge() {
         heap_.remove(e);
         const std::size_t x = static_cast<std::size_t>(e);
         if (parked_[x]) continue;
-        parked_[x] = 1; // refusals_[e] holds the ends it has now, and keeps them while parked
-        ++ptParked_[static_cast<std::size_t>(refusals_[x].a)];
-        ++ptParked_[static_cast<std::size_t>(refusals_[x].b)];
+        parked_[x] = 1; // its refusal holds the ends it has now, and keeps them while parked
+        const Refusal& r = refusals_.at(e);
+        ++ptParked_[static_cast<std::size_t>(r.a)];
+        ++ptParked_[static_cast<std::size_t>(r.b)];
     }
     if (result == -1 && CacheRefusals) {
         // every chosen-able edge was refused: the scans' last candidate is the greatest in order
@@ -124,8 +125,9 @@ int SurfSimpli::SelectContractibleEdge() {
 void SurfSimpli::clearPark(std::size_t edge) {
     if (edge >= parked_.size() || !parked_[edge]) return;
     parked_[edge] = 0;
-    --ptParked_[static_cast<std::size_t>(refusals_[edge].a)];
-    --ptParked_[static_cast<std::size_t>(refusals_[edge].b)];
+    const Refusal& r = refusals_.at(static_cast<std::int32_t>(edge));
+    --ptParked_[static_cast<std::size_t>(r.a)];
+    --ptParked_[static_cast<std::size_t>(r.b)];
 }
 
 void SurfSimpli::unpark(int edge) {
@@ -143,12 +145,13 @@ void SurfSimpli::unpark(int edge) {
 void SurfSimpli::clearRefusals() {
     ptChanged_.assign(pValid_.size(), 0);
     ptParked_.assign(pValid_.size(), 0);
-    refusals_.assign(edges_.size(), Refusal{});
+    refusals_.clear();
 }
 
 bool SurfSimpli::knownRefused(int edge) const {
-    const Refusal& r = refusals_[static_cast<std::size_t>(edge)];
-    if (r.at < 0) return false;
+    const auto found = refusals_.find(edge);
+    if (found == refusals_.end()) return false;
+    const Refusal& r = found->second;
     const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
     return E.a == r.a && E.b == r.b && ptChanged_[static_cast<std::size_t>(r.a)] <= r.at &&
            ptChanged_[static_cast<std::size_t>(r.b)] <= r.at;
