@@ -196,6 +196,15 @@ int SurfSimpli::ContractEdge() {
     pEdges_.filter(k, [&](std::int32_t e) { return edges_[static_cast<std::size_t>(e)].valid; });
 
     CollectAffected(kept);
+    // The neighbourhood's triangles lie anywhere in the array: have them all on their way in
+    // before the planes and quadrics read them one by one.
+    for (const std::int32_t p : affectedPts_) {
+        const std::size_t pi = static_cast<std::size_t>(p);
+        for (const std::int32_t* t = pTris_.begin(pi); t != pTris_.end(pi); ++t)
+            __builtin_prefetch(&tris_[static_cast<std::size_t>(*t)]);
+        __builtin_prefetch(pQ_[pi].data());
+        __builtin_prefetch(pQ_[pi].data() + 8);
+    }
     EvaluatePlaneOfAffectedTris(kept);
     // Each affected point's quadric afresh: its valid triangles' planes, then its borders'
     // penalties, in list order (ClearPointQuadric, BuildPointQuadric, AddBorderPenaltyToPoint
@@ -304,6 +313,11 @@ void SurfSimpli::CollectAffected(int kept) {
         if (!X.valid) continue;
         addPt(X.a);
         addPt(X.b);
+    }
+    for (const std::int32_t p : affectedPts_) { // the edges of the neighbourhood, on their way in
+        const std::size_t pi = static_cast<std::size_t>(p);
+        for (const std::int32_t* e = pEdges_.begin(pi); e != pEdges_.end(pi); ++e)
+            __builtin_prefetch(&edges_[static_cast<std::size_t>(*e)]);
     }
     for (std::size_t i = 0; i < affectedPts_.size(); ++i) {
         const std::size_t p = static_cast<std::size_t>(affectedPts_[i]);
