@@ -1,13 +1,15 @@
 // simplify_bench: the figures of docs/performance.md, "Simplification".
 //
 //   simplify_bench [--mesh FILE] [--subdivide N] [--keep 0.5,0.1] [--targets N,M] [--runs N] [--mode prod|ref]
-//                  [--faces N] [--plain]
+//                  [--faces N] [--plain] [--session]
 //
 // prod: the production SurfSimpli, N runs per target in this process (a fresh object each run),
 //       median wall and CPU time of Reduce (extraction, restart copy, loop and output included),
 //       split by phase from the status texts; the peak resident memory of the process.
 // ref:  the literal reference, one run per target, on the first --faces faces of the mesh.
 // --subdivide splits every triangle into four, N times (the scaling figures);
+// --session opens one SimplifySession and runs the targets one after the other, as the workbench
+// does on each click (a deeper target goes on from the last run); CPU time of each run.
 // --targets gives triangle counts instead of fractions; --plain runs the production without its
 // refusal cache (its candidate count is then that of the reference's scans).
 // Every run goes through the in-memory engine, so the engine's own cost is not measured.
@@ -15,6 +17,7 @@
 #include "MeshData.h"
 #include "MeshMaker.h"
 #include "reference/RefSurfSimpli.h"
+#include "simplify/SimplifySession.h"
 #include "simplify/SurfSimpli.h"
 
 #include <algorithm>
@@ -54,7 +57,7 @@ int main(int argc, char** argv) {
     int runs = 5;
     std::size_t faces = 0;
     int subdivisions = 0;
-    bool plain = false;
+    bool plain = false, session = false;
     std::vector<int> targets;
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
@@ -64,6 +67,7 @@ int main(int argc, char** argv) {
         else if (a == "--runs") runs = std::stoi(next());
         else if (a == "--faces") faces = static_cast<std::size_t>(std::stol(next()));
         else if (a == "--plain") plain = true;
+        else if (a == "--session") session = true;
         else if (a == "--subdivide") subdivisions = std::stoi(next());
         else if (a == "--targets") {
             std::stringstream ss(next());
@@ -86,6 +90,23 @@ int main(int argc, char** argv) {
     if (!targets.empty()) {
         keeps.clear();
         for (int t : targets) keeps.push_back(static_cast<double>(t) / total);
+    }
+    if (session) {
+        MemoryEngine eng;
+        const int g = eng.addMesh(mesh);
+        simplify::SimplifySession ses(&eng);
+        double c0 = bench::processCpuMs();
+        ses.Open(g, &host);
+        std::printf("session: open %.1f ms cpu\n", bench::processCpuMs() - c0);
+        for (const double keep : keeps) {
+            const int target = static_cast<int>(total * keep + 0.5);
+            c0 = bench::processCpuMs();
+            const simplify::SimplifyResult r = ses.Run(target, {}, &host);
+            std::printf("session: keep %.2f -> %d triangles, %s, %.1f ms cpu\n", keep, r.triangles,
+                        r.continued ? "went on from the last run" : "from the copy", bench::processCpuMs() - c0);
+        }
+        std::printf("  model at most %.1f MB\n", ses.Model().PeakMemoryBytes() / 1048576.0);
+        return 0;
     }
     for (const double keep : keeps) {
         const int target = static_cast<int>(total * keep + 0.5);
