@@ -111,8 +111,6 @@ public:
         }
         return -1;
     }
-    // The key the heap holds for an edge (a lower bound of its cost); the edge must be held.
-    double keyOf(int edge) const { return heap_[static_cast<std::size_t>(pos_[static_cast<std::size_t>(edge)])].cost; }
 
     std::size_t memoryBytes() const { return heap_.capacity() * sizeof(Entry) + pos_.capacity() * sizeof(int); }
 
