@@ -305,7 +305,11 @@ private:
     }
     std::size_t newPoint(const double coords[3]);
     std::size_t newEdge(int pA, int pB);
-    void addProducts(Quadric& q, const double p[4]) const;
+    // the sixteen products aa, ab, ..., dd of a plane, added term by term
+    static void addProducts(Quadric& q, const double p[4]) {
+        for (int i = 0; i < 4; ++i)
+            for (int j = 0; j < 4; ++j) q[static_cast<std::size_t>(i * 4 + j)] += p[i] * p[j];
+    }
     void borderPlane(int edge, double p[4]) const;
     void cornerUV(int tri, int point, double uv[2]) const;
     void setCornerUV(int tri, int point, const double uv[2]);

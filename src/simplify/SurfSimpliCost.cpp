@@ -22,12 +22,6 @@ inline double sq(double x) { return fin(x * x); }
 inline double cdiv(double a, double b) { return fin(vexil::checkedDiv(a, b)); }
 } // namespace
 
-void SurfSimpli::addProducts(Quadric& q, const double p[4]) const {
-    // the sixteen products aa, ab, ..., dd, added term by term
-    for (int i = 0; i < 4; ++i)
-        for (int j = 0; j < 4; ++j) q[static_cast<std::size_t>(i * 4 + j)] += p[i] * p[j];
-}
-
 void SurfSimpli::BuildAllQuadrics() {
     pristine_ = false;
     for (int p = 1; p <= PointCount(); ++p) {
