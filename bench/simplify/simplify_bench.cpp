@@ -1,17 +1,23 @@
 // simplify_bench: the figures of docs/performance.md, "Simplification".
 //
-//   simplify_bench [--mesh FILE] [--keep 0.5,0.1] [--targets N,M] [--runs N] [--mode prod|ref] [--faces N] [--plain]
+//   simplify_bench [--mesh FILE] [--subdivide N] [--keep 0.5,0.1] [--targets N,M] [--runs N] [--mode prod|ref]
+//                  [--faces N] [--plain] [--session]
 //
 // prod: the production SurfSimpli, N runs per target in this process (a fresh object each run),
 //       median wall and CPU time of Reduce (extraction, restart copy, loop and output included),
 //       split by phase from the status texts; the peak resident memory of the process.
 // ref:  the literal reference, one run per target, on the first --faces faces of the mesh.
+// --subdivide splits every triangle into four, N times (the scaling figures);
+// --session opens one SimplifySession and runs the targets one after the other, as the workbench
+// does on each click (a deeper target goes on from the last run); CPU time of each run.
 // --targets gives triangle counts instead of fractions; --plain runs the production without its
 // refusal cache (its candidate count is then that of the reference's scans).
 // Every run goes through the in-memory engine, so the engine's own cost is not measured.
 #include "MemoryEngine.h"
 #include "MeshData.h"
+#include "MeshMaker.h"
 #include "reference/RefSurfSimpli.h"
+#include "simplify/SimplifySession.h"
 #include "simplify/SurfSimpli.h"
 
 #include <algorithm>
@@ -50,7 +56,8 @@ int main(int argc, char** argv) {
     std::vector<double> keeps = {0.5, 0.1};
     int runs = 5;
     std::size_t faces = 0;
-    bool plain = false;
+    int subdivisions = 0;
+    bool plain = false, session = false;
     std::vector<int> targets;
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
@@ -60,6 +67,8 @@ int main(int argc, char** argv) {
         else if (a == "--runs") runs = std::stoi(next());
         else if (a == "--faces") faces = static_cast<std::size_t>(std::stol(next()));
         else if (a == "--plain") plain = true;
+        else if (a == "--session") session = true;
+        else if (a == "--subdivide") subdivisions = std::stoi(next());
         else if (a == "--targets") {
             std::stringstream ss(next());
             std::string item;
@@ -73,6 +82,7 @@ int main(int argc, char** argv) {
     }
     MeshData mesh = triangulateFans(loadMesh(path));
     if (faces) mesh = firstFaces(mesh, faces);
+    if (subdivisions > 0) mesh = subdivide(mesh, subdivisions);
     std::printf("peak resident memory after loading the mesh: %ld kB\n", bench::peakResidentKb());
     const int total = static_cast<int>(mesh.faces.size());
     std::printf("mesh %s: %d triangles; mode %s\n", path.c_str(), total, mode.c_str());
@@ -80,6 +90,23 @@ int main(int argc, char** argv) {
     if (!targets.empty()) {
         keeps.clear();
         for (int t : targets) keeps.push_back(static_cast<double>(t) / total);
+    }
+    if (session) {
+        MemoryEngine eng;
+        const int g = eng.addMesh(mesh);
+        simplify::SimplifySession ses(&eng);
+        double c0 = bench::processCpuMs();
+        ses.Open(g, &host);
+        std::printf("session: open %.1f ms cpu\n", bench::processCpuMs() - c0);
+        for (const double keep : keeps) {
+            const int target = static_cast<int>(total * keep + 0.5);
+            c0 = bench::processCpuMs();
+            const simplify::SimplifyResult r = ses.Run(target, {}, &host);
+            std::printf("session: keep %.2f -> %d triangles, %s, %.1f ms cpu\n", keep, r.triangles,
+                        r.continued ? "went on from the last run" : "from the copy", bench::processCpuMs() - c0);
+        }
+        std::printf("  model at most %.1f MB\n", ses.Model().PeakMemoryBytes() / 1048576.0);
+        return 0;
     }
     for (const double keep : keeps) {
         const int target = static_cast<int>(total * keep + 0.5);
@@ -106,7 +133,7 @@ int main(int argc, char** argv) {
         std::vector<double> wall, cpu, ex, lp, out;
         int result = 0;
         long long selections = 0, candidates = 0, cached = 0;
-        std::size_t modelBytes = 0;
+        std::size_t modelBytes = 0, peakBytes = 0;
         for (int r = 0; r < runs; ++r) {
             MemoryEngine eng;
             const int g = eng.addMesh(mesh);
@@ -132,13 +159,15 @@ int main(int argc, char** argv) {
             candidates = s.CandidateCount;
             cached = s.CachedRefusals;
             modelBytes = s.MemoryBytes();
+            peakBytes = s.PeakMemoryBytes();
         }
         std::printf("production%s keep %.2f: %d -> %d triangles, median of %d: wall %.1f ms, cpu %.1f ms "
                     "(extract+copy %.1f, loop %.1f, output %.1f); %lld selections, %lld candidates, %lld refusals "
                     "from the cache\n",
                     plain ? " (no refusal cache)" : "", keep, total, result, runs, bench::median(wall), bench::median(cpu), bench::median(ex), bench::median(lp), bench::median(out), selections,
                     candidates, cached);
-        std::printf("  model held by SurfSimpli after the run (arrays, lists, copy, indexes): %.1f MB\n", modelBytes / 1048576.0);
+        std::printf("  model held by SurfSimpli after the run (arrays, lists, copy, indexes, heap): %.1f MB, at most %.1f MB\n",
+                    modelBytes / 1048576.0, peakBytes / 1048576.0);
     }
     std::printf("peak resident memory of this process: %ld kB\n", bench::peakResidentKb());
     return 0;

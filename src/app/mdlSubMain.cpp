@@ -1,5 +1,7 @@
 #include "mdlSubMain.h"
 
+#include "simplify/EngineReducer.h"
+
 #include "frame/AppPaths.h"
 #include "frame/ErrLog.h"
 #include "Form1.h"
@@ -37,6 +39,8 @@ Form1* StartApplication(const QString& commandLine) {
     GetAllSupportedLanguages();
     // 5.
     Prefs().ShowSplashMode = ReadShowSplashMode();
+    // The engine's reducing operations (plug-ins reach them) run the editor's simplifier.
+    simplify::InstallEngineReducer();
     auto* form = new Form1;
     form->SetCommandLine(commandLine);
     formSplash* splash = nullptr;
