@@ -1,5 +1,6 @@
 #include "scene/LightMap.h"
 
+#include "scene/LightMapJob.h"
 #include "scene/Occluders.h"
 #include "scene/PolygonGeometry.h"
 #include "scene/World.h"
@@ -8,88 +9,111 @@
 #include <cmath>
 #include <limits>
 
-namespace zelmar {
+namespace zelmar::lightmap {
 
 namespace {
 bool lights(const Light& l, const Polygon& p) {
-    if (l.disabled) return false;
     if (l.entityToLight == 0) return true;
     const Group* t = world().group(l.entityToLight);
     return !t || !t->father || (p.group && world().inSubtree(*p.group, *t)); // a dead target or the root: all
 }
 
-// Light per channel (1.0 = the light's full colour) reaching point q of a surface with
-// unit normal n.
-void lightAt(const Polygon& p, V3 q, V3 n, bool twoSided, bool rayTracing, double out[3]) {
+// Light per channel (1.0 = the light's full colour) reaching point q of the job's polygon.
+void lightAt(const Bake& bake, const Job& job, V3 q, Result& r, double out[3]) {
     out[0] = out[1] = out[2] = 0;
-    const double size = std::max(ringSize(p), 1e-9);
-    for (const Light* l : world().list<Light>()) {
-        if (!lights(*l, p)) continue;
+    for (const uint32_t index : job.lights) {
+        const LightSnap& l = bake.lights[index];
         V3 toLight;
         double dist = 0;
-        if (l->type & 1) {
-            toLight = -normalized(V3(l->direction));
-            dist = std::numeric_limits<double>::infinity();
+        if (l.directional) {
+            toLight = l.toLight;
         } else {
-            const V3 d = V3(l->location) - q;
+            const V3 d = l.location - q;
             dist = length(d);
-            toLight = dist > 0 ? d * (1.0 / dist) : n;
+            toLight = dist > 0 ? d * (1.0 / dist) : job.n;
         }
         double atten = 1;
-        if (l->distanceReach > 0 && !(l->type & 1) && (l->type & 6)) {
-            const double f = std::max(0.0, 1 - dist / l->distanceReach);
-            atten = (l->type & 4) ? f * f : f;
+        if (l.reach > 0) {
+            const double f = std::max(0.0, 1 - dist / l.reach);
+            atten = l.square ? f * f : f;
         }
         if (atten <= 0) continue;
-        const double ambient = (l->type & 8) ? l->ambient : 0;
-        double cosine = dot(n, toLight);
-        if (twoSided) cosine = std::fabs(cosine);
-        double diffuse = (l->type & 16) ? l->diffuse * std::max(0.0, cosine) : 0;
-        if (diffuse > 0 && (rayTracing || l->rayTracing)) {
-            // Start just off the surface on the lit side, so the polygon does not shadow itself.
-            const V3 side = dot(n, toLight) >= 0 ? n : -n;
-            const V3 from = q + side * (1e-6 * size);
-            const V3 to =
-                std::isfinite(dist) ? V3(l->location) : from + toLight * (1e6 * std::max(size, 1.0));
-            if (worldOccluders().blocked(from, to, p.handle)) diffuse = 0;
+        double cosine = dot(job.n, toLight);
+        if (job.twoSided) cosine = std::fabs(cosine);
+        double diffuse = l.diffuse * std::max(0.0, cosine);
+        if (diffuse > 0 && l.shadows && bake.occluders) {
+            // Start just off the surface on the lit side, and let the ray pass through the
+            // polygon's own triangles.
+            const V3 side = dot(job.n, toLight) >= 0 ? job.n : -job.n;
+            const V3 from = q + side * job.offset;
+            double org[3], dir[3];
+            from.store(org);
+            rays::ShadowRay ray;
+            if (l.directional) {
+                toLight.store(dir);
+                ray = bake.occluders->makeRay(org, dir, 0, std::numeric_limits<double>::infinity());
+            } else {
+                (l.location - from).store(dir);
+                ray = bake.occluders->makeRay(org, dir, 0, 1 - 1e-6); // up to the light, not beyond
+            }
+            ++r.rays;
+            if (bake.record) r.recorded.push_back(ray);
+            if (bake.occluders->occluded(ray, job.polygon)) diffuse = 0;
         }
-        const double f = (ambient + diffuse) * atten;
+        const double f = (l.ambient + diffuse) * atten;
         for (int c = 0; c < 3; ++c)
-            out[c] += l->color[c] / 255.0 * f;
+            out[c] += l.color[c] * f;
     }
 }
 } // namespace
 
-std::string checkLightMapParams(const LightMapParams& p) {
-    if (!std::isfinite(p.samplingRate) || p.samplingRate <= 0)
-        return "the sampling rate must be a positive number";
-    if (p.maxSize < 1 || p.maxSize > 4096) return "the maximum size must lie between 1 and 4096";
-    if (p.minSize < 1) return "the minimum size must be at least 1";
-    if (p.mode != 1 && p.mode != 2) return "the mode must be 1 or 2";
-    return {};
+Bake makeBake(const LightMapParams& params, bool record) {
+    Bake b;
+    b.params = params;
+    b.record = record;
+    bool shadows = false;
+    for (const Light* l : world().list<Light>()) {
+        shadows = shadows || params.rayTracing || l->rayTracing;
+        if (l->disabled) continue;
+        LightSnap s;
+        s.directional = (l->type & 1) != 0;
+        s.location = V3(l->location);
+        s.toLight = -normalized(V3(l->direction));
+        for (int c = 0; c < 3; ++c)
+            s.color[c] = l->color[c] / 255.0;
+        s.ambient = (l->type & 8) ? l->ambient : 0;
+        s.diffuse = (l->type & 16) ? l->diffuse : 0;
+        if (l->distanceReach > 0 && !s.directional && (l->type & 6)) {
+            s.reach = l->distanceReach;
+            s.square = (l->type & 4) != 0;
+        }
+        s.shadows = params.rayTracing || l->rayTracing;
+        b.lights.push_back(s);
+    }
+    if (shadows) b.occluders = &worldOccluders();
+    return b;
 }
 
-Handle createLightMap(Polygon& p, const LightMapParams& params) {
-    if (!hasArea(p)) return 0;
-    World& w = world();
-    bool shadows = params.rayTracing;
-    for (const Light* l : w.list<Light>())
-        shadows = shadows || l->rayTracing;
-    if (shadows) worldOccluders(); // brought up to date before this call changes anything
+void prepare(const Bake& bake, const Polygon& p, Job& job) {
+    job.polygon = p.handle;
+    job.valid = hasArea(p);
+    if (!job.valid) return;
+    const LightMapParams& params = bake.params;
     // A frame in the polygon's plane: U along the first edge, V across it.
-    const V3 n = normalized(frontNormal(p));
-    const V3 origin = pos(p.points[0]);
+    job.n = normalized(frontNormal(p));
+    job.origin = pos(p.points[0]);
     V3 u = V3{};
     for (size_t i = 1; i < p.points.size() && length(u) == 0; ++i)
-        u = normalized(pos(p.points[i]) - origin);
-    const V3 v = cross(u, n);
-    double s0 = 0, s1 = 0, t0 = 0, t1 = 0;
+        u = normalized(pos(p.points[i]) - job.origin);
+    job.u = u;
+    job.v = cross(u, job.n);
+    job.s0 = job.s1 = job.t0 = job.t1 = 0;
     for (const PointData& d : p.points) {
-        const V3 r = pos(d) - origin;
-        s0 = std::min(s0, dot(r, u));
-        s1 = std::max(s1, dot(r, u));
-        t0 = std::min(t0, dot(r, v));
-        t1 = std::max(t1, dot(r, v));
+        const V3 r = pos(d) - job.origin;
+        job.s0 = std::min(job.s0, dot(r, job.u));
+        job.s1 = std::max(job.s1, dot(r, job.u));
+        job.t0 = std::min(job.t0, dot(r, job.v));
+        job.t1 = std::max(job.t1, dot(r, job.v));
     }
     const int minSize = std::min(params.minSize, params.maxSize);
     auto sizeFor = [&](double extent) {
@@ -97,20 +121,35 @@ Handle createLightMap(Polygon& p, const LightMapParams& params) {
         return static_cast<int>(
             std::clamp(texels, static_cast<double>(minSize), static_cast<double>(params.maxSize)));
     };
-    const int width = sizeFor(s1 - s0), height = sizeFor(t1 - t0);
+    job.width = sizeFor(job.s1 - job.s0);
+    job.height = sizeFor(job.t1 - job.t0);
+    job.twoSided = p.orientation == 0;
+    // Off the surface by more than the kernel's single precision blurs it.
+    const double size = std::max(ringSize(p), 1e-9);
+    job.offset = std::max(1e-6 * size, bake.occluders ? 1e-5 * bake.occluders->extent() : 0.0);
+    const auto& all = world().list<Light>();
+    uint32_t index = 0;
+    for (const Light* l : all) {
+        if (l->disabled) continue;
+        if (lights(*l, p)) job.lights.push_back(index);
+        ++index;
+    }
+}
 
+void compute(const Bake& bake, const Job& job, Result& out) {
+    const int width = job.width, height = job.height;
     // Texel centres sit on the polygon's box with the outer texels on its edges, so that
     // the second uv of the corners meet texel centres and filtering never wraps around.
     std::vector<double> light(static_cast<size_t>(width) * height * 3);
-    const bool twoSided = p.orientation == 0;
     for (int j = 0; j < height; ++j)
         for (int i = 0; i < width; ++i) {
             const double fs = width > 1 ? static_cast<double>(i) / (width - 1) : 0.5;
             const double ft = height > 1 ? static_cast<double>(j) / (height - 1) : 0.5;
-            const V3 q = origin + u * (s0 + fs * (s1 - s0)) + v * (t0 + ft * (t1 - t0));
-            lightAt(p, q, n, twoSided, params.rayTracing, &light[(static_cast<size_t>(j) * width + i) * 3]);
+            const V3 q = job.origin + job.u * (job.s0 + fs * (job.s1 - job.s0)) +
+                         job.v * (job.t0 + ft * (job.t1 - job.t0));
+            lightAt(bake, job, q, out, &light[(static_cast<size_t>(j) * width + i) * 3]);
         }
-    if (params.mode == 2) {
+    if (bake.params.mode == 2) {
         std::vector<double> soft(light.size());
         for (int j = 0; j < height; ++j)
             for (int i = 0; i < width; ++i)
@@ -128,40 +167,78 @@ Handle createLightMap(Polygon& p, const LightMapParams& params) {
                 }
         light.swap(soft);
     }
-
-    // Replace this polygon's earlier light map, if it made one and nothing else uses it.
-    const std::string name = "lightmap_" + std::to_string(p.handle);
-    if (Bitmap* old = w.bitmap(p.fill.secondBitmap); old && old->name == name && old->path.empty()) {
-        bool shared = false;
-        for (const Polygon* q = w.firstPolygon(); q && !shared; q = q->nextInWorld)
-            shared = q != &p && (q->fill.secondBitmap == old->handle || q->fill.bitmap == old->handle);
-        if (!shared) w.destroyBitmap(*old);
-    }
-    Bitmap* b = w.createBitmap(name);
-    b->width = width;
-    b->height = height;
-    b->rgba.resize(static_cast<size_t>(width) * height * 4);
+    out.rgba.resize(static_cast<size_t>(width) * height * 4);
     for (size_t k = 0; k < static_cast<size_t>(width) * height; ++k) {
         for (int c = 0; c < 3; ++c)
-            b->rgba[k * 4 + c] =
-                static_cast<uint8_t>(std::clamp(std::lround(128.0 * light[k * 3 + c]), 0L, 255L));
-        b->rgba[k * 4 + 3] = 255;
+            out.rgba[k * 4 + c] = static_cast<uint8_t>(std::clamp(std::lround(128.0 * light[k * 3 + c]), 0L, 255L));
+        out.rgba[k * 4 + 3] = 255;
     }
-    b->version = 1;
+}
 
-    for (PointData& d : p.points) {
-        const V3 r = pos(d) - origin;
-        const double fs = s1 > s0 ? (dot(r, u) - s0) / (s1 - s0) : 0.5;
-        const double ft = t1 > t0 ? (dot(r, v) - t0) / (t1 - t0) : 0.5;
-        d.uv2[0] = (0.5 + fs * (width - 1)) / width;
-        d.uv2[1] = (0.5 + ft * (height - 1)) / height;
+BitmapUses::BitmapUses(const std::vector<Handle>& polygons) {
+    World& w = world();
+    for (const Handle h : polygons)
+        if (const Polygon* p = w.polygon(h); p && p->fill.secondBitmap) uses_.emplace(p->fill.secondBitmap, 0);
+    if (uses_.empty()) return;
+    for (const Polygon* q = w.firstPolygon(); q; q = q->nextInWorld) {
+        auto a = uses_.find(q->fill.secondBitmap);
+        if (a != uses_.end()) ++a->second;
+        if (q->fill.bitmap != q->fill.secondBitmap)
+            if (auto b = uses_.find(q->fill.bitmap); b != uses_.end()) ++b->second;
     }
+}
+
+bool BitmapUses::usedElsewhere(Handle bitmap, const Polygon& p) const {
+    const auto it = uses_.find(bitmap);
+    if (it == uses_.end()) return true; // not counted: keep it
+    const int own = (p.fill.secondBitmap == bitmap || p.fill.bitmap == bitmap) ? 1 : 0;
+    return it->second - own > 0 || p.fill.bitmap == bitmap;
+}
+
+void BitmapUses::replaced(Handle old, Handle now, const Polygon& p) {
+    if (auto it = uses_.find(old); it != uses_.end() && p.fill.bitmap != old) --it->second;
+    uses_[now] = 1;
+}
+
+Handle apply(Polygon& p, const Job& job, Result&& r, BitmapUses& uses) {
+    World& w = world();
+    // Replace this polygon's earlier light map, if it made one and nothing else uses it.
+    const std::string name = "lightmap_" + std::to_string(p.handle);
+    const Handle old = p.fill.secondBitmap;
+    bool destroyed = false;
+    if (Bitmap* b = w.bitmap(old); b && b->name == name && b->path.empty() && !uses.usedElsewhere(old, p)) {
+        w.destroyBitmap(*b);
+        destroyed = true;
+    }
+    Bitmap* b = w.createBitmap(name);
+    b->width = job.width;
+    b->height = job.height;
+    b->rgba = std::move(r.rgba);
+    b->version = 1;
+    for (PointData& d : p.points) {
+        const V3 rel = pos(d) - job.origin;
+        const double fs = job.s1 > job.s0 ? (dot(rel, job.u) - job.s0) / (job.s1 - job.s0) : 0.5;
+        const double ft = job.t1 > job.t0 ? (dot(rel, job.v) - job.t0) / (job.t1 - job.t0) : 0.5;
+        d.uv2[0] = (0.5 + fs * (job.width - 1)) / job.width;
+        d.uv2[1] = (0.5 + ft * (job.height - 1)) / job.height;
+    }
+    uses.replaced(destroyed ? 0 : old, b->handle, p);
     p.fill.secondBitmap = b->handle;
     w.changed(p);
-    // A light map changes no geometry: the shadow casters built for this call stay right
-    // for the next polygon of the same bake.
-    if (shadows) occludersStillValid();
     return b->handle;
+}
+
+} // namespace zelmar::lightmap
+
+namespace zelmar {
+
+std::string checkLightMapParams(const LightMapParams& p) {
+    if (!std::isfinite(p.samplingRate) || p.samplingRate <= 0)
+        return "the sampling rate must be a positive number";
+    if (p.maxSize < 1 || p.maxSize > 4096) return "the maximum size must lie between 1 and 4096";
+    if (p.minSize < 1) return "the minimum size must be at least 1";
+    if (p.mode != 1 && p.mode != 2) return "the mode must be 1 or 2";
+    return {};
 }
 
 } // namespace zelmar

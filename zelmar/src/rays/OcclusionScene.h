@@ -1,0 +1,56 @@
+// Any-hit queries against a fixed set of triangles: the shadow rays of light maps. Each
+// triangle has an owner (a polygon handle) so that a ray can pass through the triangles of
+// the polygon it starts from. Single precision inside, around the centre of the triangles'
+// box; queries are thread-safe once built.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace zelmar::rays {
+
+struct Triangles {
+    std::vector<double> xyz;       // points, three coordinates each
+    std::vector<uint32_t> corners; // three point indices per triangle
+    std::vector<int32_t> owner;    // one per triangle
+};
+
+// A ray as the kernel sees it: origin relative to the scene's centre, single precision.
+struct ShadowRay {
+    float org[3];
+    float dir[3];
+    float tNear, tFar;
+};
+
+class OcclusionScene {
+  public:
+    OcclusionScene();
+    ~OcclusionScene();
+    OcclusionScene(const OcclusionScene&) = delete;
+    OcclusionScene& operator=(const OcclusionScene&) = delete;
+
+    // Replaces the triangles. Triangles with a point index out of range are dropped.
+    void build(const Triangles& t);
+    void clear();
+    size_t triangleCount() const;
+    // The largest distance of a point from the centre along an axis: single precision
+    // blurs positions by about 1e-7 of it.
+    double extent() const;
+
+    // The ray org + t dir for t in [tNear, tFar] (tFar may be infinite).
+    ShadowRay makeRay(const double org[3], const double dir[3], double tNear, double tFar) const;
+    // True when the ray meets a triangle whose owner is not `ignore`.
+    bool occluded(const ShadowRay& r, int32_t ignore) const;
+
+    // What the kernel holds, for benchmarks that time it without the engine around it:
+    // points relative to the centre (padded by one float) and corner triples.
+    const std::vector<float>& points() const;
+    const std::vector<uint32_t>& corners() const;
+
+  private:
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+} // namespace zelmar::rays
