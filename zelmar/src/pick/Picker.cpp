@@ -6,6 +6,7 @@
 #include "render/Settings.h"
 #include "render/ThreadPool.h"
 #include "scene/World.h"
+#include <chrono>
 #include <cmath>
 #include <limits>
 #include <unordered_map>
@@ -33,7 +34,16 @@ struct PickWorld {
     std::vector<Entry*> byMember;
     uint64_t generation = std::numeric_limits<uint64_t>::max();
 
+    struct Known {
+        const Group* group;
+        Handle handle;
+        uint32_t version;
+        int64_t own;
+    };
+    std::vector<Known> known;
+
     void refresh(bool force);
+    bool changedGroups(std::vector<const Group*>& changed);
     Entry* entry(rays::PickScene::Member m) const { return m < byMember.size() ? byMember[m] : nullptr; }
 };
 
@@ -66,29 +76,60 @@ void pack(Entry& e) {
     }
 }
 
+static double nowUs(){ return []{timespec t; clock_gettime(CLOCK_THREAD_CPUTIME_ID,&t); return t.tv_sec*1e6+t.tv_nsec/1e3;}(); }
+
+// The groups as the last refresh saw them, in the world's order: a refresh after an edit
+// reads each group's version once, in one pass, and looks nothing up.
+bool PickWorld::changedGroups(std::vector<const Group*>& changed) {
+    World& w = world();
+    if (w.groupCount() != known.size()) return false;
+    size_t i = 0;
+    for (const Group* g = w.firstGroup(); g; g = g->nextInWorld, ++i) {
+        Known& k = known[i];
+        if (k.group != g || k.handle != g->handle) return false;
+        if (k.version != g->version || k.own != g->ownPolygons) {
+            changed.push_back(g);
+            k.version = g->version;
+            k.own = g->ownPolygons;
+        }
+    }
+    return true;
+}
+
 void PickWorld::refresh(bool force) {
     World& w = world();
     if (!force && w.generation == generation) return;
-    for (auto it = entries.begin(); it != entries.end();) {
-        if (w.group(it->first)) {
-            ++it;
-            continue;
+    double T0 = nowUs();
+    std::vector<const Group*> changed;
+    const bool sameGroups = !force && changedGroups(changed);
+    if (!sameGroups) {
+        // Groups came or went (or a pick met data changed behind the world's back): walk
+        // every group, drop the entries of dead ones.
+        changed.clear();
+        known.clear();
+        for (const Group* g = w.firstGroup(); g; g = g->nextInWorld) {
+            changed.push_back(g);
+            known.push_back({g, g->handle, g->version, g->ownPolygons});
         }
-        if (it->second.member != kNoMember) {
-            scene.remove(it->second.member);
-            byMember[it->second.member] = nullptr;
+        for (auto it = entries.begin(); it != entries.end();) {
+            if (w.group(it->first)) {
+                ++it;
+                continue;
+            }
+            if (it->second.member != kNoMember) {
+                scene.remove(it->second.member);
+                byMember[it->second.member] = nullptr;
+            }
+            it = entries.erase(it);
         }
-        it = entries.erase(it);
     }
-    std::vector<const Group*> groups;
-    groups.reserve(w.groupCount());
-    for (const Group* g = w.firstGroup(); g; g = g->nextInWorld)
-        groups.push_back(g);
     render::SceneCache& cache = render::sceneCache();
     const int threads = render::workerCount();
-    cache.update(groups, threads);
+    double T1 = nowUs();
+    cache.update(changed, threads);
+    double T2 = nowUs();
     std::vector<Entry*> stale;
-    for (const Group* g : groups) {
+    for (const Group* g : changed) {
         const render::GroupCache& gc = cache.get(*g);
         Entry& e = entries[g->handle];
         if (e.gc == &gc && e.stamp == gc.stamp) continue;
@@ -97,7 +138,9 @@ void PickWorld::refresh(bool force) {
         e.stamp = gc.stamp;
         stale.push_back(&e);
     }
+    double T3 = nowUs();
     render::parallelFor(threads, static_cast<int>(stale.size()), [&](int i) { pack(*stale[static_cast<size_t>(i)]); });
+    double T4 = nowUs();
     // Members come and go on this thread (they live in the one top scene).
     for (Entry* e : stale) {
         if (e->corners.empty() && e->member != kNoMember) {
@@ -122,7 +165,10 @@ void PickWorld::refresh(bool force) {
         e.points = {};
         e.corners = {};
     });
+    double T5 = nowUs();
     scene.commit();
+    double T6 = nowUs();
+    if (getenv("PICK_T")) fprintf(stderr, "prune %.1f update %.1f stale %.1f pack %.1f set %.1f commit %.1f (stale %zu)\n", T1-T0, T2-T1, T3-T2, T4-T3, T5-T4, T6-T5, stale.size());
     generation = w.generation;
 }
 
@@ -164,7 +210,7 @@ double exactT(const Query& q, const Entry& e, uint32_t triangle) {
     return (e2[0] * qv[0] + e2[1] * qv[1] + e2[2] * qv[2]) / det;
 }
 
-bool accept(void* user, rays::PickScene::Member member, uint32_t triangle) {
+bool accept(void* user, rays::PickScene::Member member, uint32_t triangle, double& t) {
     Query& q = *static_cast<Query*>(user);
     const Entry* e = q.world->entry(member);
     if (!e || triangle >= e->polygonOf.size()) return false;
@@ -180,7 +226,7 @@ bool accept(void* user, rays::PickScene::Member member, uint32_t triangle) {
     const render::PackedPolygon& pp = e->gc->polys[e->polygonOf[triangle]];
     if (pp.frontOnly && pp.normal[0] * q.dir[0] + pp.normal[1] * q.dir[1] + pp.normal[2] * q.dir[2] >= 0)
         return false;
-    const double t = exactT(q, *e, triangle);
+    t = exactT(q, *e, triangle);
     return t >= q.tMin && t < q.tMax;
 }
 
@@ -192,11 +238,11 @@ bool pickRay(const double origin[3], const double dir[3], double tMin, double tM
         pw.refresh(attempt > 0);
         Query q{&pw, origin, dir, tMin, tMax};
         rays::PickScene::Hit hit;
-        const bool found = pw.scene.nearest(origin, dir, tMin - 1e-6 * std::fabs(tMin), tMax, accept, &q, hit);
+        const bool found = pw.scene.nearest(origin, dir, tMin, tMax, accept, &q, hit);
         if (q.stale) continue;
         if (!found) return false;
         const Entry* e = pw.entry(hit.member);
-        out.t = exactT(q, *e, hit.triangle);
+        out.t = hit.t;
         out.polygon = e->gc->polys[e->polygonOf[hit.triangle]].handle;
         out.group = e->group;
         for (int k = 0; k < 3; ++k)
