@@ -1,6 +1,6 @@
 // Picking on a world of 1,000,000 quads in 1,000 groups: a click pick, and bringing the
 // pick structure up to date after one group of 1,000 polygons moved.
-//   pick_bench [--polygons N] [--clicks K]
+//   pick_bench [--polygons N] [--clicks K] [--updates U]
 #include "BenchScene.h"
 
 #include "pick/Picker.h"
@@ -17,13 +17,15 @@
 using namespace zelmar;
 
 int main(int argc, char** argv) {
-    int polygons = 1000000, clicks = 200;
+    int polygons = 1000000, clicks = 200, updates = 9;
     for (int i = 1; i + 1 < argc; i += 2) {
         const std::string a = argv[i];
         if (a == "--polygons")
             polygons = std::atoi(argv[i + 1]);
         else if (a == "--clicks")
             clicks = std::atoi(argv[i + 1]);
+        else if (a == "--updates")
+            updates = std::max(1, std::atoi(argv[i + 1]));
     }
     World& w = world();
     Group* root = w.createGroup("the_world");
@@ -76,7 +78,7 @@ int main(int argc, char** argv) {
     }
 
     std::vector<double> rebuild;
-    for (int rep = 0; rep < 9; ++rep) {
+    for (int rep = 0; rep < updates; ++rep) {
         Group* g = groups[static_cast<size_t>(rep * 37) % groups.size()];
         for (Polygon* p = g->firstPolygon; p; p = p->nextInGroup) {
             for (PointData& d : p->points)

@@ -6,7 +6,6 @@
 #include "render/Settings.h"
 #include "render/ThreadPool.h"
 #include "scene/World.h"
-#include <chrono>
 #include <cmath>
 #include <limits>
 #include <unordered_map>
@@ -76,8 +75,6 @@ void pack(Entry& e) {
     }
 }
 
-static double nowUs(){ return []{timespec t; clock_gettime(CLOCK_THREAD_CPUTIME_ID,&t); return t.tv_sec*1e6+t.tv_nsec/1e3;}(); }
-
 // The groups as the last refresh saw them, in the world's order: a refresh after an edit
 // reads each group's version once, in one pass, and looks nothing up.
 bool PickWorld::changedGroups(std::vector<const Group*>& changed) {
@@ -99,7 +96,6 @@ bool PickWorld::changedGroups(std::vector<const Group*>& changed) {
 void PickWorld::refresh(bool force) {
     World& w = world();
     if (!force && w.generation == generation) return;
-    double T0 = nowUs();
     std::vector<const Group*> changed;
     const bool sameGroups = !force && changedGroups(changed);
     if (!sameGroups) {
@@ -125,9 +121,7 @@ void PickWorld::refresh(bool force) {
     }
     render::SceneCache& cache = render::sceneCache();
     const int threads = render::workerCount();
-    double T1 = nowUs();
     cache.update(changed, threads);
-    double T2 = nowUs();
     std::vector<Entry*> stale;
     for (const Group* g : changed) {
         const render::GroupCache& gc = cache.get(*g);
@@ -138,10 +132,8 @@ void PickWorld::refresh(bool force) {
         e.stamp = gc.stamp;
         stale.push_back(&e);
     }
-    double T3 = nowUs();
     render::parallelFor(threads, static_cast<int>(stale.size()), [&](int i) { pack(*stale[static_cast<size_t>(i)]); });
-    double T4 = nowUs();
-    // Members come and go on this thread (they live in the one top scene).
+    // Members come and go on this thread only; their scenes are built in parallel below.
     for (Entry* e : stale) {
         if (e->corners.empty() && e->member != kNoMember) {
             scene.remove(e->member);
@@ -165,10 +157,7 @@ void PickWorld::refresh(bool force) {
         e.points = {};
         e.corners = {};
     });
-    double T5 = nowUs();
     scene.commit();
-    double T6 = nowUs();
-    if (getenv("PICK_T")) fprintf(stderr, "prune %.1f update %.1f stale %.1f pack %.1f set %.1f commit %.1f (stale %zu)\n", T1-T0, T2-T1, T3-T2, T4-T3, T5-T4, T6-T5, stale.size());
     generation = w.generation;
 }
 
