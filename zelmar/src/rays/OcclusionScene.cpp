@@ -70,6 +70,10 @@ const std::vector<uint32_t>& OcclusionScene::corners() const {
     return impl_->corners;
 }
 
+const std::vector<int32_t>& OcclusionScene::owners() const {
+    return impl_->owner;
+}
+
 void OcclusionScene::build(const Triangles& t) {
     Impl& m = *impl_;
     m.release();
@@ -116,8 +120,10 @@ void OcclusionScene::build(const Triangles& t) {
     rtcCommitScene(m.scene);
 }
 
-ShadowRay OcclusionScene::makeRay(const double org[3], const double dir[3], double tNear, double tFar) const {
+ShadowRay OcclusionScene::makeRay(const double org[3], const double dir[3], double tNear, double tFar,
+                                  int32_t ignore) const {
     ShadowRay r;
+    r.ignore = ignore;
     for (int k = 0; k < 3; ++k) {
         r.org[k] = static_cast<float>(org[k] - impl_->centre[k]);
         r.dir[k] = static_cast<float>(dir[k]);
@@ -127,11 +133,11 @@ ShadowRay OcclusionScene::makeRay(const double org[3], const double dir[3], doub
     return r;
 }
 
-bool OcclusionScene::occluded(const ShadowRay& s, int32_t ignore) const {
+bool OcclusionScene::occluded(const ShadowRay& s) const {
     if (!impl_->scene) return false;
     Context c;
     rtcInitIntersectContext(&c.base);
-    c.ignore = ignore;
+    c.ignore = s.ignore;
     RTCRay r;
     r.org_x = s.org[0], r.org_y = s.org[1], r.org_z = s.org[2];
     r.dir_x = s.dir[0], r.dir_y = s.dir[1], r.dir_z = s.dir[2];

@@ -16,11 +16,13 @@ struct Triangles {
     std::vector<int32_t> owner;    // one per triangle
 };
 
-// A ray as the kernel sees it: origin relative to the scene's centre, single precision.
+// A ray as the kernel sees it: origin relative to the scene's centre, single precision;
+// it passes through the triangles owned by `ignore`.
 struct ShadowRay {
     float org[3];
     float dir[3];
     float tNear, tFar;
+    int32_t ignore;
 };
 
 class OcclusionScene {
@@ -39,14 +41,15 @@ class OcclusionScene {
     double extent() const;
 
     // The ray org + t dir for t in [tNear, tFar] (tFar may be infinite).
-    ShadowRay makeRay(const double org[3], const double dir[3], double tNear, double tFar) const;
-    // True when the ray meets a triangle whose owner is not `ignore`.
-    bool occluded(const ShadowRay& r, int32_t ignore) const;
+    ShadowRay makeRay(const double org[3], const double dir[3], double tNear, double tFar, int32_t ignore) const;
+    // True when the ray meets a triangle whose owner is not the ray's `ignore`.
+    bool occluded(const ShadowRay& r) const;
 
     // What the kernel holds, for benchmarks that time it without the engine around it:
     // points relative to the centre (padded by one float) and corner triples.
     const std::vector<float>& points() const;
     const std::vector<uint32_t>& corners() const;
+    const std::vector<int32_t>& owners() const;
 
   private:
     struct Impl;

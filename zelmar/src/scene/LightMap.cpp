@@ -18,52 +18,58 @@ bool lights(const Light& l, const Polygon& p) {
     return !t || !t->father || (p.group && world().inSubtree(*p.group, *t)); // a dead target or the root: all
 }
 
-// Light per channel (1.0 = the light's full colour) reaching point q of the job's polygon.
+// Light per channel (1.0 = the light's full colour) from one light at point q of the job's polygon.
+void addLight(const Bake& bake, const Job& job, const LightSnap& l, V3 q, Result& r, double out[3]) {
+    V3 toLight;
+    double dist = 0;
+    if (l.directional) {
+        toLight = l.toLight;
+    } else {
+        const V3 d = l.location - q;
+        dist = length(d);
+        toLight = dist > 0 ? d * (1.0 / dist) : job.n;
+    }
+    double atten = 1;
+    if (l.reach > 0) {
+        const double f = std::max(0.0, 1 - dist / l.reach);
+        atten = l.square ? f * f : f;
+    }
+    if (atten <= 0) return;
+    double cosine = dot(job.n, toLight);
+    if (job.twoSided) cosine = std::fabs(cosine);
+    double diffuse = l.diffuse * std::max(0.0, cosine);
+    if (diffuse > 0 && l.shadows && bake.occluders) {
+        // Start just off the surface on the lit side, and let the ray pass through the
+        // polygon's own triangles.
+        const V3 side = dot(job.n, toLight) >= 0 ? job.n : -job.n;
+        const V3 from = q + side * job.offset;
+        double org[3], dir[3];
+        from.store(org);
+        rays::ShadowRay ray;
+        if (l.directional) {
+            toLight.store(dir);
+            ray = bake.occluders->makeRay(org, dir, 0, std::numeric_limits<double>::infinity(), job.polygon);
+        } else {
+            (l.location - from).store(dir);
+            ray = bake.occluders->makeRay(org, dir, 0, 1 - 1e-6, job.polygon); // up to the light, not beyond
+        }
+        ++r.rays;
+        if (bake.record) r.recorded.push_back(ray);
+        if (bake.occluders->occluded(ray)) diffuse = 0;
+    }
+    const double f = (l.ambient + diffuse) * atten;
+    for (int c = 0; c < 3; ++c)
+        out[c] += l.color[c] * f;
+}
+
 void lightAt(const Bake& bake, const Job& job, V3 q, Result& r, double out[3]) {
     out[0] = out[1] = out[2] = 0;
-    for (const uint32_t index : job.lights) {
-        const LightSnap& l = bake.lights[index];
-        V3 toLight;
-        double dist = 0;
-        if (l.directional) {
-            toLight = l.toLight;
-        } else {
-            const V3 d = l.location - q;
-            dist = length(d);
-            toLight = dist > 0 ? d * (1.0 / dist) : job.n;
-        }
-        double atten = 1;
-        if (l.reach > 0) {
-            const double f = std::max(0.0, 1 - dist / l.reach);
-            atten = l.square ? f * f : f;
-        }
-        if (atten <= 0) continue;
-        double cosine = dot(job.n, toLight);
-        if (job.twoSided) cosine = std::fabs(cosine);
-        double diffuse = l.diffuse * std::max(0.0, cosine);
-        if (diffuse > 0 && l.shadows && bake.occluders) {
-            // Start just off the surface on the lit side, and let the ray pass through the
-            // polygon's own triangles.
-            const V3 side = dot(job.n, toLight) >= 0 ? job.n : -job.n;
-            const V3 from = q + side * job.offset;
-            double org[3], dir[3];
-            from.store(org);
-            rays::ShadowRay ray;
-            if (l.directional) {
-                toLight.store(dir);
-                ray = bake.occluders->makeRay(org, dir, 0, std::numeric_limits<double>::infinity());
-            } else {
-                (l.location - from).store(dir);
-                ray = bake.occluders->makeRay(org, dir, 0, 1 - 1e-6); // up to the light, not beyond
-            }
-            ++r.rays;
-            if (bake.record) r.recorded.push_back(ray);
-            if (bake.occluders->occluded(ray, job.polygon)) diffuse = 0;
-        }
-        const double f = (l.ambient + diffuse) * atten;
-        for (int c = 0; c < 3; ++c)
-            out[c] += l.color[c] * f;
-    }
+    if (bake.targeted)
+        for (const uint32_t index : job.lights)
+            addLight(bake, job, bake.lights[index], q, r, out);
+    else
+        for (const LightSnap& l : bake.lights)
+            addLight(bake, job, l, q, r, out);
 }
 } // namespace
 
@@ -89,6 +95,8 @@ Bake makeBake(const LightMapParams& params, bool record) {
         }
         s.shadows = params.rayTracing || l->rayTracing;
         b.lights.push_back(s);
+        const Group* t = world().group(l->entityToLight);
+        b.targeted = b.targeted || (t && t->father);
     }
     if (shadows) b.occluders = &worldOccluders();
     return b;
@@ -127,9 +135,9 @@ void prepare(const Bake& bake, const Polygon& p, Job& job) {
     // Off the surface by more than the kernel's single precision blurs it.
     const double size = std::max(ringSize(p), 1e-9);
     job.offset = std::max(1e-6 * size, bake.occluders ? 1e-5 * bake.occluders->extent() : 0.0);
-    const auto& all = world().list<Light>();
+    if (!bake.targeted) return;
     uint32_t index = 0;
-    for (const Light* l : all) {
+    for (const Light* l : world().list<Light>()) {
         if (l->disabled) continue;
         if (lights(*l, p)) job.lights.push_back(index);
         ++index;
@@ -140,7 +148,8 @@ void compute(const Bake& bake, const Job& job, Result& out) {
     const int width = job.width, height = job.height;
     // Texel centres sit on the polygon's box with the outer texels on its edges, so that
     // the second uv of the corners meet texel centres and filtering never wraps around.
-    std::vector<double> light(static_cast<size_t>(width) * height * 3);
+    thread_local std::vector<double> light, soft; // scratch, kept between polygons
+    light.assign(static_cast<size_t>(width) * height * 3, 0.0);
     for (int j = 0; j < height; ++j)
         for (int i = 0; i < width; ++i) {
             const double fs = width > 1 ? static_cast<double>(i) / (width - 1) : 0.5;
@@ -150,7 +159,7 @@ void compute(const Bake& bake, const Job& job, Result& out) {
             lightAt(bake, job, q, out, &light[(static_cast<size_t>(j) * width + i) * 3]);
         }
     if (bake.params.mode == 2) {
-        std::vector<double> soft(light.size());
+        soft.resize(light.size());
         for (int j = 0; j < height; ++j)
             for (int i = 0; i < width; ++i)
                 for (int c = 0; c < 3; ++c) {
@@ -170,7 +179,7 @@ void compute(const Bake& bake, const Job& job, Result& out) {
     out.rgba.resize(static_cast<size_t>(width) * height * 4);
     for (size_t k = 0; k < static_cast<size_t>(width) * height; ++k) {
         for (int c = 0; c < 3; ++c)
-            out.rgba[k * 4 + c] = static_cast<uint8_t>(std::clamp(std::lround(128.0 * light[k * 3 + c]), 0L, 255L));
+            out.rgba[k * 4 + c] = static_cast<uint8_t>(std::min(std::floor(128.0 * light[k * 3 + c] + 0.5), 255.0));
         out.rgba[k * 4 + 3] = 255;
     }
 }
@@ -200,14 +209,14 @@ void BitmapUses::replaced(Handle old, Handle now, const Polygon& p) {
     uses_[now] = 1;
 }
 
-Handle apply(Polygon& p, const Job& job, Result&& r, BitmapUses& uses) {
+Handle apply(Polygon& p, const Job& job, Result&& r, BitmapUses& uses, std::vector<Bitmap*>& doomed) {
     World& w = world();
     // Replace this polygon's earlier light map, if it made one and nothing else uses it.
     const std::string name = "lightmap_" + std::to_string(p.handle);
     const Handle old = p.fill.secondBitmap;
     bool destroyed = false;
     if (Bitmap* b = w.bitmap(old); b && b->name == name && b->path.empty() && !uses.usedElsewhere(old, p)) {
-        w.destroyBitmap(*b);
+        doomed.push_back(b);
         destroyed = true;
     }
     Bitmap* b = w.createBitmap(name);

@@ -47,6 +47,8 @@ BakeStats bakeLightMaps(const std::vector<Handle>& polygons, const LightMapParam
         if (const Polygon* p = w.polygon(polygons[static_cast<size_t>(i)])) prepare(bake, *p, jobs[static_cast<size_t>(i)]);
     });
     BitmapUses uses(polygons);
+    w.reserveHandles(polygons.size()); // one handle per new light map, without regrowing the table
+    std::vector<Bitmap*> doomed; // replaced light maps, destroyed together at the end
 
     std::vector<Result> results(polygons.size());
     std::unique_ptr<std::atomic<bool>[]> ready(new std::atomic<bool>[polygons.size() + 1]);
@@ -91,7 +93,7 @@ BakeStats bakeLightMaps(const std::vector<Handle>& polygons, const LightMapParam
         if (options.record) options.record->insert(options.record->end(), r.recorded.begin(), r.recorded.end());
         // The polygon is looked up again: the progress callback may have deleted it.
         if (Polygon* p = w.polygon(job.polygon); p && job.valid) {
-            stats.lastBitmap = apply(*p, job, std::move(r), uses);
+            stats.lastBitmap = apply(*p, job, std::move(r), uses, doomed);
             ++stats.made;
         }
         r = Result{};
@@ -104,6 +106,7 @@ BakeStats bakeLightMaps(const std::vector<Handle>& polygons, const LightMapParam
     stop.store(true);
     for (std::thread& t : workers)
         t.join();
+    w.destroyBitmaps(doomed);
     // Light maps change no geometry: the shadow casters stay right for the next bake.
     if (bake.occluders) occludersStillValid();
     return stats;

@@ -25,6 +25,7 @@ struct Bake {
     LightMapParams params;
     std::vector<LightSnap> lights;
     const rays::OcclusionScene* occluders = nullptr; // null: no light casts shadows
+    bool targeted = false; // some light lights one group's subtree only
     bool record = false;
 };
 
@@ -37,7 +38,7 @@ struct Job {
     double s0 = 0, s1 = 0, t0 = 0, t1 = 0;
     int width = 0, height = 0;
     double offset = 0;           // shadow rays start this far off the surface
-    std::vector<uint32_t> lights; // indices into Bake::lights that reach this polygon
+    std::vector<uint32_t> lights; // indices into Bake::lights that reach this polygon, when Bake::targeted
 };
 
 struct Result {
@@ -65,7 +66,8 @@ class BitmapUses {
     std::unordered_map<Handle, int> uses_;
 };
 
-// Puts the light map on the polygon (replacing its own earlier one) and answers its handle.
-Handle apply(Polygon& p, const Job& job, Result&& r, BitmapUses& uses);
+// Puts the light map on the polygon and answers its handle. The polygon's own earlier light
+// map, if nothing else uses it, joins `doomed`, to be destroyed with the others at the end.
+Handle apply(Polygon& p, const Job& job, Result&& r, BitmapUses& uses, std::vector<Bitmap*>& doomed);
 
 } // namespace zelmar::lightmap
