@@ -97,8 +97,8 @@ BakeScene bunnyOnGround(const std::string& objFile) {
         s.polygons.push_back(h);
     }
     const int floor = ZELMAR_group_create("ground");
-    const std::vector<int> tiles = ground(floor, 16, 40);
-    s.polygons.insert(s.polygons.begin(), tiles.begin(), tiles.end());
+    s.receivers = ground(floor, 16, 40);
+    s.polygons.insert(s.polygons.begin(), s.receivers.begin(), s.receivers.end());
     sun(-0.5, 0.4, -0.6);
     s.name = "bunny on a ground plane";
     s.triangles = static_cast<long>(faces.size() / 3) + 2 * 256;
@@ -111,7 +111,8 @@ BakeScene bunnyOnGround(const std::string& objFile) {
 BakeScene boxesOnGround() {
     BakeScene s;
     const int floor = ZELMAR_group_create("ground");
-    s.polygons = ground(floor, 100, 1000);
+    s.receivers = ground(floor, 100, 1000);
+    s.polygons = s.receivers;
     const int town = ZELMAR_group_create("boxes");
     // 6,667 boxes on a jittered grid, 4 to 12 units wide and 5 to 40 tall.
     unsigned seed = 12345;
@@ -150,7 +151,8 @@ BakeScene terrain() {
     addTerrainQuads(g, static_cast<long>(n) * n, 1000.0, [&](int p, int, int) { all.push_back(p); });
     for (int j = 450; j < 550; ++j)
         for (int i = 450; i < 550; ++i)
-            s.polygons.push_back(all[static_cast<size_t>(j) * n + i]);
+            s.receivers.push_back(all[static_cast<size_t>(j) * n + i]);
+    s.polygons = s.receivers;
     sun(-0.8, 0.3, -0.25); // low: the hills shade each other
     s.name = "2,000,000-triangle terrain";
     s.triangles = 2L * n * n;

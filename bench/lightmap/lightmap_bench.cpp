@@ -1,7 +1,7 @@
 // Light-map bakes: shadow rays per second per core inside the bake, next to the ray kernel
 // alone on the same rays in the same run, with 1 and 2 threads; and the bake of the sample
 // world at the light-map dialog's default settings.
-//   lightmap_bench [--scene bunny|boxes|terrain|sample|all] [--repeat N] [--threads 1,2]
+//   lightmap_bench [--scene bunny|boxes|terrain|sample|all] [--repeat N] [--threads 1,2] [--whole 0|1]
 // Every bake's light maps are checked to be the same for each thread count.
 #include "BakeScenes.h"
 #include "BenchClock.h"
@@ -80,22 +80,47 @@ struct Raw {
         rtcReleaseScene(scene);
         rtcReleaseDevice(device);
     }
-    // Answers how many rays were blocked.
-    size_t cast(const std::vector<rays::ShadowRay>& rs, int threads) const {
+    // Answers how many rays were blocked. Packets: eight at a time, as the bake groups them
+    // (consecutive rays of one polygon); else one by one.
+    size_t cast(const std::vector<rays::ShadowRay>& rs, int threads, bool packets) const {
         std::atomic<size_t> blocked{0};
         auto run = [&](size_t begin, size_t end) {
             RawContext c;
             rtcInitIntersectContext(&c.base);
             size_t n = 0;
-            for (size_t i = begin; i < end; ++i) {
-                const rays::ShadowRay& s = rs[i];
-                c.ignore = s.ignore;
-                RTCRay r;
-                r.org_x = s.org[0], r.org_y = s.org[1], r.org_z = s.org[2];
-                r.dir_x = s.dir[0], r.dir_y = s.dir[1], r.dir_z = s.dir[2];
-                r.tnear = s.tNear, r.tfar = s.tFar, r.time = 0, r.mask = 0xFFFFFFFFu, r.id = 0, r.flags = 0;
-                rtcOccluded1(scene, &c.base, &r);
-                n += r.tfar < 0;
+            if (!packets) {
+                for (size_t i = begin; i < end; ++i) {
+                    const rays::ShadowRay& s = rs[i];
+                    c.ignore = s.ignore;
+                    RTCRay r;
+                    r.org_x = s.org[0], r.org_y = s.org[1], r.org_z = s.org[2];
+                    r.dir_x = s.dir[0], r.dir_y = s.dir[1], r.dir_z = s.dir[2];
+                    r.tnear = s.tNear, r.tfar = s.tFar, r.time = 0, r.mask = 0xFFFFFFFFu, r.id = 0, r.flags = 0;
+                    rtcOccluded1(scene, &c.base, &r);
+                    n += r.tfar < 0;
+                }
+            } else {
+                c.base.flags = RTC_INTERSECT_CONTEXT_FLAG_COHERENT;
+                for (size_t i = begin; i < end;) {
+                    size_t count = 1;
+                    while (count < 8 && i + count < end && rs[i + count].ignore == rs[i].ignore)
+                        ++count;
+                    c.ignore = rs[i].ignore;
+                    alignas(32) int valid[8];
+                    alignas(32) RTCRay8 r;
+                    for (size_t k = 0; k < 8; ++k) {
+                        const rays::ShadowRay& s = rs[i + std::min(k, count - 1)];
+                        valid[k] = k < count ? -1 : 0;
+                        r.org_x[k] = s.org[0], r.org_y[k] = s.org[1], r.org_z[k] = s.org[2];
+                        r.dir_x[k] = s.dir[0], r.dir_y[k] = s.dir[1], r.dir_z[k] = s.dir[2];
+                        r.tnear[k] = s.tNear, r.tfar[k] = s.tFar, r.time[k] = 0, r.mask[k] = 0xFFFFFFFFu;
+                        r.id[k] = 0, r.flags[k] = 0;
+                    }
+                    rtcOccluded8(valid, scene, &c.base, &r);
+                    for (size_t k = 0; k < count; ++k)
+                        n += r.tfar[k] < 0;
+                    i += count;
+                }
             }
             blocked += n;
         };
@@ -122,52 +147,99 @@ std::vector<int> parseThreads(const std::string& s) {
     return out;
 }
 
+struct Timed {
+    double wallMs = 0, cpuMs = 0;
+};
+
+template <class F> Timed timed(F&& f) {
+    const double w0 = bench::wallMs(), c0 = bench::processCpuMs();
+    f();
+    return {bench::wallMs() - w0, bench::processCpuMs() - c0};
+}
+
+// Medians of the runs' wall and processor times.
+Timed medianOf(const std::vector<Timed>& runs) {
+    std::vector<double> w, c;
+    for (const Timed& t : runs)
+        w.push_back(t.wallMs), c.push_back(t.cpuMs);
+    return {bench::median(w), bench::median(c)};
+}
+
+// Rays per second per core: by processor time (what the work costs, whatever else runs on
+// the machine) and by wall time over the threads.
+void printRates(const char* what, int threads, uint64_t rays, const Timed& t) {
+    std::printf("  %-22s %d thread%s: %8.1f ms wall, %8.1f ms cpu; per core %6.2f M rays/s (cpu), %6.2f M rays/s (wall)\n",
+                what, threads, threads == 1 ? " " : "s", t.wallMs, t.cpuMs, rays / (t.cpuMs / 1000) / 1e6,
+                rays / (t.wallMs / 1000) / threads / 1e6);
+}
+
+LightMapParams paramsOf(const bench::BakeScene& s) {
+    LightMapParams p;
+    p.maxSize = s.maxSize;
+    p.minSize = s.minSize;
+    p.samplingRate = s.samplingRate;
+    p.rayTracing = true;
+    p.mode = 1;
+    return p;
+}
+
+bool g_whole = true; // --whole 0 skips the bake of every polygon
+
 void rayScene(const bench::BakeScene& s, int repeat, const std::vector<int>& threadCounts) {
     if (s.name.empty()) {
         std::printf("(scene missing)\n");
         return;
     }
-    LightMapParams params;
-    params.maxSize = s.maxSize;
-    params.minSize = s.minSize;
-    params.samplingRate = s.samplingRate;
-    params.rayTracing = true;
-    params.mode = 1;
-    double t0 = bench::wallMs();
+    const LightMapParams params = paramsOf(s);
+    const double t0 = bench::wallMs();
     const rays::OcclusionScene& occ = worldOccluders();
-    const double buildMs = bench::wallMs() - t0;
-    std::printf("\n%s: %ld triangles, %zu polygons baked; occluders built in %.0f ms\n", s.name.c_str(), s.triangles,
-                s.polygons.size(), buildMs);
+    std::printf("\n%s: %ld triangles; shadow casters built in %.0f ms\n", s.name.c_str(), s.triangles,
+                bench::wallMs() - t0);
 
     std::vector<rays::ShadowRay> recorded;
     BakeOptions rec;
     rec.threads = 2;
     rec.record = &recorded;
-    bakeLightMaps(s.polygons, params, rec);
+    bakeLightMaps(s.receivers, params, rec);
     const Raw raw(occ);
-    std::printf("%zu shadow rays per bake\n", recorded.size());
-    std::printf("threads | bake ms | bake rays/s/core | kernel alone ms | kernel rays/s/core | ratio | maps\n");
+    std::printf("receivers: %zu polygons, %zu shadow rays per bake (each bake and the kernel alone, alternating, "
+                "median of %d)\n",
+                s.receivers.size(), recorded.size(), repeat);
     uint64_t firstSum = 0;
     for (const int threads : threadCounts) {
-        std::vector<double> bakeMs, rawMs;
+        std::vector<Timed> bakes, kernel, kernel8;
         uint64_t rays = 0, sum = 0;
         for (int r = 0; r < repeat; ++r) {
             BakeOptions o;
             o.threads = threads;
-            t0 = bench::wallMs();
-            const BakeStats st = bakeLightMaps(s.polygons, params, o);
-            bakeMs.push_back(bench::wallMs() - t0);
-            rays = st.shadowRays;
-            sum = checksum(s.polygons);
-            t0 = bench::wallMs();
-            raw.cast(recorded, threads);
-            rawMs.push_back(bench::wallMs() - t0);
+            bakes.push_back(timed([&] { rays = bakeLightMaps(s.receivers, params, o).shadowRays; }));
+            sum = checksum(s.receivers);
+            kernel.push_back(timed([&] { raw.cast(recorded, threads, false); }));
+            kernel8.push_back(timed([&] { raw.cast(recorded, threads, true); }));
         }
         if (!firstSum) firstSum = sum;
-        const double b = bench::median(bakeMs), k = bench::median(rawMs);
-        const double bakeRate = rays / (b / 1000) / threads, rawRate = recorded.size() / (k / 1000) / threads;
-        std::printf("%7d | %7.1f | %16.3g | %15.1f | %18.3g | %5.2f | %s\n", threads, b, bakeRate, k, rawRate,
-                    bakeRate / rawRate, sum == firstSum ? "same" : "DIFFERENT");
+        const Timed b = medianOf(bakes), k = medianOf(kernel), k8 = medianOf(kernel8);
+        printRates("bake", threads, rays, b);
+        printRates("kernel, one by one", threads, recorded.size(), k);
+        printRates("kernel, eight at once", threads, recorded.size(), k8);
+        const double n = static_cast<double>(recorded.size());
+        std::printf("  ratio bake / kernel: %.2f (cpu), %.2f (wall) against one by one; %.2f (cpu), %.2f (wall) "
+                    "against eight at once; light maps %s\n",
+                    (rays / b.cpuMs) / (n / k.cpuMs), (rays / b.wallMs) / (n / k.wallMs), (rays / b.cpuMs) / (n / k8.cpuMs),
+                    (rays / b.wallMs) / (n / k8.wallMs),
+                    sum == firstSum ? "the same as with the first thread count" : "DIFFERENT");
+    }
+    if (!g_whole || s.polygons.size() == s.receivers.size()) return;
+    std::printf("every polygon: %zu polygons\n", s.polygons.size());
+    for (const int threads : threadCounts) {
+        std::vector<Timed> bakes;
+        uint64_t rays = 0;
+        for (int r = 0; r < repeat; ++r) {
+            BakeOptions o;
+            o.threads = threads;
+            bakes.push_back(timed([&] { rays = bakeLightMaps(s.polygons, params, o).shadowRays; }));
+        }
+        printRates("whole bake", threads, rays, medianOf(bakes));
     }
 }
 
@@ -225,6 +297,8 @@ int main(int argc, char** argv) {
             repeat = std::max(1, std::atoi(argv[i + 1]));
         else if (a == "--threads")
             threads = parseThreads(argv[i + 1]);
+        else if (a == "--whole")
+            g_whole = std::atoi(argv[i + 1]) != 0;
     }
     if (scene == "all" || scene == "bunny") {
         ZELMAR_engine_close();

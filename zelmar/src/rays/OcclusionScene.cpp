@@ -13,7 +13,6 @@ struct OcclusionScene::Impl {
     std::vector<float> points; // shared with the kernel: padded so that it may read 16 bytes at the last point
     std::vector<uint32_t> corners;
     std::vector<int32_t> owner;
-    double centre[3] = {0, 0, 0};
     double extent = 0;
 
     void release() {
@@ -85,7 +84,7 @@ void OcclusionScene::build(const Triangles& t) {
             hi[k] = std::max(hi[k], t.xyz[i * 3 + k]);
         }
     for (int k = 0; k < 3; ++k) {
-        m.centre[k] = pointCount ? 0.5 * (lo[k] + hi[k]) : 0.0;
+        centre_[k] = pointCount ? 0.5 * (lo[k] + hi[k]) : 0.0;
         if (pointCount) m.extent = std::max(m.extent, 0.5 * (hi[k] - lo[k]));
     }
     const size_t triCount = std::min(t.corners.size() / 3, t.owner.size());
@@ -101,7 +100,7 @@ void OcclusionScene::build(const Triangles& t) {
     if (!dev || m.owner.empty()) return;
     m.points.resize(pointCount * 3 + 1);
     for (size_t i = 0; i < pointCount * 3; ++i)
-        m.points[i] = static_cast<float>(t.xyz[i] - m.centre[i % 3]);
+        m.points[i] = static_cast<float>(t.xyz[i] - centre_[i % 3]);
 
     m.scene = rtcNewScene(dev);
     // Robust: no rays slip through the shared edge of two triangles.
@@ -120,19 +119,6 @@ void OcclusionScene::build(const Triangles& t) {
     rtcCommitScene(m.scene);
 }
 
-ShadowRay OcclusionScene::makeRay(const double org[3], const double dir[3], double tNear, double tFar,
-                                  int32_t ignore) const {
-    ShadowRay r;
-    r.ignore = ignore;
-    for (int k = 0; k < 3; ++k) {
-        r.org[k] = static_cast<float>(org[k] - impl_->centre[k]);
-        r.dir[k] = static_cast<float>(dir[k]);
-    }
-    r.tNear = static_cast<float>(tNear);
-    r.tFar = std::isfinite(tFar) ? static_cast<float>(tFar) : std::numeric_limits<float>::infinity();
-    return r;
-}
-
 bool OcclusionScene::occluded(const ShadowRay& s) const {
     if (!impl_->scene) return false;
     Context c;
@@ -149,6 +135,81 @@ bool OcclusionScene::occluded(const ShadowRay& s) const {
     r.flags = 0;
     rtcOccluded1(impl_->scene, &c.base, &r);
     return r.tfar < 0; // the kernel sets -inf on a hit
+}
+
+void OcclusionScene::occluded(const ShadowRay* rs, size_t n, uint8_t* blocked) const {
+    if (!impl_->scene || n == 0) {
+        std::fill(blocked, blocked + n, 0);
+        return;
+    }
+    Context c;
+    rtcInitIntersectContext(&c.base);
+    c.base.flags = RTC_INTERSECT_CONTEXT_FLAG_COHERENT;
+    c.ignore = rs[0].ignore;
+    for (size_t at = 0; at < n; at += 8) {
+        const size_t count = std::min<size_t>(8, n - at);
+        if (count == 1) {
+            blocked[at] = occluded(rs[at]) ? 1 : 0;
+            continue;
+        }
+        alignas(32) int valid[8];
+        alignas(32) RTCRay8 r;
+        for (size_t i = 0; i < 8; ++i) {
+            const ShadowRay& s = rs[at + std::min(i, count - 1)];
+            valid[i] = i < count ? -1 : 0;
+            r.org_x[i] = s.org[0], r.org_y[i] = s.org[1], r.org_z[i] = s.org[2];
+            r.dir_x[i] = s.dir[0], r.dir_y[i] = s.dir[1], r.dir_z[i] = s.dir[2];
+            r.tnear[i] = s.tNear, r.tfar[i] = s.tFar;
+            r.time[i] = 0, r.mask[i] = 0xFFFFFFFFu, r.id[i] = 0, r.flags[i] = 0;
+        }
+        rtcOccluded8(valid, impl_->scene, &c.base, &r);
+        for (size_t i = 0; i < count; ++i)
+            blocked[at + i] = r.tfar[i] < 0 ? 1 : 0;
+    }
+}
+
+void OcclusionScene::occluded(const GridRays& g, uint8_t* blocked, std::vector<ShadowRay>* record) const {
+    const size_t n = static_cast<size_t>(g.width) * static_cast<size_t>(std::max(g.height, 0));
+    if (!impl_->scene || g.width <= 0) {
+        std::fill(blocked, blocked + n, 0);
+        return;
+    }
+    Context c;
+    rtcInitIntersectContext(&c.base);
+    c.base.flags = RTC_INTERSECT_CONTEXT_FLAG_COHERENT;
+    c.ignore = g.ignore;
+    const float dir[3] = {static_cast<float>(g.dir[0]), static_cast<float>(g.dir[1]), static_cast<float>(g.dir[2])};
+    const float inf = std::numeric_limits<float>::infinity();
+    alignas(32) int valid[8];
+    alignas(32) RTCRay8 r;
+    for (int i = 0; i < 8; ++i) {
+        r.dir_x[i] = dir[0], r.dir_y[i] = dir[1], r.dir_z[i] = dir[2];
+        r.time[i] = 0, r.mask[i] = 0xFFFFFFFFu, r.id[i] = 0, r.flags[i] = 0;
+    }
+    for (int j = 0; j < g.height; ++j) {
+        double row[3];
+        for (int k = 0; k < 3; ++k)
+            row[k] = g.corner[k] - centre_[k] + g.across[k] * j;
+        for (int i0 = 0; i0 < g.width; i0 += 8) {
+            const int count = std::min(8, g.width - i0);
+            for (int l = 0; l < 8; ++l) {
+                const int i = i0 + std::min(l, count - 1);
+                valid[l] = l < count ? -1 : 0;
+                r.org_x[l] = static_cast<float>(row[0] + g.along[0] * i);
+                r.org_y[l] = static_cast<float>(row[1] + g.along[1] * i);
+                r.org_z[l] = static_cast<float>(row[2] + g.along[2] * i);
+                r.tnear[l] = 0;
+                r.tfar[l] = inf;
+            }
+            if (record)
+                for (int l = 0; l < count; ++l)
+                    record->push_back({{r.org_x[l], r.org_y[l], r.org_z[l]}, {dir[0], dir[1], dir[2]}, 0, inf, g.ignore});
+            rtcOccluded8(valid, impl_->scene, &c.base, &r);
+            uint8_t* out = blocked + static_cast<size_t>(j) * g.width + i0;
+            for (int l = 0; l < count; ++l)
+                out[l] = r.tfar[l] < 0 ? 1 : 0;
+        }
+    }
 }
 
 } // namespace zelmar::rays

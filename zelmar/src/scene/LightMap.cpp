@@ -18,59 +18,120 @@ bool lights(const Light& l, const Polygon& p) {
     return !t || !t->father || (p.group && world().inSubtree(*p.group, *t)); // a dead target or the root: all
 }
 
-// Light per channel (1.0 = the light's full colour) from one light at point q of the job's polygon.
-void addLight(const Bake& bake, const Job& job, const LightSnap& l, V3 q, Result& r, double out[3]) {
-    V3 toLight;
-    double dist = 0;
-    if (l.directional) {
-        toLight = l.toLight;
-    } else {
-        const V3 d = l.location - q;
-        dist = length(d);
-        toLight = dist > 0 ? d * (1.0 / dist) : job.n;
-    }
-    double atten = 1;
-    if (l.reach > 0) {
-        const double f = std::max(0.0, 1 - dist / l.reach);
-        atten = l.square ? f * f : f;
-    }
-    if (atten <= 0) return;
-    double cosine = dot(job.n, toLight);
-    if (job.twoSided) cosine = std::fabs(cosine);
-    double diffuse = l.diffuse * std::max(0.0, cosine);
-    if (diffuse > 0 && l.shadows && bake.occluders) {
-        // Start just off the surface on the lit side, and let the ray pass through the
-        // polygon's own triangles.
-        const V3 side = dot(job.n, toLight) >= 0 ? job.n : -job.n;
-        const V3 from = q + side * job.offset;
-        double org[3], dir[3];
-        from.store(org);
-        rays::ShadowRay ray;
-        if (l.directional) {
-            toLight.store(dir);
-            ray = bake.occluders->makeRay(org, dir, 0, std::numeric_limits<double>::infinity(), job.polygon);
-        } else {
-            (l.location - from).store(dir);
-            ray = bake.occluders->makeRay(org, dir, 0, 1 - 1e-6, job.polygon); // up to the light, not beyond
-        }
-        ++r.rays;
-        if (bake.record) r.recorded.push_back(ray);
-        if (bake.occluders->occluded(ray)) diffuse = 0;
-    }
-    const double f = (l.ambient + diffuse) * atten;
-    for (int c = 0; c < 3; ++c)
-        out[c] += l.color[c] * f;
+// Where texel (i, j) of the job's polygon lies.
+V3 texelPoint(const Job& job, int i, int j) {
+    const double fs = job.width > 1 ? static_cast<double>(i) / (job.width - 1) : 0.5;
+    const double ft = job.height > 1 ? static_cast<double>(j) / (job.height - 1) : 0.5;
+    return job.origin + job.u * (job.s0 + fs * (job.s1 - job.s0)) + job.v * (job.t0 + ft * (job.t1 - job.t0));
 }
 
-void lightAt(const Bake& bake, const Job& job, V3 q, Result& r, double out[3]) {
-    out[0] = out[1] = out[2] = 0;
-    if (bake.targeted)
-        for (const uint32_t index : job.lights)
-            addLight(bake, job, bake.lights[index], q, r, out);
-    else
-        for (const LightSnap& l : bake.lights)
-            addLight(bake, job, l, q, r, out);
+// Adds one light's contribution (1.0 = the light's full colour) to every texel. Shadow rays
+// are gathered for the whole polygon and traced together.
+void addLight(const Bake& bake, const Job& job, const LightSnap& l, Result& r, std::vector<double>& light) {
+    struct Pending {
+        size_t texel;
+        double ambient, diffuse, atten;
+    };
+    thread_local std::vector<rays::ShadowRay> shadowRays;
+    thread_local std::vector<Pending> pending;
+    thread_local std::vector<uint8_t> blocked;
+    shadowRays.clear();
+    pending.clear();
+    // Texel (i, j) lies at corner + i x along + j x across.
+    const V3 corner = texelPoint(job, 0, 0);
+    const V3 along = job.width > 1 ? job.u * ((job.s1 - job.s0) / (job.width - 1)) : V3{};
+    const V3 across = job.height > 1 ? job.v * ((job.t1 - job.t0) / (job.height - 1)) : V3{};
+    const size_t texels = static_cast<size_t>(job.width) * job.height;
+    if (l.directional) {
+        // The same direction and angle at every texel: only the shadow test differs, and the
+        // rays leave from a grid, traced eight at a time. The same sums as below.
+        double cosine = dot(job.n, l.toLight);
+        if (job.twoSided) cosine = std::fabs(cosine);
+        const double diffuse = l.diffuse * std::max(0.0, cosine);
+        const double lit = l.ambient + diffuse, dark = l.ambient + 0.0;
+        if (diffuse > 0 && l.shadows && bake.occluders) {
+            rays::GridRays g;
+            const V3 side = dot(job.n, l.toLight) >= 0 ? job.n : -job.n;
+            (corner + side * job.offset).store(g.corner);
+            along.store(g.along);
+            across.store(g.across);
+            l.toLight.store(g.dir);
+            g.width = job.width;
+            g.height = job.height;
+            g.ignore = job.polygon;
+            blocked.resize(texels);
+            bake.occluders->occluded(g, blocked.data(), bake.record ? &r.recorded : nullptr);
+            r.rays += texels;
+            for (size_t t = 0; t < texels; ++t) {
+                const double f = blocked[t] ? dark : lit;
+                for (int c = 0; c < 3; ++c)
+                    light[t * 3 + c] += l.color[c] * f;
+            }
+        } else {
+            for (size_t t = 0; t < texels; ++t)
+                for (int c = 0; c < 3; ++c)
+                    light[t * 3 + c] += l.color[c] * lit;
+        }
+        return;
+    }
+    for (int j = 0; j < job.height; ++j)
+        for (int i = 0; i < job.width; ++i) {
+            const size_t texel = static_cast<size_t>(j) * job.width + i;
+            const V3 q = corner + along * i + across * j;
+            V3 toLight;
+            double dist = 0;
+            if (l.directional) {
+                toLight = l.toLight;
+            } else {
+                const V3 d = l.location - q;
+                dist = length(d);
+                toLight = dist > 0 ? d * (1.0 / dist) : job.n;
+            }
+            double atten = 1;
+            if (l.reach > 0) {
+                const double f = std::max(0.0, 1 - dist / l.reach);
+                atten = l.square ? f * f : f;
+            }
+            if (atten <= 0) continue;
+            double cosine = dot(job.n, toLight);
+            if (job.twoSided) cosine = std::fabs(cosine);
+            const double diffuse = l.diffuse * std::max(0.0, cosine);
+            if (diffuse > 0 && l.shadows && bake.occluders) {
+                // Start just off the surface on the lit side, and let the ray pass through
+                // the polygon's own triangles.
+                const V3 side = dot(job.n, toLight) >= 0 ? job.n : -job.n;
+                const V3 from = q + side * job.offset;
+                double org[3], dir[3];
+                from.store(org);
+                if (l.directional) {
+                    toLight.store(dir);
+                    shadowRays.push_back(bake.occluders->makeRay(org, dir, 0, std::numeric_limits<double>::infinity(),
+                                                                 job.polygon));
+                } else {
+                    (l.location - from).store(dir);
+                    // Up to the light, not beyond.
+                    shadowRays.push_back(bake.occluders->makeRay(org, dir, 0, 1 - 1e-6, job.polygon));
+                }
+                pending.push_back({texel, l.ambient, diffuse, atten});
+                continue;
+            }
+            const double f = (l.ambient + diffuse) * atten;
+            for (int c = 0; c < 3; ++c)
+                light[texel * 3 + c] += l.color[c] * f;
+        }
+    if (pending.empty()) return;
+    blocked.resize(pending.size());
+    bake.occluders->occluded(shadowRays.data(), shadowRays.size(), blocked.data());
+    r.rays += shadowRays.size();
+    if (bake.record) r.recorded.insert(r.recorded.end(), shadowRays.begin(), shadowRays.end());
+    for (size_t k = 0; k < pending.size(); ++k) {
+        const Pending& p = pending[k];
+        const double f = (p.ambient + (blocked[k] ? 0.0 : p.diffuse)) * p.atten;
+        for (int c = 0; c < 3; ++c)
+            light[p.texel * 3 + c] += l.color[c] * f;
+    }
 }
+
 } // namespace
 
 Bake makeBake(const LightMapParams& params, bool record) {
@@ -150,14 +211,13 @@ void compute(const Bake& bake, const Job& job, Result& out) {
     // the second uv of the corners meet texel centres and filtering never wraps around.
     thread_local std::vector<double> light, soft; // scratch, kept between polygons
     light.assign(static_cast<size_t>(width) * height * 3, 0.0);
-    for (int j = 0; j < height; ++j)
-        for (int i = 0; i < width; ++i) {
-            const double fs = width > 1 ? static_cast<double>(i) / (width - 1) : 0.5;
-            const double ft = height > 1 ? static_cast<double>(j) / (height - 1) : 0.5;
-            const V3 q = job.origin + job.u * (job.s0 + fs * (job.s1 - job.s0)) +
-                         job.v * (job.t0 + ft * (job.t1 - job.t0));
-            lightAt(bake, job, q, out, &light[(static_cast<size_t>(j) * width + i) * 3]);
-        }
+    // Light by light, in the world's order, so that each texel sums them in that order.
+    if (bake.targeted)
+        for (const uint32_t index : job.lights)
+            addLight(bake, job, bake.lights[index], out, light);
+    else
+        for (const LightSnap& l : bake.lights)
+            addLight(bake, job, l, out, light);
     if (bake.params.mode == 2) {
         soft.resize(light.size());
         for (int j = 0; j < height; ++j)
@@ -190,6 +250,7 @@ BitmapUses::BitmapUses(const std::vector<Handle>& polygons) {
         if (const Polygon* p = w.polygon(h); p && p->fill.secondBitmap) uses_.emplace(p->fill.secondBitmap, 0);
     if (uses_.empty()) return;
     for (const Polygon* q = w.firstPolygon(); q; q = q->nextInWorld) {
+        if (!q->fill.secondBitmap && !q->fill.bitmap) continue;
         auto a = uses_.find(q->fill.secondBitmap);
         if (a != uses_.end()) ++a->second;
         if (q->fill.bitmap != q->fill.secondBitmap)
