@@ -244,18 +244,23 @@ void compute(const Bake& bake, const Job& job, Result& out) {
     }
 }
 
-BitmapUses::BitmapUses(const std::vector<Handle>& polygons) {
-    World& w = world();
-    for (const Handle h : polygons)
-        if (const Polygon* p = w.polygon(h); p && p->fill.secondBitmap) uses_.emplace(p->fill.secondBitmap, 0);
-    if (uses_.empty()) return;
-    for (const Polygon* q = w.firstPolygon(); q; q = q->nextInWorld) {
-        if (!q->fill.secondBitmap && !q->fill.bitmap) continue;
-        auto a = uses_.find(q->fill.secondBitmap);
-        if (a != uses_.end()) ++a->second;
-        if (q->fill.bitmap != q->fill.secondBitmap)
-            if (auto b = uses_.find(q->fill.bitmap); b != uses_.end()) ++b->second;
+BitmapUses& BitmapUses::forBake() {
+    static BitmapUses u;
+    if (u.generation_ != world().generation) u.count();
+    return u;
+}
+
+void BitmapUses::stillValid() {
+    forBake().generation_ = world().generation;
+}
+
+void BitmapUses::count() {
+    uses_.clear();
+    for (const Polygon* q = world().firstPolygon(); q; q = q->nextInWorld) {
+        if (q->fill.secondBitmap) ++uses_[q->fill.secondBitmap];
+        if (q->fill.bitmap && q->fill.bitmap != q->fill.secondBitmap) ++uses_[q->fill.bitmap];
     }
+    generation_ = world().generation;
 }
 
 bool BitmapUses::usedElsewhere(Handle bitmap, const Polygon& p) const {
@@ -266,7 +271,7 @@ bool BitmapUses::usedElsewhere(Handle bitmap, const Polygon& p) const {
 }
 
 void BitmapUses::replaced(Handle old, Handle now, const Polygon& p) {
-    if (auto it = uses_.find(old); it != uses_.end() && p.fill.bitmap != old) --it->second;
+    if (auto it = uses_.find(old); it != uses_.end() && p.fill.bitmap != old && --it->second <= 0) uses_.erase(it);
     uses_[now] = 1;
 }
 
@@ -275,11 +280,8 @@ Handle apply(Polygon& p, const Job& job, Result&& r, BitmapUses& uses, std::vect
     // Replace this polygon's earlier light map, if it made one and nothing else uses it.
     const std::string name = "lightmap_" + std::to_string(p.handle);
     const Handle old = p.fill.secondBitmap;
-    bool destroyed = false;
-    if (Bitmap* b = w.bitmap(old); b && b->name == name && b->path.empty() && !uses.usedElsewhere(old, p)) {
+    if (Bitmap* b = w.bitmap(old); b && b->name == name && b->path.empty() && !uses.usedElsewhere(old, p))
         doomed.push_back(b);
-        destroyed = true;
-    }
     Bitmap* b = w.createBitmap(name);
     b->width = job.width;
     b->height = job.height;
@@ -292,7 +294,7 @@ Handle apply(Polygon& p, const Job& job, Result&& r, BitmapUses& uses, std::vect
         d.uv2[0] = (0.5 + fs * (job.width - 1)) / job.width;
         d.uv2[1] = (0.5 + ft * (job.height - 1)) / job.height;
     }
-    uses.replaced(destroyed ? 0 : old, b->handle, p);
+    uses.replaced(old, b->handle, p);
     p.fill.secondBitmap = b->handle;
     w.changed(p);
     return b->handle;

@@ -46,7 +46,7 @@ BakeStats bakeLightMaps(const std::vector<Handle>& polygons, const LightMapParam
     render::parallelFor(threads, total, [&](int i) {
         if (const Polygon* p = w.polygon(polygons[static_cast<size_t>(i)])) prepare(bake, *p, jobs[static_cast<size_t>(i)]);
     });
-    BitmapUses uses(polygons);
+    BitmapUses& uses = BitmapUses::forBake();
     w.reserveHandles(polygons.size()); // one handle per new light map, without regrowing the table
     std::vector<Bitmap*> doomed; // replaced light maps, destroyed together at the end
 
@@ -107,6 +107,7 @@ BakeStats bakeLightMaps(const std::vector<Handle>& polygons, const LightMapParam
     for (std::thread& t : workers)
         t.join();
     w.destroyBitmaps(doomed);
+    BitmapUses::stillValid();
     // Light maps change no geometry: the shadow casters stay right for the next bake.
     if (bake.occluders) occludersStillValid();
     return stats;

@@ -53,17 +53,23 @@ void prepare(const Bake& bake, const Polygon& p, Job& job);
 // Pure: reads bake and job only.
 void compute(const Bake& bake, const Job& job, Result& out);
 
-// How many polygons use each bitmap that a bake may replace, so that replacing a light map
-// can tell whether the old one is still used elsewhere without a walk over the world.
+// How many polygons use each bitmap (as bitmap or second bitmap), so that replacing a light
+// map can tell whether the old one is still used elsewhere without a walk over the world.
+// Counted by one walk, then kept up to date by the bakes and kept across them while
+// nothing else changes the world.
 class BitmapUses {
   public:
-    // Counts the uses of the second bitmaps of these polygons.
-    explicit BitmapUses(const std::vector<Handle>& polygons);
+    // The counts, walking the world only if it changed since the last bake ended.
+    static BitmapUses& forBake();
+    // The world as it is now is what the counts describe (called at the end of a bake).
+    static void stillValid();
     bool usedElsewhere(Handle bitmap, const Polygon& p) const;
     void replaced(Handle old, Handle now, const Polygon& p);
 
   private:
+    void count();
     std::unordered_map<Handle, int> uses_;
+    uint64_t generation_ = UINT64_MAX;
 };
 
 // Puts the light map on the polygon and answers its handle. The polygon's own earlier light

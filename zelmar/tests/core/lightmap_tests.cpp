@@ -157,11 +157,21 @@ TEST_F(LightMaps, ListBakeMatchesOnePolygonAtATimeForAnyThreadCount) {
         EXPECT_EQ(maps(list), oneByOne) << threads << " threads";
     }
     ZELMAR_engine_set_render_threads(0);
-    // Every replaced map is gone: one light map per polygon is left.
+    // A map that another polygon uses too outlives its replacement; the others are gone.
+    const int shared = ZELMAR_polygon_get_second_bitmap(list[0]);
+    ZELMAR_polygon_set_second_bitmap(list[1], shared);
+    EXPECT_EQ(ZELMAR_polygons_create_lightmaps(list.data(), 1, 16, 2, 0.5, 1, 2, nullptr, nullptr), 1);
+    EXPECT_NE(zelmar::world().bitmap(shared), nullptr);
+    ZELMAR_polygon_set_second_bitmap(list[1], 0);
+    EXPECT_EQ(ZELMAR_polygons_create_lightmaps(list.data(), static_cast<int>(list.size()), 16, 2, 0.5, 1, 2,
+                                               nullptr, nullptr),
+              static_cast<int>(list.size()));
     int lightMaps = 0;
     for (const zelmar::Bitmap* b : zelmar::world().list<zelmar::Bitmap>())
         lightMaps += b->name.rfind("lightmap_", 0) == 0;
-    EXPECT_EQ(lightMaps, static_cast<int>(list.size()));
+    // One per polygon, the shared one, and list[1]'s own, left unused (not replaced) when
+    // it took the shared one.
+    EXPECT_EQ(lightMaps, static_cast<int>(list.size()) + 2);
 }
 
 TEST_F(LightMaps, ProgressInOrderOnTheCallingThreadAndAbortKeepsTheWorldWhole) {
