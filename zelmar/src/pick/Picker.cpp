@@ -1,5 +1,6 @@
 #include "pick/Picker.h"
 
+#include "rays/Narrow.h"
 #include "rays/PickScene.h"
 #include "render/Renderer.h"
 #include "render/SceneCache.h"
@@ -59,7 +60,7 @@ void pack(Entry& e) {
     e.points.resize(gc.verts.size() * 3);
     for (size_t i = 0; i < gc.verts.size(); ++i)
         for (int k = 0; k < 3; ++k)
-            e.points[i * 3 + k] = static_cast<float>(gc.verts[i].xyz[k] - e.origin[k]);
+            e.points[i * 3 + k] = rays::narrow(gc.verts[i].xyz[k] - e.origin[k]);
     e.corners.clear();
     e.polygonOf.clear();
     for (uint32_t p = 0; p < gc.polys.size(); ++p) {

@@ -100,7 +100,7 @@ void OcclusionScene::build(const Triangles& t) {
     if (!dev || m.owner.empty()) return;
     m.points.resize(pointCount * 3 + 1);
     for (size_t i = 0; i < pointCount * 3; ++i)
-        m.points[i] = static_cast<float>(t.xyz[i] - centre_[i % 3]);
+        m.points[i] = narrow(t.xyz[i] - centre_[i % 3]);
 
     m.scene = rtcNewScene(dev);
     // Robust: no rays slip through the shared edge of two triangles.
@@ -178,7 +178,7 @@ void OcclusionScene::occluded(const GridRays& g, uint8_t* blocked, std::vector<S
     rtcInitIntersectContext(&c.base);
     c.base.flags = RTC_INTERSECT_CONTEXT_FLAG_COHERENT;
     c.ignore = g.ignore;
-    const float dir[3] = {static_cast<float>(g.dir[0]), static_cast<float>(g.dir[1]), static_cast<float>(g.dir[2])};
+    const float dir[3] = {narrow(g.dir[0]), narrow(g.dir[1]), narrow(g.dir[2])};
     const float inf = std::numeric_limits<float>::infinity();
     alignas(32) int valid[8];
     alignas(32) RTCRay8 r;
@@ -195,9 +195,9 @@ void OcclusionScene::occluded(const GridRays& g, uint8_t* blocked, std::vector<S
             for (int l = 0; l < 8; ++l) {
                 const int i = i0 + std::min(l, count - 1);
                 valid[l] = l < count ? -1 : 0;
-                r.org_x[l] = static_cast<float>(row[0] + g.along[0] * i);
-                r.org_y[l] = static_cast<float>(row[1] + g.along[1] * i);
-                r.org_z[l] = static_cast<float>(row[2] + g.along[2] * i);
+                r.org_x[l] = narrow(row[0] + g.along[0] * i);
+                r.org_y[l] = narrow(row[1] + g.along[1] * i);
+                r.org_z[l] = narrow(row[2] + g.along[2] * i);
                 r.tnear[l] = 0;
                 r.tfar[l] = inf;
             }

@@ -3,6 +3,8 @@
 // the polygon it starts from. Single precision inside, around the centre of the triangles'
 // box; queries are thread-safe once built.
 #pragma once
+#include "rays/Narrow.h"
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -53,11 +55,11 @@ class OcclusionScene {
     ShadowRay makeRay(const double org[3], const double dir[3], double tNear, double tFar, int32_t ignore) const {
         ShadowRay r;
         for (int k = 0; k < 3; ++k) {
-            r.org[k] = static_cast<float>(org[k] - centre_[k]);
-            r.dir[k] = static_cast<float>(dir[k]);
+            r.org[k] = narrow(org[k] - centre_[k]);
+            r.dir[k] = narrow(dir[k]);
         }
-        r.tNear = static_cast<float>(tNear);
-        r.tFar = static_cast<float>(tFar); // infinity stays infinity
+        r.tNear = narrow(tNear);
+        r.tFar = std::isinf(tFar) ? static_cast<float>(tFar) : narrow(tFar);
         r.ignore = ignore;
         return r;
     }

@@ -1,6 +1,7 @@
 #include "rays/PickScene.h"
 
 #include "rays/Device.h"
+#include "rays/Narrow.h"
 
 #include <algorithm>
 #include <array>
@@ -324,15 +325,15 @@ bool PickScene::nearest(const double org[3], const double dir[3], double tNear, 
             const double span = it.t1 - it.t0;
             const double shift = it.t0 - (1e-6 * span + 1e-9 * std::fabs(it.t0));
             RTCRayHit rh;
-            rh.ray.org_x = static_cast<float>(org[0] + shift * dir[0] - m.origin[0]);
-            rh.ray.org_y = static_cast<float>(org[1] + shift * dir[1] - m.origin[1]);
-            rh.ray.org_z = static_cast<float>(org[2] + shift * dir[2] - m.origin[2]);
-            rh.ray.dir_x = static_cast<float>(dir[0]);
-            rh.ray.dir_y = static_cast<float>(dir[1]);
-            rh.ray.dir_z = static_cast<float>(dir[2]);
+            rh.ray.org_x = narrow(org[0] + shift * dir[0] - m.origin[0]);
+            rh.ray.org_y = narrow(org[1] + shift * dir[1] - m.origin[1]);
+            rh.ray.org_z = narrow(org[2] + shift * dir[2] - m.origin[2]);
+            rh.ray.dir_x = narrow(dir[0]);
+            rh.ray.dir_y = narrow(dir[1]);
+            rh.ray.dir_z = narrow(dir[2]);
             rh.ray.tnear = 0;
             const double far = std::min(it.t1, c.best.t) - shift;
-            rh.ray.tfar = static_cast<float>(far * (1 + 1e-6) + 1e-6 * span);
+            rh.ray.tfar = std::isinf(far) ? static_cast<float>(far) : narrow(far * (1 + 1e-6) + 1e-6 * span);
             rh.ray.time = 0;
             rh.ray.mask = 0xFFFFFFFFu;
             rh.ray.id = 0;
