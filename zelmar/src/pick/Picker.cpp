@@ -2,7 +2,6 @@
 
 #include "rays/Narrow.h"
 #include "rays/PickScene.h"
-#include "render/Renderer.h"
 #include "render/SceneCache.h"
 #include "render/Settings.h"
 #include "render/ThreadPool.h"

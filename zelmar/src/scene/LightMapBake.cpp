@@ -47,7 +47,6 @@ BakeStats bakeLightMaps(const std::vector<Handle>& polygons, const LightMapParam
         if (const Polygon* p = w.polygon(polygons[static_cast<size_t>(i)])) prepare(bake, *p, jobs[static_cast<size_t>(i)]);
     });
     BitmapUses& uses = BitmapUses::forBake();
-    w.reserveHandles(polygons.size()); // one handle per new light map, without regrowing the table
     std::vector<Bitmap*> doomed; // replaced light maps, destroyed together at the end
 
     std::vector<Result> results(polygons.size());
