@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 PACKAGES=(build-essential cmake pkg-config libgtest-dev libgmock-dev libbenchmark-dev
           zlib1g-dev libzstd-dev libstb-dev qt6-base-dev qt6-base-dev-tools
           libgl-dev libegl-dev libopengl-dev libgl1-mesa-dri xvfb xauth clang libclang-rt-14-dev
-          glmark2-data assimp-testmodels ccache graphviz)
+          glmark2-data assimp-testmodels ccache graphviz libembree-dev)
 missing=()
 for p in "${PACKAGES[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

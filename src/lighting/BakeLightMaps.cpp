@@ -1,20 +1,15 @@
 #include "BakeLightMaps.h"
 
-#include <cstddef>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
 
+// The engine bakes on its worker threads and calls `progress` on this thread after each polygon, in order,
+// so the dialog's counts, bar and abort question work as they do for one polygon at a time.
 int BakeLightMaps(const std::vector<int>& polygons, const LightMapParams& p, BakeProgress progress, void* user) {
-    const int total = static_cast<int>(polygons.size());
-    int made = 0;
-    for (int i = 0; i < total; ++i) {
-        if (ZELMAR_polygon_create_lightmap(polygons[static_cast<std::size_t>(i)], p.maxSize, p.minSize, p.samplingRate, p.rayTracing,
-                                           p.mode) != 0)
-            ++made;
-        if (progress && progress(i + 1, total, user) != 0) break;
-    }
-    return made;
+    if (polygons.empty()) return 0;
+    return ZELMAR_polygons_create_lightmaps(polygons.data(), static_cast<int>(polygons.size()), p.maxSize, p.minSize,
+                                            p.samplingRate, p.rayTracing, p.mode, progress, user);
 }
 
 } // namespace vexil

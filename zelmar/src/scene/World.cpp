@@ -548,6 +548,25 @@ void World::destroyBitmap(Bitmap& b) {
     touch();
     delete &b;
 }
+void World::destroyBitmaps(const std::vector<Bitmap*>& doomed) {
+    if (doomed.empty()) return;
+    std::vector<bool> gone(bitmaps_.size(), false);
+    for (Bitmap* b : doomed)
+        if (b && b->listPos < bitmaps_.size() && bitmaps_[b->listPos] == b) gone[b->listPos] = true;
+    size_t kept = 0;
+    for (size_t i = 0; i < bitmaps_.size(); ++i) {
+        Bitmap* b = bitmaps_[i];
+        if (gone[i]) {
+            retire(b->handle);
+            delete b;
+            continue;
+        }
+        b->listPos = static_cast<uint32_t>(kept);
+        bitmaps_[kept++] = b;
+    }
+    bitmaps_.resize(kept);
+    touch();
+}
 void World::destroyAnimation(Animation& a) {
     eraseFrom(animations_, &a);
     retire(a.handle);

@@ -67,6 +67,8 @@ class World : private RingStore {
     void destroyTrack(Track& t);
     void destroyBackground(Background& b);
     void destroyBitmap(Bitmap& b);
+    // Many at once, in one pass over the list (destroyBitmap costs a pass each).
+    void destroyBitmaps(const std::vector<Bitmap*>& doomed);
     void destroyAnimation(Animation& a);
     void clear(); // empties the world; handles keep counting
 

@@ -139,6 +139,21 @@ TEST_F(Golden, LightMapAsSecondBitmap) {
     expectGolden("light_map", cameraAlongX({0, 0, 0}, 90));
 }
 
+TEST_F(Golden, BakedLightMapWithAShadow) {
+    // A floor below the eye, a plate floating over it, a lamp above and to the right: the
+    // baked light map darkens the floor where the plate keeps the lamp's light off.
+    Group* g = group("g");
+    Polygon* floor =
+        polygon(g, {{4, -8, -3}, {4, 8, -3}, {20, 8, -3}, {20, -8, -3}}, {230, 230, 230}); // faces up
+    polygon(g, {{9, -1.5, -1.5}, {9, 1.5, -1.5}, {12, 1.5, -1.5}, {12, -1.5, -1.5}}, {200, 60, 40});
+    Light* lamp = world().createLight("lamp");
+    lamp->location[0] = 11, lamp->location[1] = -5, lamp->location[2] = 3;
+    lamp->type = 8 | 16;
+    lamp->ambient = 0.25, lamp->diffuse = 0.9;
+    ASSERT_NE(ZELMAR_polygon_create_lightmap(floor->handle, 64, 2, 0.25, 1, 2), 0);
+    expectGolden("light_map_shadow", cameraAlongX({0, 0, 1}, 90));
+}
+
 TEST_F(Golden, ActiveBackgroundBehindTheWorld) {
     Background* bg = world().createBackground("sky");
     bg->bitmap = bitmap("sky", 8, 32, sky)->handle;

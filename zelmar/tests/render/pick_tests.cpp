@@ -147,6 +147,58 @@ TEST_F(Pick, ConcavePolygonNotchIsEmpty) {
     EXPECT_EQ(world().polygon(pickAt(36, 20, r, &g))->group, l);
 }
 
+TEST_F(Pick, MovedGroupIsPickedAfterEachMove) {
+    // Many groups, so that a move refits the hierarchy of groups rather than rebuilding it.
+    std::vector<Group*> posts;
+    for (int i = 0; i < 40; ++i) {
+        posts.push_back(group("post"));
+        wall(posts.back(), 20 + i, 1);
+        const double aside[3] = {0, 30.0 + i * 3, 0};
+        ZELMAR_group_move(posts.back()->handle, aside, 0);
+    }
+    double r[3];
+    int g;
+    ASSERT_EQ(pickAt(32, 24, r, &g), nearWall->handle);
+    const double closer[3] = {-7, 0, 0}; // the far wall to depth 3, in front of the near one
+    ZELMAR_group_move(far->handle, closer, 0);
+    EXPECT_EQ(pickAt(32, 24, r, &g), farWall->handle);
+    EXPECT_EQ(g, far->handle);
+    EXPECT_DOUBLE_EQ(r[0], 3);
+    const double away[3] = {0, 0, 40};
+    ZELMAR_group_move(far->handle, away, 0);
+    EXPECT_EQ(pickAt(32, 24, r, &g), nearWall->handle);
+    // One of the posts, brought back into the middle of the view, hides everything behind it.
+    for (const int i : {7, 31, 7}) {
+        Group* post = posts[static_cast<size_t>(i)];
+        const double back[3] = {0, -(30.0 + i * 3), 0}, out[3] = {0, 30.0 + i * 3, 0};
+        ZELMAR_group_move(post->handle, back, 0);
+        nearGroup->disabled = true;
+        EXPECT_EQ(ZELMAR_engine_get_object_at_point_2D(32, 24), post->handle);
+        EXPECT_EQ(pickAt(32, 24, r, &g), post->firstPolygon->handle);
+        EXPECT_NEAR(r[0], 20 + i, 1e-12);
+        nearGroup->disabled = false;
+        ZELMAR_group_move(post->handle, out, 0);
+    }
+    // A deleted group is not picked.
+    const double down[3] = {0, 0, -40};
+    ZELMAR_group_move(far->handle, down, 0);
+    EXPECT_EQ(pickAt(32, 24, r, &g), farWall->handle);
+    world().destroyGroupTree(*far);
+    EXPECT_EQ(pickAt(32, 24, r, &g), nearWall->handle);
+}
+
+TEST_F(Pick, DistantEyeStillHitsExactly) {
+    // The editor's parallel views are perspective cameras far away with a narrow angle.
+    Camera* distant = cameraAlongX({-1e6, 0, 0}, 0.0005, 1.0);
+    ZELMAR_camera_set_current(distant->handle, target);
+    double r[3];
+    int g;
+    EXPECT_EQ(pickAt(32, 24, r, &g), nearWall->handle);
+    EXPECT_DOUBLE_EQ(r[0], 5);
+    EXPECT_EQ(pickAt(60, 24, r, &g), farWall->handle) << "beside the near wall";
+    EXPECT_DOUBLE_EQ(r[0], 10);
+}
+
 TEST_F(Pick, NoCurrentCameraMeansNoPick) {
     ZELMAR_target_destroy(target);
     double r[3];
