@@ -1,16 +1,19 @@
 // simplify_bench: the figures of docs/performance.md, "Simplification".
 //
-//   simplify_bench [--mesh FILE] [--keep 0.5,0.1] [--targets N,M] [--runs N] [--mode prod|ref] [--faces N] [--plain]
+//   simplify_bench [--mesh FILE] [--subdivide N] [--keep 0.5,0.1] [--targets N,M] [--runs N] [--mode prod|ref]
+//                  [--faces N] [--plain]
 //
 // prod: the production SurfSimpli, N runs per target in this process (a fresh object each run),
 //       median wall and CPU time of Reduce (extraction, restart copy, loop and output included),
 //       split by phase from the status texts; the peak resident memory of the process.
 // ref:  the literal reference, one run per target, on the first --faces faces of the mesh.
+// --subdivide splits every triangle into four, N times (the scaling figures);
 // --targets gives triangle counts instead of fractions; --plain runs the production without its
 // refusal cache (its candidate count is then that of the reference's scans).
 // Every run goes through the in-memory engine, so the engine's own cost is not measured.
 #include "MemoryEngine.h"
 #include "MeshData.h"
+#include "MeshMaker.h"
 #include "reference/RefSurfSimpli.h"
 #include "simplify/SurfSimpli.h"
 
@@ -50,6 +53,7 @@ int main(int argc, char** argv) {
     std::vector<double> keeps = {0.5, 0.1};
     int runs = 5;
     std::size_t faces = 0;
+    int subdivisions = 0;
     bool plain = false;
     std::vector<int> targets;
     for (int i = 1; i < argc; ++i) {
@@ -60,6 +64,7 @@ int main(int argc, char** argv) {
         else if (a == "--runs") runs = std::stoi(next());
         else if (a == "--faces") faces = static_cast<std::size_t>(std::stol(next()));
         else if (a == "--plain") plain = true;
+        else if (a == "--subdivide") subdivisions = std::stoi(next());
         else if (a == "--targets") {
             std::stringstream ss(next());
             std::string item;
@@ -73,6 +78,7 @@ int main(int argc, char** argv) {
     }
     MeshData mesh = triangulateFans(loadMesh(path));
     if (faces) mesh = firstFaces(mesh, faces);
+    if (subdivisions > 0) mesh = subdivide(mesh, subdivisions);
     std::printf("peak resident memory after loading the mesh: %ld kB\n", bench::peakResidentKb());
     const int total = static_cast<int>(mesh.faces.size());
     std::printf("mesh %s: %d triangles; mode %s\n", path.c_str(), total, mode.c_str());

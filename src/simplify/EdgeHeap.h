@@ -2,7 +2,8 @@
 // the linear scan of NextCheapestEdge. The order is the one the scan gives: strictly smaller
 // cost first, the lower index on equal costs (-0.0 and 0.0 are equal, as for the scan's `<`).
 // Only edges whose cost can ever be chosen are held (valid, cost >= -1e21, cost < 1e32; a NaN
-// cost fails both tests), so the top is the scan's first candidate.
+// cost fails both tests). A held key may be below the edge's cost when the cost rose since it
+// was set (see visitInOrder); never above it.
 #pragma once
 #include <algorithm>
 #include <cstdint>
@@ -34,6 +35,12 @@ public:
     const Entry& top() const { return heap_.front(); }
     bool contains(int edge) const {
         return edge >= 0 && static_cast<std::size_t>(edge) < pos_.size() && pos_[static_cast<std::size_t>(edge)] >= 0;
+    }
+    // Asks the memory for the edge's slot ahead of a set or remove.
+    void prefetch(int edge) const {
+        if (static_cast<std::size_t>(edge) >= pos_.size()) return;
+        const int p = pos_[static_cast<std::size_t>(edge)];
+        if (p >= 0) __builtin_prefetch(&heap_[static_cast<std::size_t>(p)]);
     }
     // Inserts or moves an edge to its new cost.
     void set(int edge, double cost) {
@@ -70,24 +77,42 @@ public:
     }
     // Visits the entries in (cost, index) order without changing the heap, until visit answers
     // true; answers that entry's edge, or -1 when every entry was visited.
-    template <class Visit>
-    int visitInOrder(Visit visit) {
+    //
+    // An entry's key may be below its edge's true cost (trueCost(edge)): a rise in cost is left
+    // in the heap until the entry comes up (keys are lower bounds, so the heap order still bounds
+    // every subtree). Such an entry is visited at its true cost, in its place in the order, and
+    // its edge is added to `stale`, for the caller to set to its true cost afterwards.
+    template <class TrueCost, class Visit>
+    int visitInOrder(TrueCost trueCost, Visit visit, std::vector<int>& stale) {
         if (heap_.empty()) return -1;
         frontier_.clear();
-        auto before = [this](std::size_t a, std::size_t b) { return less(heap_[b], heap_[a]); }; // min-heap of positions
-        frontier_.push_back(0);
+        auto after = [](const Node& a, const Node& b) { return less(Entry{b.key, b.edge}, Entry{a.key, a.edge}); };
+        auto push = [&](const Node& n) {
+            frontier_.push_back(n);
+            std::push_heap(frontier_.begin(), frontier_.end(), after);
+        };
+        push(Node{heap_[0].cost, heap_[0].edge, 0});
         while (!frontier_.empty()) {
-            std::pop_heap(frontier_.begin(), frontier_.end(), before);
-            const std::size_t i = frontier_.back();
+            std::pop_heap(frontier_.begin(), frontier_.end(), after);
+            const Node n = frontier_.back();
             frontier_.pop_back();
-            if (visit(heap_[i])) return heap_[i].edge;
-            for (std::size_t c = kArity * i + 1; c <= kArity * i + kArity && c < heap_.size(); ++c) {
-                frontier_.push_back(c);
-                std::push_heap(frontier_.begin(), frontier_.end(), before);
+            if (n.pos >= 0) {
+                const std::size_t i = static_cast<std::size_t>(n.pos);
+                for (std::size_t c = kArity * i + 1; c <= kArity * i + kArity && c < heap_.size(); ++c)
+                    push(Node{heap_[c].cost, heap_[c].edge, static_cast<int>(c)});
+                const double cost = trueCost(n.edge);
+                if (less(Entry{n.key, n.edge}, Entry{cost, n.edge})) { // risen: visit it at its true cost
+                    stale.push_back(n.edge);
+                    push(Node{cost, n.edge, -1});
+                    continue;
+                }
             }
+            if (visit(Entry{n.key, n.edge})) return n.edge;
         }
         return -1;
     }
+    // The key the heap holds for an edge (a lower bound of its cost); the edge must be held.
+    double keyOf(int edge) const { return heap_[static_cast<std::size_t>(pos_[static_cast<std::size_t>(edge)])].cost; }
 
     std::size_t memoryBytes() const { return heap_.capacity() * sizeof(Entry) + pos_.capacity() * sizeof(int); }
 
@@ -128,9 +153,14 @@ private:
         place(i, e);
     }
 
+    struct Node {
+        double key;
+        int edge;
+        int pos; // -1: an edge visited at its risen cost, not a heap slot
+    };
     std::vector<Entry> heap_;
     std::vector<int> pos_;
-    std::vector<std::size_t> frontier_;
+    std::vector<Node> frontier_;
 };
 
 } // namespace simplify

@@ -14,6 +14,10 @@ public:
         slots_.clear();
         used_ = 0;
     }
+    void release() {
+        std::vector<Slot>().swap(slots_);
+        used_ = 0;
+    }
     void reserve(std::size_t n) {
         std::size_t cap = 16;
         while (cap < n * 2) cap *= 2;

@@ -23,12 +23,16 @@ public:
 };
 
 // What the object needs of its window for the whole of its life: message boxes and letting
-// pending interface events through (step 4.5 of SimplifyLoop). May be absent.
+// pending interface events through once per contraction. May be absent.
 class SimplifyHost {
 public:
     virtual ~SimplifyHost() = default;
     virtual void messageBox(const std::string& text) = 0;
     virtual void yieldEvents() = 0;
+    // Asked right after each yieldEvents: true stops the run after the contraction just made
+    // (a Cancel button or Escape handled during the yield sets it). Reduce then builds no output
+    // and answers 0, and the next run starts again from the copy.
+    virtual bool cancelRequested() { return false; }
 };
 
 // Locale texts set by SetLocaleMessages (strings 618 to 623 of the table); an empty text means

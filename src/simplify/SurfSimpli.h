@@ -6,7 +6,9 @@
 //   - points and edges are found by hashing instead of the octant and edge scans of the simplification mesh;
 //   - the cheapest contractible edge comes from an indexed heap ordered by (cost, index) instead
 //     of one scan of all edges per candidate (the edge contraction NextCheapestEdge);
-//   - association lists of points drop entries of dead records (nothing reads those).
+//   - association lists of points drop entries of dead records (nothing reads those);
+//   - the records are kept as parallel arrays (hot fields together, association lists in pools,
+//     a quadric per point only: an edge's is the sum of its ends', formed when it is used).
 // tests/simplify/reference holds the literal implementation; the tests prove that both give the
 // same contractions and bit-identical output. docs/simplify.md records the open decisions.
 //
@@ -14,14 +16,15 @@
 #pragma once
 #include "simplify/EdgeHeap.h"
 #include "simplify/FlatIndex.h"
+#include "simplify/ListPool.h"
 #include "simplify/SimplifyEngine.h"
 #include "simplify/SimplifyHost.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace simplify {
@@ -31,6 +34,8 @@ namespace simplify {
 using Quadric = std::array<double, 16>;
 inline constexpr int qi(int i, int j) { return (i - 1) * 4 + (j - 1); }
 
+// The records as the design lists them: copies made by Point(i), Edge(i), Tri(i) for tests and
+// diagnostics. The model itself keeps their fields in parallel arrays.
 struct SimpPoint {
     bool Valid = false;
     double Coords[3] = {0, 0, 0};
@@ -48,7 +53,7 @@ struct SimpEdge {
     bool IsBorder = false;
     std::int32_t PtA = 0;
     std::int32_t PtB = 0;
-    std::vector<std::int32_t> AssTris; // slots of removed triangles stay (the edge contraction MergeEdgeTris)
+    std::vector<std::int32_t> AssTris; // slots of removed triangles stay (MergeEdgeTris)
     double NewCoords[3] = {0, 0, 0};
     double Cost = 0;
     int NumAssTris() const { return static_cast<int>(AssTris.size()); }
@@ -87,6 +92,7 @@ public:
 
     void SetHost(SimplifyHost* host) { host_ = host; }
     void SetLocaleMessages(const SimplifyMessages& messages) { messages_ = messages; }
+    const SimplifyMessages& LocaleMessages() const { return messages_; }
     void SetEngine(SimplifyEngine* engine);
 
     // ---- the simplification mesh: mesh model ----
@@ -144,6 +150,10 @@ public:
     void DisplayAffectedEdges();
     void DrawSelectedPts();
 
+    // Reads the group into an empty model (Reset, ExtractTriangles) and sets ForceRestart, as
+    // the first Reduce on a group does, without contracting or building an output group.
+    void Load(int group, SimplifyProgress* progress = nullptr, SimplifyStatus* status = nullptr);
+
     // ---- the edge contraction: edge cost and contraction ----
     int Reduce(int target, int group, bool protectTexSeams, SimplifyProgress* progress, SimplifyStatus* status,
                bool geomOnly, bool lockSelected, bool protectColorBorders);
@@ -175,9 +185,6 @@ public:
     void EvaluateAllEdges();
     void EvaluateAffectedEdges();
     double EdgeCostAt(int edge) const;
-    // EdgeCostAt with the edge's Quadric, when that is the fresh sum of its ends' (after
-    // EvaluateEdgeQuadric): the same value without adding the two matrices again.
-    double edgeCostFromEdgeQuadric(int edge) const;
     void PlaceOptimal(int edge);
     void PlaceOnSegment(int edge);
     void PlaceAtBetterEnd(int edge);
@@ -192,13 +199,17 @@ public:
                          double& brightness, int color[3]);
 
     // ---- state, for the workbench, the tests and the diagnostics ----
-    int PointCount() const { return static_cast<int>(pts_.size()) - 1; }
+    int PointCount() const { return static_cast<int>(pValid_.size()) - 1; }
     int EdgeCount() const { return static_cast<int>(edges_.size()) - 1; }
     int TriCount() const { return static_cast<int>(tris_.size()) - 1; }
-    const SimpPoint& Point(int i) const { return pts_.at(static_cast<std::size_t>(i)); }
-    const SimpEdge& Edge(int i) const { return edges_.at(static_cast<std::size_t>(i)); }
-    const SimpTri& Tri(int i) const { return tris_.at(static_cast<std::size_t>(i)); }
-    const Quadric& EdgeQuadric(int i) const { return edgeQ_.at(static_cast<std::size_t>(i)); }
+    // Copies of the records (bounds checked; for tests and diagnostics, not for loops over the model).
+    SimpPoint Point(int i) const;
+    SimpEdge Edge(int i) const;
+    SimpTri Tri(int i) const;
+    const double* PointCoords(int i) const { return pCoords_.at(static_cast<std::size_t>(i)).data(); }
+    bool PointValid(int i) const { return pValid_.at(static_cast<std::size_t>(i)) != 0; }
+    // The edge's Quadric: the sum of its ends' (the only form in which it is used).
+    Quadric EdgeQuadric(int i) const;
     const double* OctantCentre() const { return octantCentre_; }
     void SetOctantCentre(const double c[3]) {
         for (int k = 0; k < 3; ++k) octantCentre_[k] = c[k];
@@ -210,6 +221,11 @@ public:
     int MinEdge() const { return minEdge_; }
     double MinCost() const { return minCost_; }
     bool ContinueRun() const { return continueRun_; }
+    // True when the last Reduce stopped because the host asked to cancel (no output was built).
+    bool Cancelled() const { return cancelled_; }
+    // True when a contraction since the model was last set up cost more than 0.00 (rounded):
+    // a zero-error run from the copy would have stopped before the state the model is in.
+    bool CostlyContractionMade() const { return costlyContraction_; }
     const std::vector<std::int32_t>& AffectedPoints() const { return affectedPts_; }
     const std::vector<std::int32_t>& AffectedEdges() const { return affectedEdges_; }
     int TriCursor() const { return triCursor_; }
@@ -233,15 +249,44 @@ public:
     // both settings). See docs/simplify.md, "Refusal cache".
     bool CacheRefusals = true;
 
-    // Approximate bytes held by the model (arrays, lists, backup, indexes).
+    // Bytes held by the model now (arrays, lists, the copy for restarting, indexes, heap), and the
+    // most it held since it was made.
     std::size_t MemoryBytes() const;
+    std::size_t PeakMemoryBytes() const { return std::max(peakBytes_, MemoryBytes()); }
 
 private:
+    using Vec3 = std::array<double, 3>;
+    // The fields of a triangle that contraction reads and writes, in one cache line.
+    struct alignas(64) TriHot {
+        double plane[4];
+        std::int32_t pts[3];
+        std::int32_t edges[3];
+        bool valid;
+    };
+    struct EdgeHot {
+        std::int32_t a, b;
+        double cost;
+        double nc[3];
+        bool valid, border;
+    };
+    // A copy for restarting: the fields that contraction changes. Point quadrics and edge
+    // placements and costs are all zero after extraction; they are kept only when they are not.
     struct Backup {
-        std::vector<SimpPoint> pts;
-        std::vector<SimpEdge> edges;
-        std::vector<SimpTri> tris;
-        std::vector<Quadric> edgeQ;
+        bool made = false;
+        std::vector<std::uint8_t> pValid;
+        std::vector<Vec3> pCoords;
+        std::vector<Quadric> pQ; // empty: all zero
+        std::size_t points = 0;
+        ListPool pTris, pEdges;
+        std::vector<EdgeHot> edges;
+        bool edgesPlaced = false; // some NewCoords or Cost is not zero
+        ListPool eTris;
+        std::vector<TriHot> tris;
+        std::vector<std::array<double, 6>> tUV;
+        // brightness and normals of points change only when triangles are added; copied then
+        std::vector<double> pBright;
+        std::vector<Vec3> pNormal;
+        bool coldCopied = false;
     };
 
     std::string msg(const std::string& locale, const char* fallback) const {
@@ -253,22 +298,35 @@ private:
     void showMessage(const std::string& text) {
         if (host_) host_->messageBox(text);
     }
-    static void addIfAbsent(std::vector<std::int32_t>& list, std::int32_t value);
+    std::size_t newPoint(const double coords[3]);
+    std::size_t newEdge(int pA, int pB);
     void addProducts(Quadric& q, const double p[4]) const;
     void borderPlane(int edge, double p[4]) const;
     void cornerUV(int tri, int point, double uv[2]) const;
     void setCornerUV(int tri, int point, const double uv[2]);
-    bool edgeHasTri(int edge, int tri) const;
+    bool edgeHasTri(int edge, int tri) const { return eTris_.contains(static_cast<std::size_t>(edge), tri); }
+    // The sum of the ends' quadrics; raises Overflow when a term is not finite (as MatrixADD).
+    void sumEdgeQuadric(int edge, Quadric& q) const;
+    // Placement and cost of an edge given its quadric sum q.
+    void evaluateEdge(int edge, const Quadric& q);
+    void placeOptimal(int edge, const Quadric& q);
+    void placeOnSegment(int edge, const Quadric& q);
+    double costAt(const EdgeHot& E, const Quadric& q) const;
     // Calls test(triangle, corners) for each valid triangle of either end that is not on the edge,
     // with the ends replaced by NewCoords; true as soon as a test answers true.
     template <class Test> bool anyMovedTri(int edge, Test test) const;
-    void heapUpdate(int edge);
+    static bool eligible(const EdgeHot& E); // can ever be chosen: valid, -1e21 <= cost < 1e32
+    void heapUpdate(int edge, double oldCost);
     void rebuildHeap();
     void rebuildPointIndex();
     void rebuildEdgeIndex();
+    void dropIndexes();
+    void clearArrays();
     void markSelected();
     bool selectedFast(int point) const;
     void project(int point, double& x, double& y, bool& ok) const;
+    void notePeak() { peakBytes_ = std::max(peakBytes_, MemoryBytes()); }
+    void copyColdForRestore();
 
     SimplifyEngine* engine_ = nullptr;
     std::unique_ptr<SimplifyEngine> ownEngine_;
@@ -278,10 +336,23 @@ private:
     SimplifyCanvas* canvas_ = nullptr;
     SimplifyMessages messages_;
 
-    std::vector<SimpPoint> pts_;
-    std::vector<SimpEdge> edges_;
-    std::vector<SimpTri> tris_;
-    std::vector<Quadric> edgeQ_; // the edges' Quadric, apart from the hot fields
+    // points
+    std::vector<std::uint8_t> pValid_;
+    std::vector<Vec3> pCoords_;
+    std::vector<Quadric> pQ_;
+    std::vector<double> pBright_;
+    std::vector<Vec3> pNormal_;
+    ListPool pTris_, pEdges_;
+    // edges
+    std::vector<EdgeHot> edges_;
+    ListPool eTris_;
+    // triangles
+    std::vector<TriHot> tris_;
+    std::vector<std::array<double, 6>> tUV_; // TexUV[k][j] at [k * 2 + j]
+    std::vector<std::int32_t> tBitmap_;
+    std::vector<double> tBright_;
+    std::vector<std::array<std::int32_t, 3>> tColor_;
+
     double octantCentre_[3] = {0, 0, 0};
     std::array<std::vector<SimpBucketEntry>, 8> buckets_;
     Backup backup_;
@@ -295,9 +366,12 @@ private:
 
     bool geomOnly_ = false, lockSelected_ = false, protectTexSeams_ = false, protectColorBorders_ = false;
     bool continueRun_ = false;
+    bool cancelled_ = false;
+    bool costlyContraction_ = false;
     bool pristine_ = false; // the arrays equal the copy for restarting (no restore copy needed)
     int minEdge_ = -1;
     double minCost_ = 0;
+    std::size_t peakBytes_ = 0;
 
     // indexes of the production implementation
     struct PointKey {
@@ -328,21 +402,24 @@ private:
     // refusal cache: the contraction count at which each point last changed near it, and for a
     // refused edge the count at its refusal and the ends it had then
     struct Refusal {
-        std::int64_t at = -1;
+        std::int32_t at = -1;
         std::int32_t a = 0, b = 0;
     };
-    std::vector<std::int64_t> ptChanged_;
+    std::vector<std::int32_t> ptChanged_;
     std::vector<Refusal> refusals_;
-    std::int64_t contractions_ = 0;
-    std::vector<char> parked_;  // refused edges held out of the heap
-    std::vector<int> toPark_;
+    std::int32_t contractions_ = 0;
+    std::vector<char> parked_; // refused edges held out of the heap
+    std::vector<std::int32_t> ptParked_; // parked edges at each point
+    std::vector<int> toPark_, stale_;
     void unpark(int edge);
+    void clearPark(std::size_t edge);
     void touchPoint(int p) {
         if (p < 0 || static_cast<std::size_t>(p) >= ptChanged_.size()) return;
         if (ptChanged_[static_cast<std::size_t>(p)] == contractions_) return; // touched already
         ptChanged_[static_cast<std::size_t>(p)] = contractions_;
-        if (!heapDirty_)
-            for (const std::int32_t e : pts_[static_cast<std::size_t>(p)].AssEdges) unpark(e);
+        if (!heapDirty_ && ptParked_[static_cast<std::size_t>(p)] > 0)
+            for (const std::int32_t* e = pEdges_.begin(static_cast<std::size_t>(p)); e != pEdges_.end(static_cast<std::size_t>(p)); ++e)
+                unpark(*e);
     }
     void touchTriCorners(int t);
     void touchEdgeEnds(int e);

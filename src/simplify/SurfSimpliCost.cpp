@@ -1,10 +1,10 @@
-// the edge contraction: quadrics, border penalties, lock terms, placement and cost.
+// Edge cost: quadrics, border penalties, lock terms, placement and cost.
 //
 // The arithmetic is that of the documented procedures and of the maths library they name
 // (src/maths), written out for speed but in the same order of operations, so that every
 // result is bit-identical to the literal implementation (tests/simplify/reference). Where the
-// maths library raises (a non-finite result is the Windows design's Overflow, a zero divisor its
-// Division by zero), this code raises at the same places.
+// maths library raises (a non-finite result is Overflow, a zero divisor Division by zero), this
+// code raises at the same places.
 #include "simplify/SurfSimpli.h"
 
 #include "base/VexilError.h"
@@ -31,70 +31,78 @@ void SurfSimpli::addProducts(Quadric& q, const double p[4]) const {
 void SurfSimpli::BuildAllQuadrics() {
     pristine_ = false;
     for (int p = 1; p <= PointCount(); ++p) {
-        SimpPoint& P = pts_[static_cast<std::size_t>(p)];
-        if (!P.Valid) continue;
-        for (const std::int32_t t : P.AssTris) addProducts(P.Q, tris_[static_cast<std::size_t>(t)].Plane);
+        const std::size_t pi = static_cast<std::size_t>(p);
+        if (!pValid_[pi]) continue;
+        Quadric& Q = pQ_[pi];
+        for (const std::int32_t* t = pTris_.begin(pi); t != pTris_.end(pi); ++t)
+            addProducts(Q, tris_[static_cast<std::size_t>(*t)].plane);
     }
 }
 
 void SurfSimpli::BuildPointQuadric(int point) {
     pristine_ = false;
-    SimpPoint& P = pts_.at(static_cast<std::size_t>(point));
+    const std::size_t pi = static_cast<std::size_t>(point);
+    if (pi >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     // Triangles that have gone are dropped from the list as it is read; the order of the others stays.
-    std::size_t w = 0;
-    for (std::size_t r = 0; r < P.AssTris.size(); ++r) {
-        const std::int32_t t = P.AssTris[r];
-        const SimpTri& T = tris_[static_cast<std::size_t>(t)];
-        if (!T.Valid) continue;
-        P.AssTris[w++] = t;
-        addProducts(P.Q, T.Plane);
-    }
-    P.AssTris.resize(w);
+    Quadric q = pQ_[pi];
+    pTris_.filter(pi, [&](std::int32_t t) {
+        const TriHot& T = tris_[static_cast<std::size_t>(t)];
+        if (!T.valid) return false;
+        addProducts(q, T.plane);
+        return true;
+    });
+    pQ_[pi] = q;
 }
 
 void SurfSimpli::ClearPointQuadric(int point) {
     pristine_ = false;
-    pts_.at(static_cast<std::size_t>(point)).Q.fill(0.0);
+    pQ_.at(static_cast<std::size_t>(point)).fill(0.0);
 }
 
 int SurfSimpli::CountValidTris(int edge) const {
+    const std::size_t e = static_cast<std::size_t>(edge);
+    if (e >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     int n = 0;
-    for (const std::int32_t t : edges_.at(static_cast<std::size_t>(edge)).AssTris)
-        if (tris_[static_cast<std::size_t>(t)].Valid) ++n;
+    for (const std::int32_t* t = eTris_.begin(e); t != eTris_.end(e); ++t)
+        if (tris_[static_cast<std::size_t>(*t)].valid) ++n;
     return n;
 }
 
 void SurfSimpli::cornerUV(int tri, int point, double uv[2]) const {
-    const SimpTri& T = tris_[static_cast<std::size_t>(tri)];
+    const std::size_t t = static_cast<std::size_t>(tri);
+    const TriHot& T = tris_[t];
     for (int k = 0; k < 3; ++k)
-        if (T.Pts[k] == point) {
-            uv[0] = T.TexUV[k][0];
-            uv[1] = T.TexUV[k][1];
+        if (T.pts[k] == point) {
+            uv[0] = tUV_[t][static_cast<std::size_t>(k * 2)];
+            uv[1] = tUV_[t][static_cast<std::size_t>(k * 2 + 1)];
             return;
         }
     uv[0] = uv[1] = 0.0; // not a corner of the triangle: see docs/simplify.md
 }
 
 void SurfSimpli::setCornerUV(int tri, int point, const double uv[2]) {
-    SimpTri& T = tris_[static_cast<std::size_t>(tri)];
+    const std::size_t t = static_cast<std::size_t>(tri);
+    const TriHot& T = tris_[t];
     for (int k = 0; k < 3; ++k)
-        if (T.Pts[k] == point) {
-            T.TexUV[k][0] = uv[0];
-            T.TexUV[k][1] = uv[1];
+        if (T.pts[k] == point) {
+            tUV_[t][static_cast<std::size_t>(k * 2)] = uv[0];
+            tUV_[t][static_cast<std::size_t>(k * 2 + 1)] = uv[1];
             return;
         }
 }
 
 bool SurfSimpli::HasBitmapBorder(int edge) const {
+    const std::size_t e = static_cast<std::size_t>(edge);
+    if (e >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     bool first = true;
     int bitmap = 0;
-    for (const std::int32_t t : edges_.at(static_cast<std::size_t>(edge)).AssTris) {
-        const SimpTri& T = tris_[static_cast<std::size_t>(t)];
-        if (!T.Valid) continue;
+    for (const std::int32_t* t = eTris_.begin(e); t != eTris_.end(e); ++t) {
+        const std::size_t ti = static_cast<std::size_t>(*t);
+        if (!tris_[ti].valid) continue;
         if (first) {
-            bitmap = T.BitmapHandle;
+            bitmap = tBitmap_[ti];
             first = false;
-        } else if (T.BitmapHandle != bitmap) {
+        } else if (tBitmap_[ti] != bitmap) {
             return true;
         }
     }
@@ -102,32 +110,35 @@ bool SurfSimpli::HasBitmapBorder(int edge) const {
 }
 
 bool SurfSimpli::HasTexSeam(int edge) const {
-    const SimpEdge& E = edges_.at(static_cast<std::size_t>(edge));
-    if (E.AssTris.size() < 2) return false;
-    const int t1 = E.AssTris[0], t2 = E.AssTris[1];
-    if (!tris_[static_cast<std::size_t>(t1)].Valid || !tris_[static_cast<std::size_t>(t2)].Valid) return false;
+    const std::size_t e = static_cast<std::size_t>(edge);
+    if (e >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+    if (eTris_.size(e) < 2) return false;
+    const int t1 = eTris_.at(e, 0), t2 = eTris_.at(e, 1);
+    if (!tris_[static_cast<std::size_t>(t1)].valid || !tris_[static_cast<std::size_t>(t2)].valid) return false;
+    const EdgeHot& E = edges_[e];
     double a1[2], a2[2], b1[2], b2[2];
-    cornerUV(t1, E.PtA, a1);
-    cornerUV(t2, E.PtA, a2);
-    cornerUV(t1, E.PtB, b1);
-    cornerUV(t2, E.PtB, b2);
+    cornerUV(t1, E.a, a1);
+    cornerUV(t2, E.a, a2);
+    cornerUV(t1, E.b, b1);
+    cornerUV(t2, E.b, b2);
     return a1[0] != a2[0] || a1[1] != a2[1] || b1[0] != b2[0] || b1[1] != b2[1];
 }
 
 bool SurfSimpli::HasColorBorder(int edge) const {
+    const std::size_t e = static_cast<std::size_t>(edge);
+    if (e >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     bool result = false;
-    int prev = 0;
-    for (const std::int32_t t : edges_.at(static_cast<std::size_t>(edge)).AssTris) {
-        const SimpTri& T = tris_[static_cast<std::size_t>(t)];
-        if (!T.Valid) continue;
+    std::size_t prev = 0;
+    for (const std::int32_t* t = eTris_.begin(e); t != eTris_.end(e); ++t) {
+        const std::size_t ti = static_cast<std::size_t>(*t);
+        if (!tris_[ti].valid) continue;
         if (prev != 0) {
-            const SimpTri& P = tris_[static_cast<std::size_t>(prev)];
-            if (P.BitmapHandle == 0 && T.BitmapHandle == 0)
-                result = P.TriColor[0] != T.TriColor[0] || P.TriColor[1] != T.TriColor[1] || P.TriColor[2] != T.TriColor[2];
+            if (tBitmap_[prev] == 0 && tBitmap_[ti] == 0)
+                result = tColor_[prev] != tColor_[ti];
             else
                 result = false;
         }
-        prev = t;
+        prev = ti;
     }
     return result;
 }
@@ -135,9 +146,9 @@ bool SurfSimpli::HasColorBorder(int edge) const {
 void SurfSimpli::MarkBorderEdges() {
     pristine_ = false;
     for (int e = 1; e <= EdgeCount(); ++e) {
-        SimpEdge& E = edges_[static_cast<std::size_t>(e)];
-        if (!E.Valid) continue;
-        E.IsBorder = false;
+        EdgeHot& E = edges_[static_cast<std::size_t>(e)];
+        if (!E.valid) continue;
+        E.border = false;
         const int n = CountValidTris(e);
         bool border;
         if (n == 1) border = true;
@@ -147,7 +158,7 @@ void SurfSimpli::MarkBorderEdges() {
         else if (protectColorBorders_ && HasColorBorder(e)) border = true;
         else border = false;
         if (border) {
-            E.IsBorder = true;
+            E.border = true;
             AddBorderPenalty(e);
         }
     }
@@ -155,20 +166,22 @@ void SurfSimpli::MarkBorderEdges() {
 
 // The doubled plane through the edge, perpendicular to its first valid triangle.
 void SurfSimpli::borderPlane(int edge, double p[4]) const {
-    const SimpEdge& E = edges_.at(static_cast<std::size_t>(edge));
-    int tri = 0; // none valid: slot 0, whose corners are the unused point 0 at the origin
-    for (const std::int32_t t : E.AssTris)
-        if (tris_[static_cast<std::size_t>(t)].Valid) {
-            tri = t;
+    const std::size_t ei = static_cast<std::size_t>(edge);
+    if (ei >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+    const EdgeHot& E = edges_[ei];
+    std::size_t tri = 0; // none valid: slot 0, whose corners are the unused point 0 at the origin
+    for (const std::int32_t* t = eTris_.begin(ei); t != eTris_.end(ei); ++t)
+        if (tris_[static_cast<std::size_t>(*t)].valid) {
+            tri = static_cast<std::size_t>(*t);
             break;
         }
-    const double* A = pts_.at(static_cast<std::size_t>(E.PtA)).Coords;
-    const double* B = pts_.at(static_cast<std::size_t>(E.PtB)).Coords;
+    const double* A = pCoords_[static_cast<std::size_t>(E.a)].data();
+    const double* B = pCoords_[static_cast<std::size_t>(E.b)].data();
     double C[3] = {0, 0, 0};
-    const SimpTri& T = tris_[static_cast<std::size_t>(tri)];
+    const TriHot& T = tris_[tri];
     for (int k = 0; k < 3; ++k)
-        if (T.Pts[k] != E.PtA && T.Pts[k] != E.PtB) {
-            const double* c = pts_.at(static_cast<std::size_t>(T.Pts[k])).Coords;
+        if (T.pts[k] != E.a && T.pts[k] != E.b) {
+            const double* c = pCoords_[static_cast<std::size_t>(T.pts[k])].data();
             C[0] = c[0];
             C[1] = c[1];
             C[2] = c[2];
@@ -202,69 +215,68 @@ void SurfSimpli::AddBorderPenalty(int edge) {
     pristine_ = false;
     double p[4];
     borderPlane(edge, p);
-    const SimpEdge& E = edges_[static_cast<std::size_t>(edge)];
-    addProducts(pts_.at(static_cast<std::size_t>(E.PtA)).Q, p);
-    addProducts(pts_.at(static_cast<std::size_t>(E.PtB)).Q, p);
+    const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
+    addProducts(pQ_[static_cast<std::size_t>(E.a)], p);
+    addProducts(pQ_[static_cast<std::size_t>(E.b)], p);
 }
 
 void SurfSimpli::AddBorderPenaltyToPoint(int point, int edge) {
     pristine_ = false;
     double p[4];
     borderPlane(edge, p);
-    addProducts(pts_.at(static_cast<std::size_t>(point)).Q, p);
+    addProducts(pQ_.at(static_cast<std::size_t>(point)), p);
 }
 
 void SurfSimpli::AddLockTerms() {
     pristine_ = false;
     for (const std::int32_t idx : selectedPts_) {
         if (idx < 0 || idx > PointCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
-        SimpPoint& P = pts_[static_cast<std::size_t>(idx)];
-        const double x = P.Coords[0], y = P.Coords[1], z = P.Coords[2];
-        P.Q[qi(1, 1)] += 1.0;
-        P.Q[qi(2, 2)] += 1.0;
-        P.Q[qi(3, 3)] += 1.0;
-        P.Q[qi(1, 4)] -= x;
-        P.Q[qi(2, 4)] -= y;
-        P.Q[qi(3, 4)] -= z;
-        P.Q[qi(4, 4)] += x * x + y * y + z * z;
+        const std::size_t pi = static_cast<std::size_t>(idx);
+        Quadric& Q = pQ_[pi];
+        const double x = pCoords_[pi][0], y = pCoords_[pi][1], z = pCoords_[pi][2];
+        Q[qi(1, 1)] += 1.0;
+        Q[qi(2, 2)] += 1.0;
+        Q[qi(3, 3)] += 1.0;
+        Q[qi(1, 4)] -= x;
+        Q[qi(2, 4)] -= y;
+        Q[qi(3, 4)] -= z;
+        Q[qi(4, 4)] += x * x + y * y + z * z;
     }
+}
+
+void SurfSimpli::sumEdgeQuadric(int edge, Quadric& q) const {
+    const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
+    const double* a = pQ_[static_cast<std::size_t>(E.a)].data();
+    const double* b = pQ_[static_cast<std::size_t>(E.b)].data();
+    // probe is NaN exactly when some term is not finite (x * 0 is 0 for every finite x)
+    double probe = 0.0;
+    for (std::size_t k = 0; k < 16; ++k) {
+        q[k] = a[k] + b[k];
+        probe += q[k] * 0.0;
+    }
+    if (probe != probe) vexil::raiseOverflow(); // MatrixADD raises on a non-finite sum
+}
+
+Quadric SurfSimpli::EdgeQuadric(int edge) const {
+    const EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
+    const Quadric& a = pQ_[static_cast<std::size_t>(E.a)];
+    const Quadric& b = pQ_[static_cast<std::size_t>(E.b)];
+    Quadric q;
+    for (std::size_t k = 0; k < 16; ++k) q[k] = a[k] + b[k];
+    return q;
 }
 
 void SurfSimpli::EvaluateEdgeQuadric(int edge) {
-    pristine_ = false;
-    const SimpEdge& E = edges_.at(static_cast<std::size_t>(edge));
-    const Quadric& a = pts_.at(static_cast<std::size_t>(E.PtA)).Q;
-    const Quadric& b = pts_.at(static_cast<std::size_t>(E.PtB)).Q;
-    Quadric& q = edgeQ_[static_cast<std::size_t>(edge)];
-    bool finite = true;
-    for (std::size_t k = 0; k < 16; ++k) {
-        q[k] = a[k] + b[k];
-        finite &= std::isfinite(q[k]);
-    }
-    if (!finite) vexil::raiseOverflow(); // MatrixADD raises on a non-finite sum
+    if (edge < 0 || edge > EdgeCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+    Quadric q;
+    sumEdgeQuadric(edge, q); // nothing is stored: the sum is formed where it is used
 }
 
-double SurfSimpli::EdgeCostAt(int edge) const {
-    const SimpEdge& E = edges_.at(static_cast<std::size_t>(edge));
-    const Quadric& a = pts_.at(static_cast<std::size_t>(E.PtA)).Q;
-    const Quadric& b = pts_.at(static_cast<std::size_t>(E.PtB)).Q;
-    const double v[4] = {E.NewCoords[0], E.NewCoords[1], E.NewCoords[2], 1.0};
-    // v^T (a + b) v, as MatrixTranspose and two MatrixMultiply sum it: each sum from 0, k upward.
+double SurfSimpli::costAt(const EdgeHot& E, const Quadric& q) const {
+    const double v[4] = {E.nc[0], E.nc[1], E.nc[2], 1.0};
+    // v^T Q v, as MatrixTranspose and two MatrixMultiply sum it: each sum from 0, k upward.
     // Any non-finite intermediate makes the result non-finite, so one test stands for the
     // library's test of each term.
-    double cost = 0.0;
-    for (int j = 0; j < 4; ++j) {
-        double r = 0.0;
-        for (int k = 0; k < 4; ++k) r += v[k] * (a[static_cast<std::size_t>(k * 4 + j)] + b[static_cast<std::size_t>(k * 4 + j)]);
-        cost += r * v[j];
-    }
-    return fin(cost);
-}
-
-double SurfSimpli::edgeCostFromEdgeQuadric(int edge) const {
-    const SimpEdge& E = edges_[static_cast<std::size_t>(edge)];
-    const Quadric& q = edgeQ_[static_cast<std::size_t>(edge)];
-    const double v[4] = {E.NewCoords[0], E.NewCoords[1], E.NewCoords[2], 1.0};
     double cost = 0.0;
     for (int j = 0; j < 4; ++j) {
         double r = 0.0;
@@ -274,103 +286,154 @@ double SurfSimpli::edgeCostFromEdgeQuadric(int edge) const {
     return fin(cost);
 }
 
+double SurfSimpli::EdgeCostAt(int edge) const {
+    const EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
+    const Quadric q = EdgeQuadric(edge); // added afresh, as MatrixADD would (a non-finite sum ends in a non-finite cost)
+    return costAt(E, q);
+}
+
 void SurfSimpli::PlaceAtBetterEnd(int edge) {
     pristine_ = false;
-    SimpEdge& E = edges_.at(static_cast<std::size_t>(edge));
-    const double* A = pts_.at(static_cast<std::size_t>(E.PtA)).Coords;
-    const double* B = pts_.at(static_cast<std::size_t>(E.PtB)).Coords;
-    for (int k = 0; k < 3; ++k) E.NewCoords[k] = A[k];
-    const double c1 = EdgeCostAt(edge);
+    EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
+    const Vec3 A = pCoords_[static_cast<std::size_t>(E.a)];
+    const Vec3 B = pCoords_[static_cast<std::size_t>(E.b)];
+    const Quadric q = EdgeQuadric(edge);
+    for (int k = 0; k < 3; ++k) E.nc[k] = A[static_cast<std::size_t>(k)];
+    const double c1 = costAt(E, q);
     if (c1 == 0.0) return;
-    for (int k = 0; k < 3; ++k) E.NewCoords[k] = B[k];
-    const double c2 = EdgeCostAt(edge);
+    for (int k = 0; k < 3; ++k) E.nc[k] = B[static_cast<std::size_t>(k)];
+    const double c2 = costAt(E, q);
     if (c1 < c2)
-        for (int k = 0; k < 3; ++k) E.NewCoords[k] = A[k];
+        for (int k = 0; k < 3; ++k) E.nc[k] = A[static_cast<std::size_t>(k)];
+}
+
+// Elimination without pivoting. Every value and divisor is tested as the library tests it; a
+// failed test means the fallback to the better end (no later step has side effects, so testing
+// them all and deciding once gives the same answer as stopping at the first failure).
+void SurfSimpli::placeOptimal(int edge, const Quadric& q) {
+    bool ok = true;
+    auto f = [&ok](double v) {
+        ok &= std::isfinite(v);
+        return v;
+    };
+    auto div = [&ok, &f](double a, double b) {
+        ok &= b != 0.0;
+        return f(a / b);
+    };
+    auto Q = [&](int r, int c) { return q[static_cast<std::size_t>(qi(r, c))]; };
+    const double k1 = div(Q(1, 2), Q(1, 1));
+    const double k2 = div(Q(1, 3), Q(1, 1));
+    const double m = f(k1 * Q(1, 3));
+    const double a22 = f(Q(2, 2) - f(k1 * Q(1, 2)));
+    const double a23 = f(Q(2, 3) - m);
+    const double a24 = f(Q(2, 4) - f(k1 * Q(1, 4)));
+    const double a32 = f(Q(2, 3) - m);
+    const double a33 = f(Q(3, 3) - f(k2 * Q(1, 3)));
+    const double a34 = f(Q(3, 4) - f(k2 * Q(1, 4)));
+    const double z = div(f(f(a32 * a24) - f(a22 * a34)), f(f(a22 * a33) - f(a32 * a23)));
+    const double y = div(f(f(-a23 * z) - a24), a22);
+    const double x = div(f(f(f(-Q(1, 2) * y) - f(z * Q(1, 3))) - Q(1, 4)), Q(1, 1));
+    if (!ok) {
+        PlaceAtBetterEnd(edge);
+        return;
+    }
+    EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
+    E.nc[0] = x;
+    E.nc[1] = y;
+    E.nc[2] = z;
+}
+
+// The settled formula; a zero divisor or a non-finite term falls back to the better end. The
+// terms are tested together once the division is done: no later value can hide an earlier
+// non-finite one except a division, which is tested before it is made.
+void SurfSimpli::placeOnSegment(int edge, const Quadric& q) {
+    EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
+    const double* A = pCoords_[static_cast<std::size_t>(E.a)].data();
+    const double* B = pCoords_[static_cast<std::size_t>(E.b)].data();
+    const double q11 = q[0], q12 = q[1], q13 = q[2], q14 = q[3], q22 = q[5], q23 = q[6], q24 = q[7], q33 = q[10],
+                 q34 = q[11];
+    const double p0 = A[0], p1 = A[1], p2 = A[2];
+    const double d0 = B[0] - A[0], d1 = B[1] - A[1], d2 = B[2] - A[2];
+    const double N = q11 * p0 * d0 + q12 * (d1 * p0 + d0 * p1) + q13 * (d2 * p0 + d0 * p2) + q14 * d0 + q22 * p1 * d1 +
+                     q23 * (d2 * p1 + d1 * p2) + q24 * d1 + q33 * p2 * d2 + q34 * d2;
+    // the Q(3,3) term stands inside the bracket multiplied by d1
+    const double D = (2 * q23 * d2 + q22 * d1 + q33 * d2 * d2) * d1 + (2 * q12 * d1 + q11 * d0 + 2 * q13 * d2) * d0;
+    // N * 0 + D * 0 + ... is NaN exactly when one of them is not finite
+    if (D != 0.0 && (d0 * 0.0 + d1 * 0.0 + d2 * 0.0 + N * 0.0 + D * 0.0) == 0.0) {
+        double t = -N / D;
+        if (t * 0.0 == 0.0) { // finite before it is clamped
+            if (t < 0) t = 0;
+            if (t > 1) t = 1;
+            // VectorScale then VectorAdd
+            const double s0 = t * d0, s1 = t * d1, s2 = t * d2;
+            const double n0 = p0 + s0, n1 = p1 + s1, n2 = p2 + s2;
+            if ((s0 * 0.0 + s1 * 0.0 + s2 * 0.0 + n0 * 0.0 + n1 * 0.0 + n2 * 0.0) == 0.0) {
+                E.nc[0] = n0;
+                E.nc[1] = n1;
+                E.nc[2] = n2;
+                return;
+            }
+        }
+    }
+    PlaceAtBetterEnd(edge);
 }
 
 void SurfSimpli::PlaceOptimal(int edge) {
     pristine_ = false;
-    double x, y, z;
-    try {
-        const Quadric& q = edgeQ_.at(static_cast<std::size_t>(edge));
-        auto Q = [&](int r, int c) { return q[static_cast<std::size_t>(qi(r, c))]; };
-        const double k1 = cdiv(Q(1, 2), Q(1, 1));
-        const double k2 = cdiv(Q(1, 3), Q(1, 1));
-        const double m = fin(k1 * Q(1, 3));
-        const double a22 = fin(Q(2, 2) - fin(k1 * Q(1, 2)));
-        const double a23 = fin(Q(2, 3) - m);
-        const double a24 = fin(Q(2, 4) - fin(k1 * Q(1, 4)));
-        const double a32 = fin(Q(2, 3) - m);
-        const double a33 = fin(Q(3, 3) - fin(k2 * Q(1, 3)));
-        const double a34 = fin(Q(3, 4) - fin(k2 * Q(1, 4)));
-        z = cdiv(fin(fin(a32 * a24) - fin(a22 * a34)), fin(fin(a22 * a33) - fin(a32 * a23)));
-        y = cdiv(fin(fin(-a23 * z) - a24), a22);
-        x = cdiv(fin(fin(fin(-Q(1, 2) * y) - fin(z * Q(1, 3))) - Q(1, 4)), Q(1, 1));
-    } catch (const vexil::VexilError&) {
-        PlaceAtBetterEnd(edge);
-        return;
-    }
-    SimpEdge& E = edges_[static_cast<std::size_t>(edge)];
-    E.NewCoords[0] = x;
-    E.NewCoords[1] = y;
-    E.NewCoords[2] = z;
+    if (edge < 0 || edge > EdgeCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+    placeOptimal(edge, EdgeQuadric(edge));
 }
 
 void SurfSimpli::PlaceOnSegment(int edge) {
     pristine_ = false;
-    double nc[3];
-    try {
-        const SimpEdge& E = edges_.at(static_cast<std::size_t>(edge));
-        const double* A = pts_.at(static_cast<std::size_t>(E.PtA)).Coords;
-        const double* B = pts_.at(static_cast<std::size_t>(E.PtB)).Coords;
-        const Quadric& q = edgeQ_[static_cast<std::size_t>(edge)];
-        auto Q = [&](int r, int c) { return q[static_cast<std::size_t>(qi(r, c))]; };
-        const double p0 = A[0], p1 = A[1], p2 = A[2];
-        const double d0 = fin(B[0] - A[0]), d1 = fin(B[1] - A[1]), d2 = fin(B[2] - A[2]);
-        const double N = fin(Q(1, 1) * p0 * d0 + Q(1, 2) * (d1 * p0 + d0 * p1) + Q(1, 3) * (d2 * p0 + d0 * p2) +
-                             Q(1, 4) * d0 + Q(2, 2) * p1 * d1 + Q(2, 3) * (d2 * p1 + d1 * p2) + Q(2, 4) * d1 +
-                             Q(3, 3) * p2 * d2 + Q(3, 4) * d2);
-        // the formula as settled: the Q(3,3) term stands inside the bracket multiplied by d1
-        const double D = fin((2 * Q(2, 3) * d2 + Q(2, 2) * d1 + Q(3, 3) * d2 * d2) * d1 +
-                             (2 * Q(1, 2) * d1 + Q(1, 1) * d0 + 2 * Q(1, 3) * d2) * d0);
-        double t = cdiv(-N, D);
-        if (t < 0) t = 0;
-        if (t > 1) t = 1;
-        // VectorScale then VectorAdd
-        const double s0 = fin(t * d0), s1 = fin(t * d1), s2 = fin(t * d2);
-        nc[0] = fin(p0 + s0);
-        nc[1] = fin(p1 + s1);
-        nc[2] = fin(p2 + s2);
-    } catch (const vexil::VexilError&) {
-        PlaceAtBetterEnd(edge);
-        return;
-    }
-    SimpEdge& E = edges_[static_cast<std::size_t>(edge)];
-    E.NewCoords[0] = nc[0];
-    E.NewCoords[1] = nc[1];
-    E.NewCoords[2] = nc[2];
+    if (edge < 0 || edge > EdgeCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+    placeOnSegment(edge, EdgeQuadric(edge));
+}
+
+void SurfSimpli::evaluateEdge(int edge, const Quadric& q) {
+    if (geomOnly_) placeOptimal(edge, q);
+    else placeOnSegment(edge, q);
+    EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
+    E.cost = costAt(E, q);
 }
 
 void SurfSimpli::EvaluateAllEdges() {
     pristine_ = false;
+    Quadric q;
     for (int e = 1; e <= EdgeCount(); ++e) {
-        if (!edges_[static_cast<std::size_t>(e)].Valid) continue;
-        EvaluateEdgeQuadric(e);
-        if (geomOnly_) PlaceOptimal(e);
-        else PlaceOnSegment(e);
-        edges_[static_cast<std::size_t>(e)].Cost = edgeCostFromEdgeQuadric(e);
+        if (!edges_[static_cast<std::size_t>(e)].valid) continue;
+        sumEdgeQuadric(e, q);
+        evaluateEdge(e, q);
     }
     heapDirty_ = true;
 }
 
 void SurfSimpli::EvaluateAffectedEdges() {
     pristine_ = false;
-    for (const std::int32_t e : affectedEdges_) {
-        EvaluateEdgeQuadric(e);
-        if (geomOnly_) PlaceOptimal(e);
-        else PlaceOnSegment(e);
-        edges_[static_cast<std::size_t>(e)].Cost = edgeCostFromEdgeQuadric(e);
-        heapUpdate(e);
+    alignas(64) Quadric q;
+    const std::size_t n = affectedEdges_.size();
+    // The records of a neighbourhood lie anywhere in the arrays: ask for the next edges' ends
+    // and heap slots ahead of their turn.
+    auto ahead = [&](std::size_t i) {
+        const EdgeHot& E = edges_[static_cast<std::size_t>(affectedEdges_[i])];
+        __builtin_prefetch(pQ_[static_cast<std::size_t>(E.a)].data());
+        __builtin_prefetch(pQ_[static_cast<std::size_t>(E.a)].data() + 8);
+        __builtin_prefetch(pQ_[static_cast<std::size_t>(E.b)].data());
+        __builtin_prefetch(pQ_[static_cast<std::size_t>(E.b)].data() + 8);
+        __builtin_prefetch(&pCoords_[static_cast<std::size_t>(E.a)]);
+        __builtin_prefetch(&pCoords_[static_cast<std::size_t>(E.b)]);
+        heap_.prefetch(affectedEdges_[i]);
+    };
+    for (std::size_t i = 0; i < n && i < 3; ++i) __builtin_prefetch(&edges_[static_cast<std::size_t>(affectedEdges_[i])]);
+    for (std::size_t i = 0; i < n && i < 2; ++i) ahead(i);
+    for (std::size_t i = 0; i < n; ++i) {
+        if (i + 3 < n) __builtin_prefetch(&edges_[static_cast<std::size_t>(affectedEdges_[i + 3])]);
+        if (i + 2 < n) ahead(i + 2);
+        const std::int32_t e = affectedEdges_[i];
+        const double oldCost = edges_[static_cast<std::size_t>(e)].cost;
+        sumEdgeQuadric(e, q);
+        evaluateEdge(e, q);
+        heapUpdate(e, oldCost);
     }
 }
 

@@ -9,7 +9,7 @@ namespace simplify {
 
 void SurfSimpli::project(int point, double& x, double& y, bool& ok) const {
     ok = canvas_ && point >= 0 && point <= PointCount() &&
-         canvas_->project(pts_[static_cast<std::size_t>(point)].Coords, x, y);
+         canvas_->project(pCoords_[static_cast<std::size_t>(point)].data(), x, y);
 }
 
 void SurfSimpli::DisplayPoint(int point, SimpPen pen) {
@@ -21,20 +21,20 @@ void SurfSimpli::DisplayPoint(int point, SimpPen pen) {
 
 void SurfSimpli::DisplayEdge(int edge, SimpPen pen) {
     if (!canvas_ || edge < 1 || edge > EdgeCount()) return;
-    const SimpEdge& E = edges_[static_cast<std::size_t>(edge)];
+    const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
     double x1, y1, x2, y2;
     bool ok1, ok2;
-    project(E.PtA, x1, y1, ok1);
-    project(E.PtB, x2, y2, ok2);
+    project(E.a, x1, y1, ok1);
+    project(E.b, x2, y2, ok2);
     if (ok1 && ok2) canvas_->drawLine(pen, x1, y1, x2, y2);
 }
 
 void SurfSimpli::DisplayTri(int tri, SimpPen pen) {
     if (!canvas_ || tri < 1 || tri > TriCount()) return;
-    const SimpTri& T = tris_[static_cast<std::size_t>(tri)];
+    const TriHot& T = tris_[static_cast<std::size_t>(tri)];
     double x[3], y[3];
     bool ok[3];
-    for (int k = 0; k < 3; ++k) project(T.Pts[k], x[k], y[k], ok[k]);
+    for (int k = 0; k < 3; ++k) project(T.pts[k], x[k], y[k], ok[k]);
     for (int k = 0; k < 3; ++k) {
         const int n = (k + 1) % 3;
         if (ok[k] && ok[n]) canvas_->drawLine(pen, x[k], y[k], x[n], y[n]);
@@ -44,23 +44,23 @@ void SurfSimpli::DisplayTri(int tri, SimpPen pen) {
 void SurfSimpli::DisplayTriAndAssEdges(int tri) {
     if (tri < 1 || tri > TriCount()) return;
     DisplayTri(tri, SimpPen::White1);
-    for (const int e : tris_[static_cast<std::size_t>(tri)].Edges) DisplayEdge(e, SimpPen::Red2);
+    for (const int e : tris_[static_cast<std::size_t>(tri)].edges) DisplayEdge(e, SimpPen::Red2);
 }
 
 void SurfSimpli::DisplayEdgeAndAssTris(int edge) {
     if (edge < 1 || edge > EdgeCount()) return;
-    for (const int t : edges_[static_cast<std::size_t>(edge)].AssTris) DisplayTri(t, SimpPen::Blue1);
+    for (const int t : eTris_.copy(static_cast<std::size_t>(edge))) DisplayTri(t, SimpPen::Blue1);
     DisplayEdge(edge, SimpPen::Red2);
 }
 
 void SurfSimpli::Pt_DisplayAssociatedEdges(int point) {
     if (point < 1 || point > PointCount()) return;
-    for (const int e : pts_[static_cast<std::size_t>(point)].AssEdges) DisplayEdge(e, SimpPen::Green2);
+    for (const int e : pEdges_.copy(static_cast<std::size_t>(point))) DisplayEdge(e, SimpPen::Green2);
 }
 
 void SurfSimpli::Pt_DisplayAssociatedTris(int point) {
     if (point < 1 || point > PointCount()) return;
-    for (const int t : pts_[static_cast<std::size_t>(point)].AssTris) DisplayTri(t, SimpPen::Blue1);
+    for (const int t : pTris_.copy(static_cast<std::size_t>(point))) DisplayTri(t, SimpPen::Blue1);
 }
 
 void SurfSimpli::DisplayPtAssEdgsAndAssTris(int point) {
@@ -73,8 +73,8 @@ void SurfSimpli::DisplayMinCostEdge() { DisplayEdge(minEdge_, SimpPen::Yellow2);
 
 void SurfSimpli::DrawAllBorderEdges() {
     for (int e = 1; e <= EdgeCount(); ++e) {
-        const SimpEdge& E = edges_[static_cast<std::size_t>(e)];
-        if (E.Valid && E.IsBorder) DisplayEdge(e, SimpPen::Red1);
+        const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
+        if (E.valid && E.border) DisplayEdge(e, SimpPen::Red1);
     }
 }
 
@@ -84,7 +84,7 @@ void SurfSimpli::DisplayAffectedEdges() {
 
 void SurfSimpli::DrawSelectedPts() {
     for (const int p : selectedPts_)
-        if (p >= 1 && p <= PointCount() && pts_[static_cast<std::size_t>(p)].Valid) DisplayPoint(p, SimpPen::Red2);
+        if (p >= 1 && p <= PointCount() && pValid_[static_cast<std::size_t>(p)]) DisplayPoint(p, SimpPen::Red2);
 }
 
 void SurfSimpli::SelectMultiplePoints(double x1, double y1, double x2, double y2, bool ignoreBackFaced,
@@ -94,17 +94,18 @@ void SurfSimpli::SelectMultiplePoints(double x1, double y1, double x2, double y2
     selectedMark_.clear();
     if (mode == SelectMode::Replace) selectedPts_.clear();
     for (int p = 1; p <= PointCount(); ++p) {
-        const SimpPoint& P = pts_[static_cast<std::size_t>(p)];
-        if (!P.Valid) continue;
+        const std::size_t pi = static_cast<std::size_t>(p);
+        if (!pValid_[pi]) continue;
         double x, y;
         bool ok;
         project(p, x, y, ok);
         if (!ok || x < left || x > right || y < top || y > bottom) continue;
         if (ignoreBackFaced && cameraLocation) {
             // faces away: the vertex normal points away from the camera
-            const double d = P.VertNormal[0] * (cameraLocation[0] - P.Coords[0]) +
-                             P.VertNormal[1] * (cameraLocation[1] - P.Coords[1]) +
-                             P.VertNormal[2] * (cameraLocation[2] - P.Coords[2]);
+            const Vec3& n = pNormal_[pi];
+            const Vec3& c = pCoords_[pi];
+            const double d = n[0] * (cameraLocation[0] - c[0]) + n[1] * (cameraLocation[1] - c[1]) +
+                             n[2] * (cameraLocation[2] - c[2]);
             if (d < 0) continue;
         }
         if (mode == SelectMode::Remove) RemoveSelectedPt(p);

@@ -20,12 +20,23 @@ void SurfSimpli::ExtractTriangles(int group) {
         engine_->group_get_center_of_mass(group, octantCentre_);
         outputGroup_ = group;
         const std::size_t expected = count > 0 ? static_cast<std::size_t>(count) : 0;
+        const std::size_t points = expected / 2 + 16, edges = expected * 3 / 2 + 16;
         tris_.reserve(expected + 1);
-        edges_.reserve(expected * 3 / 2 + 16);
-        edgeQ_.reserve(expected * 3 / 2 + 16);
-        pts_.reserve(expected / 2 + 16);
-        pointIndex_.reserve(expected / 2 + 16);
-        edgeIndex_.reserve(expected * 3 / 2 + 16);
+        tUV_.reserve(expected + 1);
+        tBitmap_.reserve(expected + 1);
+        tBright_.reserve(expected + 1);
+        tColor_.reserve(expected + 1);
+        edges_.reserve(edges);
+        eTris_.reserve(edges, edges * 2 + 64);
+        pValid_.reserve(points);
+        pCoords_.reserve(points);
+        pQ_.reserve(points);
+        pBright_.reserve(points);
+        pNormal_.reserve(points);
+        pTris_.reserve(points, points * 8);
+        pEdges_.reserve(points, points * 8);
+        pointIndex_.reserve(points);
+        edgeIndex_.reserve(edges);
         int done = 0;
         for (int pol = engine_->group_get_first_polygon(group); pol != 0; pol = engine_->group_get_next_polygon(pol)) {
             const int bitmap = engine_->polygon_get_bitmap_handle(pol);
@@ -59,6 +70,12 @@ void SurfSimpli::ExtractTriangles(int group) {
             if (progress_) progress_->setValue(done);
         }
         if (progress_) progress_->setValue(0);
+        notePeak();
+        dropIndexes();
+        // the lists were grown one entry at a time: pack them before the copy is made
+        pTris_.compact();
+        pEdges_.compact();
+        eTris_.compact();
         CopyGeomForRestore();
         triTotal_ = TriCount();
     });
@@ -99,20 +116,6 @@ int SurfSimpli::BuildOutput() {
     });
 }
 
-namespace {
-void fillCorner(double out[9], const SimpPoint& P, const SimpTri& T, int k) {
-    out[0] = P.Coords[0]; // VectorCopy
-    out[1] = P.Coords[1];
-    out[2] = P.Coords[2];
-    out[3] = T.TexUV[k][0];
-    out[4] = T.TexUV[k][1];
-    out[5] = P.VertBrightness;
-    out[6] = P.VertNormal[0];
-    out[7] = P.VertNormal[1];
-    out[8] = P.VertNormal[2];
-}
-} // namespace
-
 bool SurfSimpli::GetFirstTriangle(double c1[9], double c2[9], double c3[9], int& bitmapHandle, double& brightness,
                                   int color[3]) {
     outCursor_ = 1;
@@ -122,13 +125,27 @@ bool SurfSimpli::GetFirstTriangle(double c1[9], double c2[9], double c3[9], int&
 bool SurfSimpli::GetNextTriangle(double c1[9], double c2[9], double c3[9], int& bitmapHandle, double& brightness,
                                  int color[3]) {
     for (int t = std::max(outCursor_, 1); t <= TriCount(); ++t) {
-        const SimpTri& T = tris_[static_cast<std::size_t>(t)];
-        if (!T.Valid) continue;
+        const std::size_t ti = static_cast<std::size_t>(t);
+        const TriHot& T = tris_[ti];
+        if (!T.valid) continue;
         double* out[3] = {c1, c2, c3};
-        for (int k = 0; k < 3; ++k) fillCorner(out[k], pts_.at(static_cast<std::size_t>(T.Pts[k])), T, k);
-        bitmapHandle = T.BitmapHandle;
-        brightness = T.TriBrightness;
-        for (int k = 0; k < 3; ++k) color[k] = T.TriColor[k];
+        for (int k = 0; k < 3; ++k) {
+            const std::size_t p = static_cast<std::size_t>(T.pts[k]);
+            if (p >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+            double* o = out[k];
+            o[0] = pCoords_[p][0]; // VectorCopy
+            o[1] = pCoords_[p][1];
+            o[2] = pCoords_[p][2];
+            o[3] = tUV_[ti][static_cast<std::size_t>(k * 2)];
+            o[4] = tUV_[ti][static_cast<std::size_t>(k * 2 + 1)];
+            o[5] = pBright_[p];
+            o[6] = pNormal_[p][0];
+            o[7] = pNormal_[p][1];
+            o[8] = pNormal_[p][2];
+        }
+        bitmapHandle = tBitmap_[ti];
+        brightness = tBright_[ti];
+        for (int k = 0; k < 3; ++k) color[k] = tColor_[ti][static_cast<std::size_t>(k)];
         outCursor_ = t + 1;
         return true;
     }

@@ -1,5 +1,5 @@
-// the simplification mesh: the mesh model of SurfSimpli (records, sharing of points and edges, walks, the copy
-// kept for restarting, the selection list).
+// The simplification mesh: records, sharing of points and edges, walks, the copy kept for
+// restarting, the selection list.
 #include "simplify/SurfSimpli.h"
 
 #include "base/VexilError.h"
@@ -19,6 +19,7 @@ std::uint64_t edgeKey(int a, int b) {
 int octantOf(const double c[3], const double centre[3]) {
     return (c[0] < centre[0] ? 0 : 1) | (c[1] < centre[1] ? 0 : 2) | (c[2] < centre[2] ? 0 : 4);
 }
+template <class T> std::size_t bytes(const std::vector<T>& v) { return v.capacity() * sizeof(T); }
 } // namespace
 
 std::size_t SurfSimpli::PointKeyHash::operator()(const PointKey& k) const {
@@ -54,42 +55,112 @@ void SurfSimpli::SetOptions(bool protectTexSeams, bool geomOnly, bool lockSelect
     protectColorBorders_ = protectColorBorders;
 }
 
+// ---- the records as copies ----
+
+SimpPoint SurfSimpli::Point(int i) const {
+    const std::size_t p = static_cast<std::size_t>(i);
+    SimpPoint P;
+    P.Valid = pValid_.at(p) != 0;
+    for (int k = 0; k < 3; ++k) P.Coords[k] = pCoords_[p][static_cast<std::size_t>(k)];
+    P.AssTris = pTris_.copy(p);
+    P.AssEdges = pEdges_.copy(p);
+    P.Q = pQ_[p];
+    P.VertBrightness = pBright_[p];
+    for (int k = 0; k < 3; ++k) P.VertNormal[k] = pNormal_[p][static_cast<std::size_t>(k)];
+    return P;
+}
+
+SimpEdge SurfSimpli::Edge(int i) const {
+    const std::size_t e = static_cast<std::size_t>(i);
+    const EdgeHot& H = edges_.at(e);
+    SimpEdge E;
+    E.Valid = H.valid;
+    E.IsBorder = H.border;
+    E.PtA = H.a;
+    E.PtB = H.b;
+    E.AssTris = eTris_.copy(e);
+    for (int k = 0; k < 3; ++k) E.NewCoords[k] = H.nc[k];
+    E.Cost = H.cost;
+    return E;
+}
+
+SimpTri SurfSimpli::Tri(int i) const {
+    const std::size_t t = static_cast<std::size_t>(i);
+    const TriHot& H = tris_.at(t);
+    SimpTri T;
+    T.Valid = H.valid;
+    for (int k = 0; k < 3; ++k) {
+        T.Pts[k] = H.pts[k];
+        T.Edges[k] = H.edges[k];
+        T.TexUV[k][0] = tUV_[t][static_cast<std::size_t>(k * 2)];
+        T.TexUV[k][1] = tUV_[t][static_cast<std::size_t>(k * 2 + 1)];
+        T.TriColor[k] = tColor_[t][static_cast<std::size_t>(k)];
+    }
+    for (int k = 0; k < 4; ++k) T.Plane[k] = H.plane[k];
+    T.BitmapHandle = tBitmap_[t];
+    T.TriBrightness = tBright_[t];
+    return T;
+}
+
 // ---- building ----
+
+std::size_t SurfSimpli::newPoint(const double coords[3]) {
+    pValid_.push_back(1);
+    pCoords_.push_back(Vec3{coords[0], coords[1], coords[2]});
+    pQ_.push_back(Quadric{});
+    pBright_.push_back(0.0);
+    pNormal_.push_back(Vec3{0, 0, 0});
+    pTris_.addList();
+    pEdges_.addList();
+    return pValid_.size() - 1;
+}
+
+std::size_t SurfSimpli::newEdge(int pA, int pB) {
+    edges_.push_back(EdgeHot{pA, pB, 0.0, {0, 0, 0}, true, false});
+    eTris_.addList();
+    return edges_.size() - 1;
+}
+
+// Brightness and normals of existing points change only here: the copy for restarting takes
+// them before the first such change after it was made.
+void SurfSimpli::copyColdForRestore() {
+    if (!backup_.made || backup_.coldCopied) return;
+    backup_.pBright.assign(pBright_.begin(), pBright_.begin() + static_cast<std::ptrdiff_t>(backup_.points));
+    backup_.pNormal.assign(pNormal_.begin(), pNormal_.begin() + static_cast<std::ptrdiff_t>(backup_.points));
+    backup_.coldCopied = true;
+}
 
 void SurfSimpli::AddTriangle(const double c1[9], const double c2[9], const double c3[9], const double plane[4],
                              int bitmapHandle, double brightness, const int color[3]) {
     pristine_ = false;
-    tris_.emplace_back();
+    copyColdForRestore();
+    tris_.push_back(TriHot{});
+    tUV_.push_back({});
+    tBitmap_.push_back(bitmapHandle);
+    tBright_.push_back(brightness);
+    tColor_.push_back({color[0], color[1], color[2]});
     const int t = TriCount();
-    {
-        SimpTri& tri = tris_.back();
-        tri.Valid = true;
-        tri.BitmapHandle = bitmapHandle;
-        tri.TriBrightness = brightness;
-        for (int k = 0; k < 3; ++k) tri.TriColor[k] = color[k];
-    }
+    const std::size_t ti = static_cast<std::size_t>(t);
+    tris_[ti].valid = true;
     const double* corners[3] = {c1, c2, c3};
     for (int k = 0; k < 3; ++k) {
         const int p = BucketPoint(corners[k], t);
-        SimpTri& tri = tris_[static_cast<std::size_t>(t)];
-        tri.Pts[k] = p;
-        tri.TexUV[k][0] = corners[k][3];
-        tri.TexUV[k][1] = corners[k][4];
+        tris_[ti].pts[k] = p;
+        tUV_[ti][static_cast<std::size_t>(k * 2)] = corners[k][3];
+        tUV_[ti][static_cast<std::size_t>(k * 2 + 1)] = corners[k][4];
     }
-    SimpTri& tri = tris_[static_cast<std::size_t>(t)];
-    for (int k = 0; k < 4; ++k) tri.Plane[k] = plane[k];
-    const int p1 = tri.Pts[0], p2 = tri.Pts[1], p3 = tri.Pts[2];
+    for (int k = 0; k < 4; ++k) tris_[ti].plane[k] = plane[k];
+    const int p1 = tris_[ti].pts[0], p2 = tris_[ti].pts[1], p3 = tris_[ti].pts[2];
     const int e1 = AddEdgeOfTri(p1, p2, t);
     const int e2 = AddEdgeOfTri(p2, p3, t);
     const int e3 = AddEdgeOfTri(p3, p1, t);
-    SimpTri& tr = tris_[static_cast<std::size_t>(t)];
-    tr.Edges[0] = e1;
-    tr.Edges[1] = e2;
-    tr.Edges[2] = e3;
+    tris_[ti].edges[0] = e1;
+    tris_[ti].edges[1] = e2;
+    tris_[ti].edges[2] = e3;
     for (int k = 0; k < 3; ++k) {
-        SimpPoint& P = pts_[static_cast<std::size_t>(tr.Pts[k])];
-        P.VertBrightness = corners[k][5];
-        for (int n = 0; n < 3; ++n) P.VertNormal[n] = corners[k][6 + n];
+        const std::size_t p = static_cast<std::size_t>(tris_[ti].pts[k]);
+        pBright_[p] = corners[k][5];
+        for (int n = 0; n < 3; ++n) pNormal_[p][static_cast<std::size_t>(n)] = corners[k][6 + n];
     }
 }
 
@@ -102,16 +173,12 @@ int SurfSimpli::BucketPoint(const double coords[3], int tri) {
     if (hashable) {
         const std::int32_t found = pointIndex_.find(key);
         if (found != 0) {
-            pts_.at(static_cast<std::size_t>(found)).AssTris.push_back(tri);
+            pTris_.push(static_cast<std::size_t>(found), tri);
             return found;
         }
     }
-    pts_.emplace_back();
-    const int p = PointCount();
-    SimpPoint& P = pts_.back();
-    P.Valid = true;
-    for (int k = 0; k < 3; ++k) P.Coords[k] = coords[k];
-    P.AssTris.push_back(tri);
+    const int p = static_cast<int>(newPoint(coords));
+    pTris_.push(static_cast<std::size_t>(p), tri);
     SimpBucketEntry entry;
     entry.Point = p;
     for (int k = 0; k < 3; ++k) entry.Coords[k] = coords[k];
@@ -125,33 +192,24 @@ int SurfSimpli::AddEdgeOfTri(int pA, int pB, int tri) {
     if (edgeIndexDirty_) rebuildEdgeIndex();
     const std::uint64_t key = edgeKey(pA, pB);
     int e = edgeIndex_.find(key);
-    if (e != 0) {
-        edges_[static_cast<std::size_t>(e)].AssTris.push_back(tri);
-    } else {
-        edges_.emplace_back();
-        edgeQ_.emplace_back();
-        e = EdgeCount();
-        SimpEdge& E = edges_.back();
-        E.Valid = true;
-        E.PtA = pA;
-        E.PtB = pB;
-        E.AssTris.push_back(tri);
+    if (e == 0) {
+        e = static_cast<int>(newEdge(pA, pB));
         edgeIndex_.emplace(key, e);
     }
-    addIfAbsent(pts_.at(static_cast<std::size_t>(pA)).AssEdges, e);
-    addIfAbsent(pts_.at(static_cast<std::size_t>(pB)).AssEdges, e);
+    eTris_.push(static_cast<std::size_t>(e), tri);
+    pEdges_.addIfAbsent(static_cast<std::size_t>(pA), e);
+    pEdges_.addIfAbsent(static_cast<std::size_t>(pB), e);
     heapDirty_ = true;
     return e;
 }
 
-void SurfSimpli::addIfAbsent(std::vector<std::int32_t>& list, std::int32_t value) {
-    if (std::find(list.begin(), list.end(), value) == list.end()) list.push_back(value);
-}
-
-// The buckets hold the positions the points had when they were made; the scan of the simplification mesh
+// The buckets hold the positions the points had when they were made; the scan of the mesh
 // compares with those, first entry first. The index keeps the first entry of each position.
 void SurfSimpli::rebuildPointIndex() {
     pointIndex_.clear();
+    std::size_t n = 0;
+    for (const auto& b : buckets_) n += b.size();
+    pointIndex_.reserve(n);
     for (int o = 0; o < 8; ++o)
         for (const SimpBucketEntry& b : buckets_[static_cast<std::size_t>(o)]) {
             if (std::isnan(b.Coords[0]) || std::isnan(b.Coords[1]) || std::isnan(b.Coords[2])) continue;
@@ -160,25 +218,34 @@ void SurfSimpli::rebuildPointIndex() {
     pointIndexDirty_ = false;
 }
 
-// The edge scan of the simplification mesh matches every edge, valid or not, by its current ends, lowest index
+// The edge scan of the mesh matches every edge, valid or not, by its current ends, lowest index
 // first. Contractions change ends, so the index is rebuilt before it is next used.
 void SurfSimpli::rebuildEdgeIndex() {
     edgeIndex_.clear();
+    edgeIndex_.reserve(edges_.size());
     for (int e = 1; e <= EdgeCount(); ++e) {
-        const SimpEdge& E = edges_[static_cast<std::size_t>(e)];
-        edgeIndex_.emplace(edgeKey(E.PtA, E.PtB), e);
+        const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
+        edgeIndex_.emplace(edgeKey(E.a, E.b), e);
     }
     edgeIndexDirty_ = false;
+}
+
+// Both indexes can be made again from the buckets and the edges; they are let go once the
+// mesh is read, and made again only if more triangles come.
+void SurfSimpli::dropIndexes() {
+    pointIndex_.release();
+    pointIndexDirty_ = true;
+    edgeIndex_.release();
+    edgeIndexDirty_ = true;
 }
 
 // ---- walks ----
 
 namespace {
-template <class Rec>
-int walk(const std::vector<Rec>& v, int from, int step, int& cursor) {
-    const int n = static_cast<int>(v.size()) - 1;
+template <class Valid>
+int walk(int n, int from, int step, int& cursor, Valid valid) {
     for (int i = from; i >= 1 && i <= n; i += step)
-        if (v[static_cast<std::size_t>(i)].Valid) {
+        if (valid(static_cast<std::size_t>(i))) {
             cursor = i;
             return i;
         }
@@ -186,29 +253,60 @@ int walk(const std::vector<Rec>& v, int from, int step, int& cursor) {
 }
 } // namespace
 
-int SurfSimpli::GetFirstValidTri() { return walk(tris_, 1, 1, triCursor_); }
-int SurfSimpli::GetNextValidTri() { return walk(tris_, triCursor_ + 1, 1, triCursor_); }
-int SurfSimpli::GetPrevValidTri() { return walk(tris_, triCursor_ - 1, -1, triCursor_); }
-int SurfSimpli::GetFirstValidEdge() { return walk(edges_, 1, 1, edgeCursor_); }
-int SurfSimpli::GetNextValidEdge() { return walk(edges_, edgeCursor_ + 1, 1, edgeCursor_); }
-int SurfSimpli::GetPrevValidEdge() { return walk(edges_, edgeCursor_ - 1, -1, edgeCursor_); }
-int SurfSimpli::GetFirstValidPt() { return walk(pts_, 1, 1, ptCursor_); }
-int SurfSimpli::GetNextValidPt() { return walk(pts_, ptCursor_ + 1, 1, ptCursor_); }
-int SurfSimpli::GetPrevValidPt() { return walk(pts_, ptCursor_ - 1, -1, ptCursor_); }
+int SurfSimpli::GetFirstValidTri() { return walk(TriCount(), 1, 1, triCursor_, [&](std::size_t i) { return tris_[i].valid; }); }
+int SurfSimpli::GetNextValidTri() {
+    return walk(TriCount(), triCursor_ + 1, 1, triCursor_, [&](std::size_t i) { return tris_[i].valid; });
+}
+int SurfSimpli::GetPrevValidTri() {
+    return walk(TriCount(), triCursor_ - 1, -1, triCursor_, [&](std::size_t i) { return tris_[i].valid; });
+}
+int SurfSimpli::GetFirstValidEdge() {
+    return walk(EdgeCount(), 1, 1, edgeCursor_, [&](std::size_t i) { return edges_[i].valid; });
+}
+int SurfSimpli::GetNextValidEdge() {
+    return walk(EdgeCount(), edgeCursor_ + 1, 1, edgeCursor_, [&](std::size_t i) { return edges_[i].valid; });
+}
+int SurfSimpli::GetPrevValidEdge() {
+    return walk(EdgeCount(), edgeCursor_ - 1, -1, edgeCursor_, [&](std::size_t i) { return edges_[i].valid; });
+}
+int SurfSimpli::GetFirstValidPt() { return walk(PointCount(), 1, 1, ptCursor_, [&](std::size_t i) { return pValid_[i] != 0; }); }
+int SurfSimpli::GetNextValidPt() {
+    return walk(PointCount(), ptCursor_ + 1, 1, ptCursor_, [&](std::size_t i) { return pValid_[i] != 0; });
+}
+int SurfSimpli::GetPrevValidPt() {
+    return walk(PointCount(), ptCursor_ - 1, -1, ptCursor_, [&](std::size_t i) { return pValid_[i] != 0; });
+}
 
 double SurfSimpli::GetEdgCost(int edge) const {
     if (edge < 0 || edge > EdgeCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
-    return edges_[static_cast<std::size_t>(edge)].Cost;
+    return edges_[static_cast<std::size_t>(edge)].cost;
 }
 
 // ---- life cycle ----
 
+void SurfSimpli::clearArrays() {
+    pValid_.assign(1, 0);
+    pCoords_.assign(1, Vec3{0, 0, 0});
+    pQ_.assign(1, Quadric{});
+    pBright_.assign(1, 0.0);
+    pNormal_.assign(1, Vec3{0, 0, 0});
+    pTris_.clear();
+    pTris_.addList();
+    pEdges_.clear();
+    pEdges_.addList();
+    edges_.assign(1, EdgeHot{0, 0, 0.0, {0, 0, 0}, false, false});
+    eTris_.clear();
+    eTris_.addList();
+    tris_.assign(1, TriHot{});
+    tUV_.assign(1, {});
+    tBitmap_.assign(1, 0);
+    tBright_.assign(1, 0.0);
+    tColor_.assign(1, {0, 0, 0});
+}
+
 void SurfSimpli::Reset() {
     pristine_ = false;
-    pts_.assign(1, SimpPoint{});
-    edges_.assign(1, SimpEdge{});
-    tris_.assign(1, SimpTri{});
-    edgeQ_.assign(1, Quadric{});
+    clearArrays();
     for (auto& b : buckets_) b.clear();
     minEdge_ = -1;
     minCost_ = 0;
@@ -226,31 +324,73 @@ void SurfSimpli::Reset() {
 }
 
 void SurfSimpli::CopyGeomForRestore() {
+    notePeak();
+    Backup& b = backup_;
+    b.made = true;
+    b.points = pValid_.size();
+    b.pValid = pValid_;
+    b.pCoords = pCoords_;
+    const bool zeroQ = std::all_of(pQ_.begin(), pQ_.end(), [](const Quadric& q) {
+        return std::all_of(q.begin(), q.end(), [](double v) { return std::bit_cast<std::uint64_t>(v) == 0; });
+    });
+    if (zeroQ) b.pQ.clear();
+    else b.pQ = pQ_;
+    b.pTris = pTris_;
+    b.pEdges = pEdges_;
+    b.edges = edges_;
+    b.edgesPlaced = std::any_of(edges_.begin(), edges_.end(), [](const EdgeHot& e) {
+        return std::bit_cast<std::uint64_t>(e.cost) != 0 || std::bit_cast<std::uint64_t>(e.nc[0]) != 0 ||
+               std::bit_cast<std::uint64_t>(e.nc[1]) != 0 || std::bit_cast<std::uint64_t>(e.nc[2]) != 0;
+    });
+    b.eTris = eTris_;
+    b.tris = tris_;
+    b.tUV = tUV_;
+    b.pBright.clear();
+    b.pNormal.clear();
+    b.coldCopied = false;
     pristine_ = true;
-    backup_.pts = pts_;
-    backup_.edges = edges_;
-    backup_.tris = tris_;
-    backup_.edgeQ = edgeQ_;
+    notePeak();
 }
 
 void SurfSimpli::RestoreGeomFromCopy() {
     // Nothing changed since the copy or the last restore: the arrays are the copy already.
-    if (pristine_ && !backup_.pts.empty()) {
+    if (pristine_ && backup_.made) {
         heapDirty_ = true;
         return;
     }
-    pristine_ = !backup_.pts.empty();
-    if (backup_.pts.empty()) { // never copied: the arrays of an empty model
-        pts_.assign(1, SimpPoint{});
-        edges_.assign(1, SimpEdge{});
-        tris_.assign(1, SimpTri{});
-        edgeQ_.assign(1, Quadric{});
-    } else {
-        pts_ = backup_.pts;
-        edges_ = backup_.edges;
-        tris_ = backup_.tris;
-        edgeQ_ = backup_.edgeQ;
+    if (!backup_.made) { // never copied: the arrays of an empty model
+        clearArrays();
+        pristine_ = false;
+        edgeIndexDirty_ = true;
+        heapDirty_ = true;
+        return;
     }
+    const Backup& b = backup_;
+    pValid_ = b.pValid;
+    pCoords_ = b.pCoords;
+    if (b.pQ.empty()) pQ_.assign(b.points, Quadric{});
+    else pQ_ = b.pQ;
+    pBright_.resize(b.points);
+    pNormal_.resize(b.points);
+    if (b.coldCopied) {
+        pBright_ = b.pBright;
+        pNormal_ = b.pNormal;
+    }
+    pTris_ = b.pTris;
+    pEdges_ = b.pEdges;
+    edges_ = b.edges;
+    if (!b.edgesPlaced)
+        for (EdgeHot& e : edges_) {
+            e.cost = 0.0;
+            e.nc[0] = e.nc[1] = e.nc[2] = 0.0;
+        }
+    eTris_ = b.eTris;
+    tris_ = b.tris;
+    tUV_ = b.tUV;
+    tBitmap_.resize(tris_.size());
+    tBright_.resize(tris_.size());
+    tColor_.resize(tris_.size());
+    pristine_ = true;
     edgeIndexDirty_ = true;
     heapDirty_ = true;
 }
@@ -268,7 +408,7 @@ void SurfSimpli::RemoveSelectedPt(std::int32_t point) {
 }
 
 void SurfSimpli::markSelected() {
-    selectedMark_.assign(pts_.size(), 0);
+    selectedMark_.assign(pValid_.size(), 0);
     for (const std::int32_t p : selectedPts_)
         if (p >= 0 && static_cast<std::size_t>(p) < selectedMark_.size()) selectedMark_[static_cast<std::size_t>(p)] = 1;
 }
@@ -279,18 +419,16 @@ bool SurfSimpli::selectedFast(int point) const {
 }
 
 std::size_t SurfSimpli::MemoryBytes() const {
-    auto listBytes = [](const std::vector<std::int32_t>& v) { return v.capacity() * sizeof(std::int32_t); };
-    auto arrays = [&](const std::vector<SimpPoint>& p, const std::vector<SimpEdge>& e, const std::vector<SimpTri>& t,
-                      const std::vector<Quadric>& q) {
-        std::size_t n = p.capacity() * sizeof(SimpPoint) + e.capacity() * sizeof(SimpEdge) +
-                        t.capacity() * sizeof(SimpTri) + q.capacity() * sizeof(Quadric);
-        for (const auto& x : p) n += listBytes(x.AssTris) + listBytes(x.AssEdges);
-        for (const auto& x : e) n += listBytes(x.AssTris);
-        return n;
-    };
-    std::size_t n = arrays(pts_, edges_, tris_, edgeQ_) + arrays(backup_.pts, backup_.edges, backup_.tris, backup_.edgeQ);
-    for (const auto& b : buckets_) n += b.capacity() * sizeof(SimpBucketEntry);
+    std::size_t n = bytes(pValid_) + bytes(pCoords_) + bytes(pQ_) + bytes(pBright_) + bytes(pNormal_) +
+                    pTris_.memoryBytes() + pEdges_.memoryBytes() + bytes(edges_) + eTris_.memoryBytes() + bytes(tris_) +
+                    bytes(tUV_) + bytes(tBitmap_) + bytes(tBright_) + bytes(tColor_);
+    const Backup& b = backup_;
+    n += bytes(b.pValid) + bytes(b.pCoords) + bytes(b.pQ) + b.pTris.memoryBytes() + b.pEdges.memoryBytes() +
+         bytes(b.edges) + b.eTris.memoryBytes() + bytes(b.tris) + bytes(b.tUV) + bytes(b.pBright) + bytes(b.pNormal);
+    for (const auto& bucket : buckets_) n += bytes(bucket);
     n += pointIndex_.memoryBytes() + edgeIndex_.memoryBytes() + heap_.memoryBytes();
+    n += bytes(ptStamp_) + bytes(edgeStamp_) + bytes(selectedMark_) + bytes(ptChanged_) + bytes(refusals_) +
+         bytes(parked_) + bytes(affectedPts_) + bytes(affectedEdges_);
     return n;
 }
 

@@ -172,7 +172,7 @@ TEST(Reduce, LockTermsTouchOnlyTheColumnOfTheConstant) {
     const simplify::Quadric before = s.Point(5).Q;
     s.AddLockTerms();
     const simplify::Quadric& q = s.Point(5).Q;
-    const double* p = s.Point(5).Coords;
+    const double* p = s.PointCoords(5);
     EXPECT_EQ(q[simplify::qi(1, 1)], before[simplify::qi(1, 1)] + 1.0);
     EXPECT_EQ(q[simplify::qi(1, 4)], before[simplify::qi(1, 4)] - p[0]);
     EXPECT_EQ(q[simplify::qi(4, 1)], before[simplify::qi(4, 1)]); // asymmetric on purpose
@@ -281,8 +281,8 @@ TEST(Reduce, PlacementHandlesSingularAndOverflowingSolves) {
         run.ref.PlaceOptimal(e);
         if (s.EdgeQuadric(e)[simplify::qi(1, 1)] != 0.0) continue; // a border's penalty: solvable
         const simplify::SimpEdge& E = s.Edge(e);
-        const double* a = s.Point(E.PtA).Coords;
-        const double* b = s.Point(E.PtB).Coords;
+        const double* a = s.PointCoords(E.PtA);
+        const double* b = s.PointCoords(E.PtB);
         const bool atA = E.NewCoords[0] == a[0] && E.NewCoords[1] == a[1] && E.NewCoords[2] == a[2];
         const bool atB = E.NewCoords[0] == b[0] && E.NewCoords[1] == b[1] && E.NewCoords[2] == b[2];
         EXPECT_TRUE(atA || atB) << e;
@@ -299,8 +299,8 @@ TEST(Reduce, TextureCoordinatesFollowThePlacementAlongTheEdge) {
     const int e = s.MinEdge();
     const simplify::SimpEdge E = s.Edge(e);
     const int kept = E.PtA, gone = E.PtB;
-    const double* K = s.Point(kept).Coords;
-    const double* G = s.Point(gone).Coords;
+    const double* K = s.PointCoords(kept);
+    const double* G = s.PointCoords(gone);
     auto dist = [](const double* a, const double* b) {
         return std::sqrt((a[0] - b[0]) * (a[0] - b[0]) + (a[1] - b[1]) * (a[1] - b[1]) + (a[2] - b[2]) * (a[2] - b[2]));
     };

@@ -1,5 +1,6 @@
 #include "MemoryEngine.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace simplify_test {
@@ -24,22 +25,50 @@ int MemoryEngine::addMesh(const MeshData& mesh, const char* name) {
     return g;
 }
 
+// The plane as libzelmar3 computes it, operation for operation: the Newell normal of the ring
+// turned over (the front is the side from which the ring runs clockwise), times the reciprocal
+// of its length, and D from the mean of the ring's points; all zero for a ring without area.
+// A mesh therefore reaches the simplification with the same bits through either engine.
 void MemoryEngine::planeOf(const MemPolygon& p, const std::vector<MemPoint>& pts, double plane[4]) {
     plane[0] = plane[1] = plane[2] = plane[3] = 0;
-    if (p.points.size() < 3) return;
-    const double* a = pts[static_cast<std::size_t>(p.points[0])].v;
-    const double* b = pts[static_cast<std::size_t>(p.points[1])].v;
-    const double* c = pts[static_cast<std::size_t>(p.points[2])].v;
-    const double u[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};
-    const double w[3] = {c[0] - a[0], c[1] - a[1], c[2] - a[2]};
-    double n[3] = {u[1] * w[2] - u[2] * w[1], u[2] * w[0] - u[0] * w[2], u[0] * w[1] - u[1] * w[0]};
-    const double len = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
-    if (len == 0 || !std::isfinite(len)) return;
-    for (int k = 0; k < 3; ++k) n[k] = -n[k] / len;
+    const std::size_t k = p.points.size();
+    if (k < 3) return;
+    auto at = [&](std::size_t i) { return pts[static_cast<std::size_t>(p.points[i])].v; };
+    double nx = 0, ny = 0, nz = 0;
+    for (std::size_t i = 0; i < k; ++i) {
+        const double* a = at(i);
+        const double* b = at((i + 1) % k);
+        nx += (a[1] - b[1]) * (a[2] + b[2]);
+        ny += (a[2] - b[2]) * (a[0] + b[0]);
+        nz += (a[0] - b[0]) * (a[1] + b[1]);
+    }
+    double lo[3] = {at(0)[0], at(0)[1], at(0)[2]}, hi[3] = {lo[0], lo[1], lo[2]};
+    for (std::size_t i = 0; i < k; ++i)
+        for (int c = 0; c < 3; ++c) {
+            lo[c] = std::min(lo[c], at(i)[c]);
+            hi[c] = std::max(hi[c], at(i)[c]);
+        }
+    const double size = std::max({hi[0] - lo[0], hi[1] - lo[1], hi[2] - lo[2]});
+    const double len = std::sqrt(nx * nx + ny * ny + nz * nz);
+    if (!(std::isfinite(len) && size > 0 && len > 1e-12 * size * size)) return;
+    const double fx = nx * -1.0, fy = ny * -1.0, fz = nz * -1.0;
+    const double l = std::sqrt(fx * fx + fy * fy + fz * fz);
+    double n[3] = {0, 0, 0};
+    if (l > 0 && std::isfinite(l)) {
+        const double r = 1.0 / l;
+        n[0] = fx * r;
+        n[1] = fy * r;
+        n[2] = fz * r;
+    }
+    double c[3] = {0, 0, 0};
+    for (std::size_t i = 0; i < k; ++i)
+        for (int j = 0; j < 3; ++j) c[j] = c[j] + at(i)[j];
+    const double inv = 1.0 / static_cast<double>(k);
+    for (double& x : c) x = x * inv;
     plane[0] = n[0];
     plane[1] = n[1];
     plane[2] = n[2];
-    plane[3] = -(n[0] * a[0] + n[1] * a[1] + n[2] * a[2]);
+    plane[3] = -(n[0] * c[0] + n[1] * c[1] + n[2] * c[2]);
 }
 
 int MemoryEngine::group_get_number_of_polygons(int group) {
@@ -64,7 +93,8 @@ void MemoryEngine::group_get_center_of_mass(int group, double out[3]) {
         for (int k = 0; k < 3; ++k) out[k] = it->second.location[k];
         return;
     }
-    for (int k = 0; k < 3; ++k) out[k] = s[k] / static_cast<double>(n);
+    const double inv = 1.0 / static_cast<double>(n); // as libzelmar3: the sum times the reciprocal
+    for (int k = 0; k < 3; ++k) out[k] = s[k] * inv;
 }
 
 int MemoryEngine::group_get_first_polygon(int group) {

@@ -1,9 +1,9 @@
 // An in-memory stand-in for the engine calls of the simplification output, so that the simplification can be run
 // on arrays of triangles without libzelmar3. Groups hold polygons, polygons hold rings of points;
-// handles are plain counters. A polygon's plane is the unit normal opposite to
-// (p2 - p1) x (p3 - p1), as the maths library says of the engine's planes ("the engine's planes
-// point the other way" than PlaneFromPoints), and D := -(n . p1); (0, 0, 0, 0) without area.
-// Output groups are recorded for comparison.
+// handles are plain counters. Planes and the centre of mass are computed with the arithmetic of
+// libzelmar3 (a polygon's front is the side from which its ring runs clockwise), so the same
+// rings give the simplification the same bits through either engine. Output groups are
+// recorded for comparison.
 #pragma once
 #include "MeshData.h"
 #include "simplify/SimplifyEngine.h"
@@ -40,10 +40,11 @@ class MemoryEngine final : public simplify::SimplifyEngine {
 public:
     // Makes a group of the mesh's faces (all their points, in ring order); answers its handle.
     int addMesh(const MeshData& mesh, const char* name = "mesh");
-    // Computes the plane of a polygon as documented above.
+    // Computes the plane of a polygon as libzelmar3 does.
     static void planeOf(const MemPolygon& p, const std::vector<MemPoint>& pts, double plane[4]);
 
     const MemGroup& group(int g) const { return groups_.at(g); }
+    std::size_t groupCount() const { return groups_.size(); }
     void setLocation(int g, const double loc[3]) {
         for (int k = 0; k < 3; ++k) groups_[g].location[k] = loc[k];
     }

@@ -38,7 +38,7 @@ MeshData firstFaces(const MeshData& mesh, std::size_t count);
 // red green blue; face vertex_indices or vertex_index lists). Throws std::runtime_error.
 MeshData loadObj(const std::string& path);
 MeshData loadPly(const std::string& path);
-MeshData loadMesh(const std::string& path); // by extension
+MeshData loadMesh(const std::string& path); // by extension (.obj, .ply); any other throws
 // Writes the mesh as OBJ (v, vt, f v/vt).
 void saveObj(const MeshData& mesh, const std::string& path);
 

@@ -231,8 +231,13 @@ MeshData loadPly(const std::string& path) {
 MeshData loadMesh(const std::string& path) {
     std::string lower = path;
     std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    if (lower.size() >= 4 && lower.compare(lower.size() - 4, 4, ".ply") == 0) return loadPly(path);
-    return loadObj(path);
+    auto endsWith = [&](const char* ext) {
+        const std::size_t n = std::strlen(ext);
+        return lower.size() >= n && lower.compare(lower.size() - n, n, ext) == 0;
+    };
+    if (endsWith(".ply")) return loadPly(path);
+    if (endsWith(".obj")) return loadObj(path);
+    throw std::runtime_error(path + ": not a mesh format this reader knows (it reads .obj and .ply)");
 }
 
 void saveObj(const MeshData& mesh, const std::string& path) {

@@ -1,6 +1,9 @@
 #include "MeshMaker.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <unordered_map>
 
 namespace simplify_test {
 
@@ -292,6 +295,60 @@ MeshData concat(const MeshData& a, const MeshData& b) {
     for (MeshFace f : b.faces) {
         for (int& v : f.v) v += off;
         m.faces.push_back(f);
+    }
+    return m;
+}
+
+MeshData subdivide(const MeshData& mesh, int levels) {
+    MeshData m = triangulateFans(mesh);
+    for (int level = 0; level < levels; ++level) {
+        double centre[3] = {0, 0, 0};
+        for (const MeshVertex& v : m.vertices)
+            for (int k = 0; k < 3; ++k) centre[k] += v.xyz[k];
+        for (double& c : centre) c /= m.vertices.empty() ? 1.0 : static_cast<double>(m.vertices.size());
+        MeshData out;
+        out.name = m.name;
+        out.vertices = m.vertices;
+        std::unordered_map<std::uint64_t, int> mid;
+        Lcg rnd(static_cast<unsigned>(level + 1));
+        auto midpoint = [&](int a, int b) {
+            const std::uint64_t key = (static_cast<std::uint64_t>(std::min(a, b)) << 32) | static_cast<std::uint32_t>(std::max(a, b));
+            const auto found = mid.find(key);
+            if (found != mid.end()) return found->second;
+            const MeshVertex &A = m.vertices[static_cast<std::size_t>(a)], &B = m.vertices[static_cast<std::size_t>(b)];
+            MeshVertex v;
+            double len = 0;
+            for (int k = 0; k < 3; ++k) {
+                const double d = B.xyz[k] - A.xyz[k];
+                len += d * d;
+            }
+            len = std::sqrt(len);
+            double dir[3], dlen = 0;
+            for (int k = 0; k < 3; ++k) {
+                dir[k] = (A.xyz[k] + B.xyz[k]) * 0.5 - centre[k];
+                dlen += dir[k] * dir[k];
+            }
+            dlen = std::sqrt(dlen);
+            const double lift = dlen > 0 ? 0.05 * len * (rnd.next() - 0.3) / dlen : 0.0;
+            for (int k = 0; k < 3; ++k) v.xyz[k] = (A.xyz[k] + B.xyz[k]) * 0.5 + lift * dir[k];
+            for (int k = 0; k < 2; ++k) v.uv[k] = (A.uv[k] + B.uv[k]) * 0.5;
+            for (int k = 0; k < 3; ++k) v.normal[k] = (A.normal[k] + B.normal[k]) * 0.5;
+            v.brightness = (A.brightness + B.brightness) * 0.5;
+            const int index = static_cast<int>(out.vertices.size());
+            out.vertices.push_back(v);
+            mid.emplace(key, index);
+            return index;
+        };
+        for (const MeshFace& f : m.faces) {
+            const int a = f.v[0], b = f.v[1], c = f.v[2];
+            const int ab = midpoint(a, b), bc = midpoint(b, c), ca = midpoint(c, a);
+            for (const auto& ring : {std::vector<int>{a, ab, ca}, {ab, b, bc}, {ca, bc, c}, {ab, bc, ca}}) {
+                MeshFace g = f;
+                g.v = ring;
+                out.faces.push_back(g);
+            }
+        }
+        m = std::move(out);
     }
     return m;
 }

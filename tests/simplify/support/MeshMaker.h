@@ -17,5 +17,9 @@ MeshData makeDuplicates(int n, unsigned seed);                             // co
 MeshData makeOneTriangle();
 MeshData makeQuad();                                                       // one four-point polygon
 MeshData concat(const MeshData& a, const MeshData& b);
+// Splits every triangle into four at its edge midpoints, `levels` times (4^levels as many
+// triangles); each new midpoint is lifted along the mean of its ends' offsets from the centroid by
+// a small deterministic amount, so the new points are not all coplanar with the old faces.
+MeshData subdivide(const MeshData& mesh, int levels);
 
 } // namespace simplify_test

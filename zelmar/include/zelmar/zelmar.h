@@ -14,6 +14,12 @@
 extern "C" {
 #endif
 
+/* The reducer behind group_create_reduced_copy, group_reduce_polygons_count and
+   engine_reduce_polygons_count, installed by the program that has one (engine_set_reducer):
+   reduces the triangles of `group` to `target` (zero_error 1: only while the next contraction
+   costs nothing, target ignored) and answers a new group holding the result, or 0. */
+typedef int (*ZELMAR_reducer)(int group, int target, int zero_error, void *context);
+
 #define ZELMAR_OP(ret, name, params) ZELMAR_API ret ZELMAR_##name params;
 #include "zelmar_ops.def"
 #include "zelmar_ext.def"

@@ -1,0 +1,112 @@
+// Many short growable lists of int32 in one array: the association lists of the simplification
+// mesh (a point's triangles and edges, an edge's triangles) without one heap block per list.
+// A list that outgrows its room moves to the end of the array with twice the room; the room it
+// left is reclaimed when the dead room exceeds the live one. Copying the whole pool (the copy
+// for restarting) is two flat copies.
+//
+// Pointers into the pool are invalidated by any push that grows a list: loops that push while
+// reading a list of the same pool read by index.
+#pragma once
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+namespace simplify {
+
+class ListPool {
+public:
+    struct Head {
+        std::uint32_t off = 0, size = 0, cap = 0;
+    };
+
+    void clear() {
+        heads_.clear();
+        data_.clear();
+        dead_ = 0;
+    }
+    void reserve(std::size_t lists, std::size_t entries) {
+        heads_.reserve(lists);
+        data_.reserve(entries);
+    }
+    // A new empty list at the end; answers its index.
+    std::size_t addList() {
+        heads_.push_back(Head{});
+        return heads_.size() - 1;
+    }
+    void resizeLists(std::size_t n) { heads_.resize(n); }
+    std::size_t lists() const { return heads_.size(); }
+
+    std::uint32_t size(std::size_t list) const { return heads_[list].size; }
+    const std::int32_t* begin(std::size_t list) const { return data_.data() + heads_[list].off; }
+    const std::int32_t* end(std::size_t list) const { return begin(list) + heads_[list].size; }
+    std::int32_t* begin(std::size_t list) { return data_.data() + heads_[list].off; }
+    std::int32_t at(std::size_t list, std::size_t i) const { return data_[heads_[list].off + i]; }
+    std::int32_t& at(std::size_t list, std::size_t i) { return data_[heads_[list].off + i]; }
+    std::vector<std::int32_t> copy(std::size_t list) const { return {begin(list), end(list)}; }
+
+    void push(std::size_t list, std::int32_t value) {
+        if (heads_[list].size == heads_[list].cap) grow(list);
+        Head& h = heads_[list];
+        data_[h.off + h.size++] = value;
+    }
+    bool contains(std::size_t list, std::int32_t value) const {
+        return std::find(begin(list), end(list), value) != end(list);
+    }
+    void addIfAbsent(std::size_t list, std::int32_t value) {
+        if (!contains(list, value)) push(list, value);
+    }
+    // Keeps the first n entries.
+    void truncate(std::size_t list, std::uint32_t n) { heads_[list].size = std::min(heads_[list].size, n); }
+    // Keeps the entries for which keep(value) is true, in their order.
+    template <class Keep> void filter(std::size_t list, Keep keep) {
+        std::int32_t* p = begin(list);
+        std::uint32_t w = 0;
+        const std::uint32_t n = heads_[list].size;
+        for (std::uint32_t r = 0; r < n; ++r)
+            if (keep(p[r])) p[w++] = p[r];
+        heads_[list].size = w;
+    }
+    void assign(std::size_t list, const std::vector<std::int32_t>& values) {
+        heads_[list].size = 0;
+        for (const std::int32_t v : values) push(list, v);
+    }
+
+    // Moves every list together, each with exactly its entries as room.
+    void compact() {
+        std::vector<std::int32_t> packed;
+        std::size_t total = 0;
+        for (const Head& h : heads_) total += h.size;
+        packed.reserve(total);
+        for (Head& h : heads_) {
+            const std::uint32_t off = static_cast<std::uint32_t>(packed.size());
+            packed.insert(packed.end(), data_.begin() + h.off, data_.begin() + h.off + h.size);
+            h.off = off;
+            h.cap = h.size;
+        }
+        data_.swap(packed);
+        dead_ = 0;
+    }
+
+    std::size_t memoryBytes() const {
+        return heads_.capacity() * sizeof(Head) + data_.capacity() * sizeof(std::int32_t);
+    }
+
+private:
+    void grow(std::size_t list) {
+        if (dead_ > 4096 && dead_ > data_.size() / 2) compact();
+        Head& h = heads_[list];
+        const std::uint32_t cap = std::max<std::uint32_t>(4, h.cap * 2);
+        const std::size_t off = data_.size();
+        data_.resize(off + cap);
+        std::copy(data_.begin() + h.off, data_.begin() + h.off + h.size, data_.begin() + static_cast<std::ptrdiff_t>(off));
+        dead_ += h.cap;
+        h.off = static_cast<std::uint32_t>(off);
+        h.cap = cap;
+    }
+
+    std::vector<Head> heads_;
+    std::vector<std::int32_t> data_;
+    std::size_t dead_ = 0;
+};
+
+} // namespace simplify

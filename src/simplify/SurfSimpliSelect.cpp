@@ -1,0 +1,265 @@
+// The choice of the next edge: the documented scan, the heap that stands in for it, the refusal
+// cache, and the three refusal tests.
+#include "simplify/SurfSimpli.h"
+
+#include "base/VexilError.h"
+#include "maths/Maths.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace simplify {
+
+namespace {
+inline double fin(double x) {
+    if (!std::isfinite(x)) vexil::raiseOverflow();
+    return x;
+}
+constexpr double kNoCost = 1e32;  // "best" at the start of a scan
+constexpr double kFloor = -1e21;  // MinCost before each fresh selection
+} // namespace
+
+bool SurfSimpli::eligible(const EdgeHot& E) { return E.valid && E.cost >= kFloor && E.cost < kNoCost; }
+
+int SurfSimpli::NextCheapestEdge(int after, const std::vector<int>& excluded) {
+    double best = kNoCost;
+    int chosen = 1;
+    const double floor = minCost_;
+    for (int i = 1; i <= EdgeCount(); ++i) {
+        const EdgeHot& E = edges_[static_cast<std::size_t>(i)];
+        if (!E.valid) continue;
+        if (std::find(excluded.begin(), excluded.end(), i) != excluded.end()) continue;
+        if (E.cost < best && E.cost >= floor && i != after) {
+            best = E.cost;
+            chosen = i;
+        }
+    }
+    if (best == kNoCost) return -1;
+    minCost_ = best;
+    return chosen;
+}
+
+void SurfSimpli::rebuildHeap() {
+    std::vector<EdgeHeap::Entry> entries;
+    entries.reserve(edges_.size());
+    for (int e = 1; e <= EdgeCount(); ++e) {
+        const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
+        if (eligible(E)) entries.push_back({E.cost, e});
+    }
+    heap_.build(std::move(entries), EdgeCount());
+    heapDirty_ = false;
+    clearRefusals();
+    parked_.assign(edges_.size(), 0);
+}
+
+// A cost that rose leaves the edge's key where it was (a lower bound, put right when the edge
+// comes up in a selection); a cost that fell moves the edge up at once.
+void SurfSimpli::heapUpdate(int edge, double oldCost) {
+    if (heapDirty_) return;
+    const std::size_t x = static_cast<std::size_t>(edge);
+    const bool wasParked = parked_[x] != 0;
+    clearPark(x);
+    const EdgeHot& E = edges_[x];
+    if (!eligible(E)) heap_.remove(edge);
+    // held keys are at most the cost they were set from, and oldCost was at least that
+    else if (wasParked || !heap_.contains(edge) || !(E.cost >= oldCost)) heap_.set(edge, E.cost);
+}
+
+// The scans of NextCheapestEdge, with the floor raised to each refused candidate's cost and the
+// refused ones excluded, visit the chosen-able edges in (cost, index) order: this visits the
+// heap in that order, without changing it, until a candidate passes the three tests.
+// A refused edge is parked out of the heap until a contraction touches one of its ends (its
+// refusal cannot change before), so later selections do not visit it again. A failed
+// selection leaves MinCost at the cost of the last chosen-able edge in that order, as the scans do.
+int SurfSimpli::SelectContractibleEdge() {
+    if (heapDirty_) rebuildHeap();
+    ++SelectionCount;
+    toPark_.clear();
+    int result = -1;
+    try {
+        stale_.clear();
+        result = heap_.visitInOrder([&](int e) { return edges_[static_cast<std::size_t>(e)].cost; }, [&](const EdgeHeap::Entry& top) {
+            ++CandidateCount;
+            minCost_ = top.cost;
+            if (CacheRefusals && knownRefused(top.edge)) {
+                ++CachedRefusals;
+                toPark_.push_back(top.edge);
+                return false;
+            }
+            const bool ok = !WouldDegenerate(top.edge) && !WouldFlipNormal(top.edge) && KeepsManifold(top.edge);
+            if (!ok && CacheRefusals) {
+                const EdgeHot& E = edges_[static_cast<std::size_t>(top.edge)];
+                refusals_[static_cast<std::size_t>(top.edge)] = Refusal{contractions_, E.a, E.b};
+                toPark_.push_back(top.edge);
+            }
+            return ok;
+        }, stale_);
+    } catch (...) {
+        heapDirty_ = true; // a test raised: the heap is rebuilt from the costs when next used
+        throw;
+    }
+    for (const int e : stale_) // risen costs met on the way: their keys become their costs
+        if (e != result && heap_.contains(e)) heap_.set(e, edges_[static_cast<std::size_t>(e)].cost);
+    for (const int e : toPark_) {
+        heap_.remove(e);
+        const std::size_t x = static_cast<std::size_t>(e);
+        if (parked_[x]) continue;
+        parked_[x] = 1; // refusals_[e] holds the ends it has now, and keeps them while parked
+        ++ptParked_[static_cast<std::size_t>(refusals_[x].a)];
+        ++ptParked_[static_cast<std::size_t>(refusals_[x].b)];
+    }
+    if (result == -1 && CacheRefusals) {
+        // every chosen-able edge was refused: the scans' last candidate is the greatest in order
+        int last = 0;
+        for (int e = 1; e <= EdgeCount(); ++e) {
+            const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
+            if (!eligible(E)) continue;
+            if (last == 0 || !(E.cost < edges_[static_cast<std::size_t>(last)].cost)) last = e;
+        }
+        if (last != 0) minCost_ = edges_[static_cast<std::size_t>(last)].cost;
+    }
+    return result;
+}
+
+void SurfSimpli::clearPark(std::size_t edge) {
+    if (edge >= parked_.size() || !parked_[edge]) return;
+    parked_[edge] = 0;
+    --ptParked_[static_cast<std::size_t>(refusals_[edge].a)];
+    --ptParked_[static_cast<std::size_t>(refusals_[edge].b)];
+}
+
+void SurfSimpli::unpark(int edge) {
+    if (static_cast<std::size_t>(edge) >= parked_.size() || !parked_[static_cast<std::size_t>(edge)]) return;
+    clearPark(static_cast<std::size_t>(edge));
+    const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
+    if (eligible(E)) heap_.set(edge, E.cost);
+}
+
+// Refusal cache. The three tests of an edge (A, B) read: the edge's ends, NewCoords and
+// AssTris; the valid triangles of A and B with their corners, positions and planes; the valid
+// edges of A and B with their ends and their triangles' validity. A contraction changes these
+// only for edges with an end among the points it touches (touchPoint in ContractEdge), so a
+// refusal stands while neither end has been touched since and the ends are the same.
+void SurfSimpli::clearRefusals() {
+    ptChanged_.assign(pValid_.size(), 0);
+    ptParked_.assign(pValid_.size(), 0);
+    refusals_.assign(edges_.size(), Refusal{});
+}
+
+bool SurfSimpli::knownRefused(int edge) const {
+    const Refusal& r = refusals_[static_cast<std::size_t>(edge)];
+    if (r.at < 0) return false;
+    const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
+    return E.a == r.a && E.b == r.b && ptChanged_[static_cast<std::size_t>(r.a)] <= r.at &&
+           ptChanged_[static_cast<std::size_t>(r.b)] <= r.at;
+}
+
+void SurfSimpli::touchTriCorners(int t) {
+    const TriHot& T = tris_[static_cast<std::size_t>(t)];
+    for (int k = 0; k < 3; ++k) touchPoint(T.pts[k]);
+}
+
+void SurfSimpli::touchEdgeEnds(int e) {
+    const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
+    touchPoint(E.a);
+    touchPoint(E.b);
+}
+
+// ---- the refusal tests ----
+
+template <class Test> bool SurfSimpli::anyMovedTri(int edge, Test test) const {
+    const EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
+    const int ends[2] = {E.a, E.b};
+    for (const int end : ends) {
+        const std::size_t pe = static_cast<std::size_t>(end);
+        if (pe >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+        for (const std::int32_t* t = pTris_.begin(pe); t != pTris_.end(pe); ++t) {
+            const TriHot& T = tris_[static_cast<std::size_t>(*t)];
+            if (!T.valid || edgeHasTri(edge, *t)) continue;
+            const double* c[3];
+            for (int k = 0; k < 3; ++k)
+                c[k] = (T.pts[k] == E.a || T.pts[k] == E.b) ? E.nc : pCoords_[static_cast<std::size_t>(T.pts[k])].data();
+            if (test(T, c)) return true;
+        }
+    }
+    return false;
+}
+
+bool SurfSimpli::WouldDegenerate(int edge) {
+    return anyMovedTri(edge, [](const TriHot&, const double* const* c) {
+        const double s1[3] = {fin(c[1][0] - c[0][0]), fin(c[1][1] - c[0][1]), fin(c[1][2] - c[0][2])};
+        const double s2[3] = {fin(c[2][0] - c[0][0]), fin(c[2][1] - c[0][1]), fin(c[2][2] - c[0][2])};
+        const double x = fin(s1[1] * s2[2] - s1[2] * s2[1]);
+        const double y = fin(s1[2] * s2[0] - s1[0] * s2[2]);
+        const double z = fin(s1[0] * s2[1] - s1[1] * s2[0]);
+        return x == 0.0 && y == 0.0 && z == 0.0;
+    });
+}
+
+bool SurfSimpli::WouldFlipNormal(int edge) {
+    return anyMovedTri(edge, [](const TriHot& T, const double* const* c) {
+        // PlaneFromPoints, as the maths library writes it
+        const double x1 = c[0][0], y1 = c[0][1], z1 = c[0][2];
+        const double x2 = c[1][0], y2 = c[1][1], z2 = c[1][2];
+        const double x3 = c[2][0], y3 = c[2][1], z3 = c[2][2];
+        const double a = fin(y1 * (z2 - z3) + y2 * (z3 - z1) + y3 * (z1 - z2));
+        const double b = fin(z1 * (x2 - x3) + z2 * (x3 - x1) + z3 * (x1 - x2));
+        const double cc = fin(x1 * (y2 - y3) + x2 * (y3 - y1) + x3 * (y1 - y2));
+        fin(-(x1 * (y2 * z3 - y3 * z2) + x2 * (y3 * z1 - y1 * z3) + x3 * (y1 * z2 - y2 * z1)));
+        // VectorNegate, then angleBetVectors(negated normal, triangle's plane normal) > 90
+        const double n[3] = {-a, -b, -cc};
+        const double* p = T.plane;
+        // Where the sign of the cosine settles the answer beyond any rounding, it is read
+        // directly; otherwise (near 90 degrees, tiny or huge vectors) the library decides.
+        const double la2 = n[0] * n[0] + n[1] * n[1] + n[2] * n[2];
+        const double lb2 = p[0] * p[0] + p[1] * p[1] + p[2] * p[2];
+        if (la2 >= 1e-250 && la2 <= 1e250 && lb2 >= 1e-250 && lb2 <= 1e250) {
+            const double dot = fin(fin(n[0] * p[0]) + fin(n[1] * p[1]) + fin(n[2] * p[2]));
+            const double m = std::sqrt(la2) * std::sqrt(lb2);
+            if (dot <= -1e-6 * m) return true;  // cosine below 0: above 90 degrees
+            if (dot >= 1e-6 * m) return false; // cosine above 1e-6: below 90 degrees
+        }
+        const Maths::Vector nv{n[0], n[1], n[2]}, pv{p[0], p[1], p[2]};
+        return Maths::angleBetVectors(nv, pv) > 90.0;
+    });
+}
+
+bool SurfSimpli::KeepsManifold(int edge) {
+    const std::size_t ei = static_cast<std::size_t>(edge);
+    const EdgeHot& E = edges_.at(ei);
+    // Triangles are counted only when the edge has exactly two entries; otherwise every count
+    // is 0 and no pair can fail.
+    if (eTris_.size(ei) != 2) return true;
+    const int t1 = eTris_.at(ei, 0), t2 = eTris_.at(ei, 1);
+    auto count = [&](int e) {
+        int n = 0;
+        const std::size_t x = static_cast<std::size_t>(e);
+        for (const std::int32_t* t = eTris_.begin(x); t != eTris_.end(x); ++t)
+            if (tris_[static_cast<std::size_t>(*t)].valid && *t != t1 && *t != t2) ++n;
+        return n;
+    };
+    const std::size_t pa = static_cast<std::size_t>(E.a), pb = static_cast<std::size_t>(E.b);
+    for (const std::int32_t* ap = pEdges_.begin(pa); ap != pEdges_.end(pa); ++ap) {
+        const int a = *ap;
+        if (a == edge) continue;
+        const EdgeHot& A = edges_[static_cast<std::size_t>(a)];
+        if (!A.valid) continue;
+        int far;
+        if (A.a != E.a && A.a != E.b) far = A.a;
+        else if (A.b != E.a && A.b != E.b) far = A.b;
+        else continue; // both ends on this edge: they do not meet
+        int ca = -1;
+        for (const std::int32_t* bp = pEdges_.begin(pb); bp != pEdges_.end(pb); ++bp) {
+            const int b = *bp;
+            if (b == edge) continue;
+            const EdgeHot& B = edges_[static_cast<std::size_t>(b)];
+            if (!B.valid) continue;
+            if (B.a != far && B.b != far) continue;
+            if (ca < 0) ca = count(a);
+            if (ca + count(b) > 2) return false;
+        }
+    }
+    return true;
+}
+
+} // namespace simplify
