@@ -3,8 +3,10 @@
 //   workbench_demo --world data/samples/Sample.wld --group Tower --reduce 80 --lock-outline
 //   workbench_demo --mesh /usr/share/glmark2/models/bunny.obj --reduce 80 --lock-outline [--wireframe]
 //
-// --lock-outline selects the points on the outline seen from the window's camera and runs with
-// "Lock selected vertices". The window stays for --seconds (default 20), then the program ends.
+// A mesh file is taken as made with y up and stood up in this world (z up), its points shaded by a
+// light from above. --lock-outline selects the points on the outline seen from the window's camera and runs with
+// "Lock selected vertices". --dist sets the camera's distance (in the window's units, 25 to 500).
+// The window stays for --seconds (default 20), then the program ends.
 #include "WorkbenchBenchSupport.h"
 #include "frame/Locale.h"
 #include "workbench/SurfSimView.h"
@@ -24,7 +26,7 @@ using namespace vexil;
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QString world, group = QStringLiteral("Tower"), mesh, shot;
-    double reduce = 80, seconds = 20;
+    double reduce = 80, seconds = 20, dist = 0;
     bool lockOutline = false, wireframe = false;
     const QStringList args = app.arguments();
     for (int i = 1; i < args.size(); ++i) {
@@ -35,12 +37,13 @@ int main(int argc, char** argv) {
         else if (a == QLatin1String("--mesh")) mesh = next();
         else if (a == QLatin1String("--reduce")) reduce = next().toDouble();
         else if (a == QLatin1String("--seconds")) seconds = next().toDouble();
+        else if (a == QLatin1String("--dist")) dist = next().toDouble();
         else if (a == QLatin1String("--shot")) shot = next();
         else if (a == QLatin1String("--lock-outline")) lockOutline = true;
         else if (a == QLatin1String("--wireframe")) wireframe = true;
         else {
             std::fprintf(stderr, "usage: workbench_demo (--world FILE [--group NAME] | --mesh FILE) [--reduce P] "
-                                 "[--lock-outline] [--wireframe] [--seconds S] [--shot PNG]\n");
+                                 "[--lock-outline] [--wireframe] [--dist D] [--seconds S] [--shot PNG]\n");
             return 2;
         }
     }
@@ -49,7 +52,9 @@ int main(int argc, char** argv) {
     try {
         if (!mesh.isEmpty()) {
             const int root = ZELMAR_group_create("the_world");
-            source = workbench_bench::meshToGroup(simplify_test::loadMesh(mesh.toStdString()), "Mesh", root);
+            simplify_test::MeshData data = simplify_test::loadMesh(mesh.toStdString());
+            workbench_bench::standUpAndShade(data);
+            source = workbench_bench::meshToGroup(data, "Mesh", root);
         } else if (!world.isEmpty()) {
             if (ZELMAR_engine_load_world(world.toLocal8Bit().constData(), "", "", 4) != 1) {
                 std::fprintf(stderr, "cannot load %s: %s\n", qPrintable(world), ZELMAR_engine_get_last_error());
@@ -72,6 +77,8 @@ int main(int argc, char** argv) {
     while (!form.Activated()) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     form.Camera().Theta = 0.9;
     form.Camera().Phi = 0.25;
+    if (dist > 0) form.Camera().Dist = dist;
+    form.Camera().ReSetCamDistFrmEye();
     form.Camera().Update();
     if (lockOutline) {
         const Maths::Vector eye = form.Camera().Location();

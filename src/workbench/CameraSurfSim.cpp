@@ -102,7 +102,7 @@ void CameraSurfSim::FrameGroup(int group) {
     LookAt = {(box[0] + box[3]) / 2, (box[1] + box[4]) / 2, (box[2] + box[5]) / 2};
     const double dx = box[3] - box[0], dy = box[4] - box[1], dz = box[5] - box[2];
     const double radius = std::sqrt(dx * dx + dy * dy + dz * dz) / 2;
-    Unit = (std::isfinite(radius) && radius > 1e-9) ? radius / 10 : 1.0;
+    Unit = (std::isfinite(radius) && radius > 1e-9) ? radius / 15 : 1.0;
 }
 
 } // namespace vexil

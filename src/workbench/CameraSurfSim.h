@@ -3,7 +3,7 @@
 // the left button revolving and the right button zooming (moving nearer or farther). Nothing of the
 // main viewports is touched.
 //
-// Distances are in units of a tenth of the bounding radius of the group looked at (Unit), so that
+// Distances are in units of a fifteenth of the bounding radius of the group looked at (Unit), so that
 // the same numbers frame a bunny of 0.2 units and a tower of 200:
 //
 //   CameraSurfSim cam;
@@ -41,7 +41,7 @@ public:
     void PointAtGrpLoc(int group); // the group's location (the centre of its box)
     void PointAtLoc(const Maths::Vector& location);
     void SetLookAtOffset(double v, double h);
-    // Looks at the centre of the group's box; one unit becomes a tenth of its bounding radius.
+    // Looks at the centre of the group's box; one unit becomes a fifteenth of its bounding radius.
     void FrameGroup(int group);
     // The camera's location in the world (after Update).
     Maths::Vector Location() const;

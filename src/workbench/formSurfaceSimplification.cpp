@@ -110,10 +110,14 @@ void formSurfaceSimplification::buildControls() {
     lblOriginal = label(this, "lblOriginal");
     lblSimpCaption = label(this, "lblSimpCaption");
     lblSimp = label(this, "lblSimp");
+    for (QLabel* l : {lblOriginal, lblSimp}) {
+        l->setMinimumWidth(80);
+        l->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    }
     counts->addWidget(lblOriginalCaption, 0, 0);
-    counts->addWidget(lblOriginal, 0, 1, Qt::AlignRight);
+    counts->addWidget(lblOriginal, 0, 1);
     counts->addWidget(lblSimpCaption, 1, 0);
-    counts->addWidget(lblSimp, 1, 1, Qt::AlignRight);
+    counts->addWidget(lblSimp, 1, 1);
     side->addLayout(counts);
 
     auto* mouse = new QGroupBox(this);

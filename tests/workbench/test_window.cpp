@@ -250,6 +250,21 @@ TEST_F(Window, ZeroErrorModeSetsThePercentageFromTheCounts) {
     EXPECT_DOUBLE_EQ(f.Reduction(), expected);
 }
 
+TEST_F(Window, AHundredPercentEndsWhenNoContractionIsLegalAndStillShowsTheOutput) {
+    formSurfaceSimplification& f = open(box);
+    simplifyAt(100);
+    ASSERT_EQ(f.LastResult().outcome, SimplifyOutcome::CannotSimplifyFurther);
+    ASSERT_EQ(dlg.count(QStringLiteral("msgBox")), 1);
+    EXPECT_EQ(dlg.last(QStringLiteral("msgBox"))->text, QStringLiteral("Can't simplify further!"));
+    ASSERT_NE(f.OutputGroup(), 0);
+    EXPECT_EQ(f.ShownGroup(), f.OutputGroup());
+    EXPECT_EQ(f.lblSimp->text(), QString::number(ZELMAR_group_get_number_of_polygons(f.OutputGroup())));
+    EXPECT_TRUE(f.lblProgress->text().isEmpty()); // the output's building clears it
+    simplifyAt(50); // fewer reductions afterwards start again from the copy
+    EXPECT_EQ(f.LastResult().outcome, SimplifyOutcome::Reduced);
+    EXPECT_FALSE(f.LastResult().continued);
+}
+
 TEST_F(Window, GeometryOnlyClearsAndDisablesTheBorderOptionsAndOptionsRestartTheNextRun) {
     formSurfaceSimplification& f = open(box);
     f.chkPrtTxrSm->click();
