@@ -15,7 +15,6 @@
 #include "simplify/SimplifySession.h"
 
 #include <QDialog>
-#include <QElapsedTimer>
 #include <memory>
 
 class QCheckBox;
@@ -96,7 +95,8 @@ public:
     int YieldIntervalMs = 15;
     // How often the last run let events through.
     long long Yields() const;
-    static QString GetCancelledText();
+    // What lblProgress says after a cancelled run.
+    static QString CancelledText();
 
     // ---- controls ----
     QGroupBox* Frame5 = nullptr;

@@ -29,7 +29,10 @@ public:
     // Shows the kept progress on the bar.
     void Flush();
     // A run starts: the clock of the yield starts.
-    void Start() { m_clock.start(); }
+    void Start() {
+        m_clock.start();
+        m_yields = 0;
+    }
     // How often pending events were let through since Start (for the benchmark and the tests).
     long long Yields() const { return m_yields; }
 

@@ -117,7 +117,7 @@ void formSurfaceSimplification::cmdSimplify_Click() {
         m_output = m_last.outputGroup;
         break;
     case SimplifyOutcome::Cancelled:
-        lblProgress->setText(GetCancelledText());
+        lblProgress->setText(CancelledText());
         break;
     case SimplifyOutcome::Failed:
         lblProgress->clear();
@@ -145,7 +145,7 @@ void formSurfaceSimplification::cmdSimplify_Click() {
     }
 }
 
-QString formSurfaceSimplification::GetCancelledText() {
+QString formSurfaceSimplification::CancelledText() {
     return QStringLiteral("Cancelled: the model is as it was read.");
 }
 

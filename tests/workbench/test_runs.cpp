@@ -48,7 +48,7 @@ TEST_F(Runs, EscapeDuringARunCancelsItAndTheNextRunStartsFromTheCopy) {
     simplifyAt(90);
     EXPECT_EQ(f.LastResult().outcome, SimplifyOutcome::Cancelled);
     EXPECT_GT(f.Yields(), 0);
-    EXPECT_EQ(f.lblProgress->text(), formSurfaceSimplification::GetCancelledText());
+    EXPECT_EQ(f.lblProgress->text(), formSurfaceSimplification::CancelledText());
     expectIdleOnTheCopy();
     EXPECT_EQ(liveGroups(), groups);
     EXPECT_TRUE(f.isVisible()); // Escape cancels, it does not close
