@@ -305,6 +305,10 @@ public:
     void cmdCreate_Click();
     // Create > Standard Groups: kind 0 plane, 1 box, 2 sphere, 3 cylinder, 4 cone, 5 torus.
     void mnuStandardGroups_Click(int kind);
+    // ---- the simplification workbench (Form1_Workbench.cpp) --------------------------------------
+    // "Reduce Polys": the workbench on the current group, then one ActionReplaceGrp.
+    void cmdReducePols_Click();
+    QAction* mnuReducePols = nullptr; // Group > Reduce Polys
     // ---- the transform gizmos and the typed transform panel (Form1_Gizmo.cpp) -------------------
     void DrawGizmo(int index, QPainter& p) override;
     void Gizmo_MouseDown(int index, int button, int x, int y) override;

@@ -144,6 +144,7 @@ void Form1::buildMenus() {
     mnuGrpDelete = item(mnuGrp, "mnuGrpDelete", 251, [this] { DeleteSelected(); });
     mnuGrp->addSeparator();
     mnuGrpProperties = item(mnuGrp, "mnuGrpProperties", 252);
+    mnuReducePols = item(mnuGrp, "mnuReducePols", 175, ev("cmdReducePols_Click", &Form1::cmdReducePols_Click));
 
     // Create.
     mnuCreate = top("mnuCreate", 253);
@@ -329,7 +330,8 @@ void Form1::mnuView_Update() {
 
 void Form1::mnuGrp_Update() {
     const bool open = WorldOpen();
-    for (QAction* a : {mnuGroupTogether, mnuUngroup, mnuAttach, mnuDetach, mnuUngroupAll, mnuGrpDelete, mnuGrpProperties})
+    for (QAction* a : {mnuGroupTogether, mnuUngroup, mnuAttach, mnuDetach, mnuUngroupAll, mnuGrpDelete, mnuGrpProperties,
+                       mnuReducePols})
         a->setEnabled(open);
 }
 
