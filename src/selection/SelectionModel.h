@@ -154,7 +154,8 @@ class SelectionModel {
     // ---- deletion and creation ---------------------------------------------------------------------------
     void DeleteGroup(int group);
     void FakeDeleteGroup(int group);
-    void UnDeleteGroup(int group, int father);
+    // Under `father` again, in front of the sibling `before` when it is one (else last), its tree node too.
+    void UnDeleteGroup(int group, int father, int before = 0);
     void DeleteMultiple();
     void FakeDeleteMultiple(const vexil::MultipleSelection& set);
     void UnDeleteMultiple(const vexil::MultipleSelection& set, const std::vector<int>& fathers);

@@ -141,7 +141,18 @@ void WeldTableT::LeavePolygon(int polygon) {
     }
 }
 
+void WeldTableT::Rekey() {
+    m_cells.clear();
+    for (auto& rec : m_sets) {
+        double first[3] = {0, 0, 0};
+        ZELMAR_point_get_xyz(rec->set.Point(1), first);
+        rec->key = keyOf(first);
+        m_cells[rec->key].push_back(rec.get());
+    }
+}
+
 void WeldTableT::EnterGroup(int group) {
+    Rekey();
     for (int pol = ZELMAR_group_get_first_polygon(group); pol != 0; pol = ZELMAR_group_get_next_polygon(pol))
         EnterPolygon(pol);
 }
