@@ -157,7 +157,7 @@ void ActionReplaceGrp::Redo() {
     SelectionModel* m = selectionModel();
     if (!m) return;
     m->FakeDeleteGroup(m_old);
-    m->UnDeleteGroup(m_new, m_father);
+    m->UnDeleteGroup(m_new, m_father, m_next);
     SelectionState& s = Sel();
     s.CurrSelEntityType = 1;
     s.CurrSelEntity = m_new;

@@ -134,7 +134,14 @@ class SelectionModel {
     void SelectAllCams();
     void SelectAllLights();
 
+    // The polygons that a sub-object change touched (point mode: the owners of the selected points; polygon
+    // mode: every polygon of the selection's welded sets) are asked ZELMAR_polygon_is_valid; the host shows
+    // how many are not (bent out of their plane, or without area). Answers that count.
+    int ValidateChangedPolygons();
+
     // ---- overlays ----------------------------------------------------------------------------------------
+    // Point mode: a small mark on every point of the current group.
+    void DrawPoints(int index, QPainter& p);
     void DrawSelectedPts(int index, QPainter& p);
     void DrawSelectedPols(int index, QPainter& p);
     void DrawSelectedTrackPts(int index, QPainter& p);
