@@ -1,5 +1,7 @@
 #include "ExtrudeActions.h"
 
+#include "selection/ActionTransformSubObject.h"
+
 #include "ModellingRefresh.h"
 #include "PolygonNodes.h"
 #include "mdlExtrude.h"
@@ -138,6 +140,7 @@ void RegisterExtrudeActions() {
 
 namespace vexil {
 void InstallModellingActions() {
+    RegisterSubObjectActions();
     RegisterModellingActions();
     RegisterExtrudeActions();
 }
