@@ -52,6 +52,7 @@ class trwCamTrackBK;
 class trwLight;
 class formTip;
 class CreatePanel;
+class frmEditGeom;
 
 class frmPicWins;
 
@@ -288,6 +289,7 @@ public:
     std::array<Spinner*, 2> spnExtBvl{};
     Spinner* spnBoxDim = nullptr;
     QToolBar* tlbrCut = nullptr;
+    frmEditGeom* EditGeomPanel = nullptr; // the Edit Geometry panel (src/modelling)
     QToolBar* tlbrBtnInsert = nullptr;
     // Viewports.
     ::vexil::frmPicWins* frmPicWins = nullptr;
@@ -385,6 +387,13 @@ public:
     void DrawSelectedTrackPts(int index, QPainter& p) override;
     void DrawMultiSelection(int index, QPainter& p, bool wireframe) override;
     int ChooseViewCamera() override;
+    // ---- ViewportHost: point and polygon editing, cut, align (Form1_Modelling.cpp) ----------------------
+    void DrawPoints(int index, QPainter& p) override;
+    void Cut_MouseDown(int x, int y) override;
+    void Cut_MouseMove(int x, int y) override;
+    void Cut_MouseUp(int x, int y) override;
+    void AlignObjects_MouseMove(int button, int x, int y) override;
+    void AlignObjects_MouseUp(int button, int x, int y) override;
     // Pushes Form1's mirrors (ActiveWin, ViewHasFocus, ToolMode, GridDisplay, GridSnap, density) to the views.
     void SyncViewState();
 

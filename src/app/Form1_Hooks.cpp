@@ -7,19 +7,12 @@
 #include "frame/Preferences.h"
 #include "Form1_Gizmo.h"
 #include "Form1_Selection.h"
+#include "modelling/ModellingActions.h"
 
 #include <QLabel>
 
 namespace vexil {
 
-// The object tools (mirror, duplicate) and the deformers: src/geometry fills them in.
-void Form1::MirrorObjects() {}
-void Form1::DuplicatGrp() {}
-void Form1::AlignObjects() {}
-void Form1::DisplaceGrp() {}
-void Form1::cmbObj_Change() {}
-void Form1::cmbObjEditGeom_Change() {}
-void Form1::ReleaseWeldList() {}
 
 // the atmosphere: atmosphere (src/lighting).
 void Form1::ShowAtmosphereForm() {}
@@ -44,6 +37,7 @@ void Form1::CreateSharedObjects() {
     m_gridDensity = ReadGridDensity();
     InstallSelection(*this);
     InstallGizmos(*this);
+    InstallModellingActions();
 }
 void Form1::ReleaseSharedObjects() {
     ReleaseGizmos();
