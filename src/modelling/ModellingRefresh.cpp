@@ -30,8 +30,7 @@ void FillWeldTable(int group) {
 
 void WeldTableLeave(const std::vector<int>& polygons) {
     if (WeldTableGroup() == 0) return;
-    for (int p : polygons)
-        WeldTable().LeavePolygon(p);
+    WeldTable().LeavePolygons(polygons);
 }
 
 void WeldTableEnter(const std::vector<int>& polygons) {

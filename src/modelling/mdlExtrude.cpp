@@ -7,6 +7,7 @@
 #include "frame/Locale.h"
 #include "selection/ActionTransformSubObject.h"
 #include "selection/SelectionModel.h"
+#include "selection/WeldedPoints.h"
 #include "undo/ActionUndoRedo_Stack.h"
 #include "view/frmPicWins.h"
 
@@ -22,6 +23,21 @@ std::vector<int> selectedPols() {
 
 Vec3d polsCentre() {
     return Sel().SelPolsAvgCenter;
+}
+
+// Each welded set of the selection, straight from the table (a live step copies nothing).
+template <class F> void eachSelectedSet(F&& f) {
+    const HandleArray& idx = Sel().SelPolsWeldedPts;
+    const WeldTableT& table = WeldTable();
+    for (int i = 1; i <= idx.Count(); ++i) {
+        const WeldedPoints* w = table.At(idx[i]);
+        if (!w || w->Count() == 0) continue;
+        Vec3d p{};
+        ZELMAR_point_get_xyz(w->Point(1), p.data());
+        const Vec3d to = f(p);
+        for (int j = 1; j <= w->Count(); ++j)
+            ZELMAR_point_set_xyz(w->Point(j), to.data());
+    }
 }
 
 } // namespace
@@ -81,7 +97,7 @@ void mdlExtrude::ExtrudeChange(double amount) {
     Vec3d delta{};
     for (size_t k = 0; k < 3; ++k)
         delta[k] = ExtrudeNormal[k] * amount - ExtrudeOffset[k];
-    MoveWeldSetsBy(SelectedWeldSets(), delta);
+    eachSelectedSet([&](const Vec3d& p) { return Vec3d{p[0] + delta[0], p[1] + delta[1], p[2] + delta[2]}; });
     for (size_t k = 0; k < 3; ++k)
         ExtrudeOffset[k] += delta[k];
 }
@@ -90,7 +106,10 @@ void mdlExtrude::BevelChange(double value) {
     if (BevelFactor == 0) BevelFactor = 1.0;
     const double f = value / BevelFactor;
     if (SelectionModel* m = selectionModel()) m->ComputeSelPolsAvgCenter();
-    ScaleWeldSetsAbout(SelectedWeldSets(), polsCentre(), f);
+    const Vec3d c = polsCentre();
+    eachSelectedSet([&](const Vec3d& p) {
+        return Vec3d{c[0] + f * (p[0] - c[0]), c[1] + f * (p[1] - c[1]), c[2] + f * (p[2] - c[2])};
+    });
     SetPlaneNormals(ExtrudedPols);
     BevelFactor *= f;
 }

@@ -44,6 +44,8 @@ class WeldTableT {
     // Leaving a polygon: each of its points leaves its set; an emptied set is dropped and later sets shift
     // down one slot.
     void LeavePolygon(int polygon);
+    // The same for many polygons, with one pass over the table for the emptied sets.
+    void LeavePolygons(const std::vector<int>& polygons);
     // Every polygon of the group's subtree, in walk order (after a Rekey).
     void EnterGroup(int group);
     // Files every set again under the location its first point has now. Points move under the table (the
