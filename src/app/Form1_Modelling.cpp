@@ -6,6 +6,7 @@
 #include "frame/Dialogs.h"
 #include "frame/ErrLog.h"
 #include "frame/Locale.h"
+#include "builders/CreatePanel.h"
 #include "modelling/EditGeometry.h"
 #include "modelling/ModellingActions.h"
 #include "modelling/ObjectToolDialogs.h"
@@ -32,6 +33,8 @@ void Form1::cmbObj_Change() {
         EditGeomPanel->ShowMode(!geometry ? 0 : geom == GetLocaleString(325) ? 1 : 2);
     }
     cmbObjEditGeom->setVisible(geometry);
+    // The create panel belongs to "New Object".
+    if (frmCreate) frmCreate->setVisible(!geometry && !texture);
     // The weld table holds the group under edit while its points or polygons can be edited.
     InstallModellingActions();
     EditGeometry::EditModeChanged(geometry || texture);

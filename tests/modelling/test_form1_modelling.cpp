@@ -10,6 +10,10 @@
 #include "app/Form1_Gizmo.h"
 #include "app/Form1_Selection.h"
 #include "modelling/frmEditGeom.h"
+#include "engine/EntityNaming.h"
+#include "document/WorkspaceTrees.h"
+#include "frame/Dialogs.h"
+#include "frame/Locale.h"
 #include "selection/SelectionModel.h"
 #include "selection/SelectionState.h"
 #include "selection/WeldedPoints.h"
@@ -26,6 +30,7 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
+#include <QToolBar>
 #include <cmath>
 #include <zelmar/zelmar.h>
 
@@ -94,6 +99,14 @@ class Form1Modelling : public vexil::test::AppEnv {
         drag(i, from, from + (dir * pixels).toPoint(), 5);
     }
     int changes() { return form->UndoStack().GetChangesSinceSave(); }
+    // A press on spinner `index`, the values, a release: as the user pulls the arrows.
+    void mdlExtrudeDrag(int index, std::initializer_list<double> values) {
+        ExtBvlSpinner* s = form->EditGeomPanel->spnExtBvl[size_t(index)];
+        emit s->MouseDown();
+        for (double v : values)
+            s->SetValue(v);
+        emit s->MouseUp();
+    }
 
     Form1* form = nullptr;
     std::unique_ptr<FakeInputState> fake;
@@ -200,6 +213,146 @@ TEST_F(Form1Modelling, AlignIsAToolOfTheViewsAndMovesTheSelectionToTheTarget) {
     EXPECT_EQ(c0 + 1, changes());
     EXPECT_EQ(AT_ActionAlign, form->UndoStack().Retrive()->ActionType);
     EXPECT_EQ(ToolSelect, form->frmPicWins->ToolMode());
+}
+
+} // namespace
+
+namespace {
+
+using vexil::test::AppEnv;
+
+// The scenarios a user runs, end to end; VEXIL_MODELLING_SHOT=dir saves a picture of the window after each.
+class DoneWhen : public Form1Modelling {
+  protected:
+    void shot(const char* name) {
+        const QByteArray dir = qgetenv("VEXIL_MODELLING_SHOT");
+        if (dir.isEmpty()) return;
+        form->frmPicWins->UpdateCameras();
+        QCoreApplication::processEvents();
+        form->grab().save(QString::fromLocal8Bit(dir) + QLatin1Char('/') + QLatin1String(name) + QStringLiteral(".png"));
+    }
+    void selectPolygons(const std::vector<int>& pols) {
+        Sel().SelPols.Assign(pols);
+        FormSelection()->UpdateSelPolsRelatedPtsArray();
+        FormSelection()->ComputeSelPolsAvgCenter();
+        FormSelection()->Host().UpdateEditGeomTabBasedOnPolsSelected();
+    }
+    std::vector<int> polygonsOf(int g) {
+        std::vector<int> out;
+        for (int p = ZELMAR_group_get_first_polygon(g); p; p = ZELMAR_group_get_next_polygon(p))
+            out.push_back(p);
+        return out;
+    }
+    QStringList treeKeys() { return form->GroupTree->Keys(); }
+};
+
+TEST_F(DoneWhen, TheHouseIsEditedAndEveryStepUndoesAndRedoes) {
+    delete form;
+    form = StartApplication(QStringLiteral("\"" VEXIL_SOURCE_DATA "/samples/Sample.wld\""));
+    ASSERT_TRUE(form && form->WorldOpen());
+    form->resize(1280, 900);
+    QCoreApplication::processEvents();
+    const int walls = ZELMAR_group_get_using_name("Walls");
+    ASSERT_NE(0, walls);
+    const QStringList keys0 = treeKeys();
+    const int base = changes();
+    form->SelectEntityFromTree(1, walls);
+    editGeometry(329);
+    std::vector<int> pols = polygonsOf(walls);
+    ASSERT_GE(pols.size(), 4u);
+    selectPolygons({pols[0], pols[1]});
+    QTest::mouseClick(form->EditGeomPanel->cmdDetachPols, Qt::LeftButton); // 1
+    const int detached = Sel().CurrSelEntity;
+    EXPECT_NE(walls, detached);
+    EXPECT_NE(nullptr, form->GroupTree->Node(QStringLiteral("Group%1").arg(detached)));
+    editGeometry(329);
+    selectPolygons(polygonsOf(detached));
+    QTest::mouseClick(form->EditGeomPanel->cmdFlipPol, Qt::LeftButton); // 2
+    form->SelectEntityFromTree(1, walls);
+    editGeometry(329);
+    pols = polygonsOf(walls);
+    selectPolygons({pols[0]});
+    QTest::mouseClick(form->EditGeomPanel->cmdDeletePol, Qt::LeftButton); // 3
+    EXPECT_EQ(QString::number(ZELMAR_group_get_number_of_polygons(walls)), form->StatusPanel[2]->text());
+    editGeometry(325);
+    form->mnuSelectAll_Click();
+    form->EditGeomPanel->txtWeldTh->setText(QStringLiteral("0.5"));
+    QTest::mouseClick(form->EditGeomPanel->cmdWeld, Qt::LeftButton); // 4 (or "No points within")
+    editGeometry(329);
+    QTest::mouseClick(form->EditGeomPanel->cmdTriangulate, Qt::LeftButton); // 5
+    const int tri = Sel().CurrSelEntity;
+    EXPECT_NE(walls, tri);
+    ScriptedDialogs dlg;
+    dlg.execAnswers.push_back([](QDialog& d) {
+        d.findChild<QComboBox*>()->setCurrentIndex(0); // X
+        return int(QDialog::Accepted);
+    });
+    form->MirrorObjects(); // 6
+    dlg.execAnswers.push_back([](QDialog&) { return int(QDialog::Accepted); });
+    form->DuplicatGrp(); // 7
+    EXPECT_GE(changes() - base, 7);
+    shot("house_edited");
+    const int pushed = changes() - base;
+    for (int i = 0; i < pushed; ++i)
+        form->mnuUndo->trigger();
+    EXPECT_EQ(keys0, treeKeys());
+    for (int i = 0; i < pushed; ++i)
+        form->mnuRedo->trigger();
+    EXPECT_NE(keys0, treeKeys());
+    shot("house_redone");
+}
+
+TEST_F(DoneWhen, ABoxBecomesAHouseWithARoofAndACutWall) {
+    const int box = createBox();
+    editGeometry(329);
+    // The top face: the polygon whose centre is highest.
+    int top = 0;
+    double best = -1e300;
+    for (int p : polygonsOf(box)) {
+        double c[3];
+        ZELMAR_polygon_get_center(p, c);
+        if (c[2] > best) {
+            best = c[2];
+            top = p;
+        }
+    }
+    selectPolygons({top});
+    const int base = changes();
+    mdlExtrudeDrag(0, {20, 40});
+    mdlExtrudeDrag(0, {15, 30});
+    mdlExtrudeDrag(1, {0.8, 0.3});
+    EXPECT_EQ(base + 3, changes());
+    // Cut a wall: the front face (lowest y centre), along a line across it in the front view.
+    int front = 0;
+    double low = 1e300;
+    for (int p : polygonsOf(box)) {
+        double c[3];
+        ZELMAR_polygon_get_center(p, c);
+        if (c[1] < low && EntityName(p) != "Extruded Pol") {
+            low = c[1];
+            front = p;
+        }
+    }
+    selectPolygons({front});
+    double fc[3];
+    ZELMAR_polygon_get_center(front, fc);
+    form->frmPicWins->ActiveWin = 3;
+    const double l[3] = {fc[0] - 200, fc[1], fc[2] + 5}, r[3] = {fc[0] + 200, fc[1], fc[2] - 5};
+    const QPoint a = pixel(3, l), b = pixel(3, r);
+    form->EditGeomPanel->tlbrCut->actions().value(0)->setChecked(true);
+    ASSERT_TRUE(form->CutStateActive());
+    drag(3, a, b, 4);
+    EXPECT_EQ(base + 4, changes());
+    EXPECT_EQ(2, Sel().SelPols.Count());
+    form->EditGeomPanel->tlbrCut->actions().value(0)->setChecked(false);
+    form->ZoomExtentAll();
+    shot("box_house");
+    for (int i = 0; i < 4; ++i)
+        form->mnuUndo->trigger();
+    EXPECT_EQ(6, ZELMAR_group_get_number_of_polygons(box));
+    for (int i = 0; i < 4; ++i)
+        form->mnuRedo->trigger();
+    EXPECT_GT(ZELMAR_group_get_number_of_polygons(box), 10);
 }
 
 } // namespace
