@@ -52,6 +52,7 @@ class trwCamTrackBK;
 class trwLight;
 class formTip;
 class CreatePanel;
+class frmEditGeom;
 
 class frmPicWins;
 
@@ -288,6 +289,7 @@ public:
     std::array<Spinner*, 2> spnExtBvl{};
     Spinner* spnBoxDim = nullptr;
     QToolBar* tlbrCut = nullptr;
+    frmEditGeom* EditGeomPanel = nullptr; // the Edit Geometry panel (src/modelling)
     QToolBar* tlbrBtnInsert = nullptr;
     // Viewports.
     ::vexil::frmPicWins* frmPicWins = nullptr;
@@ -307,7 +309,7 @@ public:
     void mnuStandardGroups_Click(int kind);
     // ---- the simplification workbench (Form1_Workbench.cpp) --------------------------------------
     // "Reduce Polys": the workbench on the current group, then one ActionReplaceGrp.
-    void cmdReducePols_Click();
+    void cmdReducePols_Click(); // Form1_Workbench.cpp
     QAction* mnuReducePols = nullptr; // Group > Reduce Polys
     // ---- the transform gizmos and the typed transform panel (Form1_Gizmo.cpp) -------------------
     void DrawGizmo(int index, QPainter& p) override;
@@ -403,6 +405,13 @@ public:
     void DrawSelectedTrackPts(int index, QPainter& p) override;
     void DrawMultiSelection(int index, QPainter& p, bool wireframe) override;
     int ChooseViewCamera() override;
+    // ---- ViewportHost: point and polygon editing, cut, align (Form1_Modelling.cpp) ----------------------
+    void DrawPoints(int index, QPainter& p) override;
+    void Cut_MouseDown(int x, int y) override;
+    void Cut_MouseMove(int x, int y) override;
+    void Cut_MouseUp(int x, int y) override;
+    void AlignObjects_MouseMove(int button, int x, int y) override;
+    void AlignObjects_MouseUp(int button, int x, int y) override;
     // Pushes Form1's mirrors (ActiveWin, ViewHasFocus, ToolMode, GridDisplay, GridSnap, density) to the views.
     void SyncViewState();
 
@@ -443,5 +452,9 @@ private:
     int m_lastKey = 0;
     QPointer<QObject> m_lastKeyReceiver;
 };
+
+// The simplification workbench behind Reduce Polys, with the shared objects (Form1_Workbench.cpp).
+void InstallWorkbench(Form1& form);
+void ReleaseWorkbench();
 
 } // namespace vexil

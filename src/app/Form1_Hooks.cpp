@@ -9,19 +9,12 @@
 #include "Form1_Lighting.h"
 #include "Form1_Selection.h"
 #include "Form1_Tracks.h"
+#include "modelling/ModellingActions.h"
 
 #include <QLabel>
 
 namespace vexil {
 
-// The object tools (mirror, duplicate) and the deformers: src/geometry fills them in.
-void Form1::MirrorObjects() {}
-void Form1::DuplicatGrp() {}
-void Form1::AlignObjects() {}
-void Form1::DisplaceGrp() {}
-void Form1::cmbObj_Change() {}
-void Form1::cmbObjEditGeom_Change() {}
-void Form1::ReleaseWeldList() {}
 
 
 // the model gallery: model gallery (src/library).
@@ -42,8 +35,11 @@ void Form1::CreateSharedObjects() {
     InstallTracks(*this);
     InstallLighting(*this);
     InstallGizmos(*this);
+    InstallModellingActions();
+    InstallWorkbench(*this);
 }
 void Form1::ReleaseSharedObjects() {
+    ReleaseWorkbench();
     ReleaseGizmos();
     ReleaseTracks();
     ReleaseLighting();

@@ -75,8 +75,9 @@ void Form1::Form_KeyDown(int keyCode, Qt::KeyboardModifiers shift) {
                 ShowAtmosphereForm();
             } else if (alt && !ctrl && !shf && keyPressed(Qt::Key_S)) {
                 ShowSelectionWindow();
-            } else if (alt && !ctrl && !shf && keyPressed(Qt::Key_D)) {
-                DuplicatGrp();
+            } else if ((alt || ctrl) && !(alt && ctrl) && !shf && keyPressed(Qt::Key_D)) {
+                DuplicatGrp(); // Alt+D, and Ctrl+D as other editors have it
+
             } else if (alt && !ctrl && !shf && keyPressed(Qt::Key_L)) {
                 if (QAction* align = ToolbarButton(QStringLiteral("Align"))) align->setChecked(true);
                 AlignObjects();

@@ -13,6 +13,11 @@
 #include "document/WorkspaceTrees.h"
 #include "document/WorldDocument.h"
 #include "view/frmPicWins.h"
+#include "modelling/frmEditGeom.h"
+
+#include <QLineEdit>
+#include <QCheckBox>
+#include <zelmar/zelmar.h>
 
 #include <QAction>
 #include <zelmar/zelmar.h>
@@ -102,6 +107,33 @@ class Form1SelectionHost : public SelectionHost {
     void OpenPanelOfKind(int type, int handle) override {
         if (type == 4 && FormLighting()) FormLighting()->OpenPanel(handle);
         if (FormTracks()) FormTracks()->OpenPanelOfKind(type, handle);
+    }
+    void RefreshGroup(int group) override {
+        // The box of the current group and the counts of the status bar follow its points and polygons.
+        if (Sel().CurrSelEntityType == 1 && Sel().CurrSelEntity == group)
+            if (frmPicWins* v = Views()) v->SelectionBox().Initialize(group);
+        if (Sel().CurrSelEntityType == 6) Sel().MultiSel.InitializeBndBoxes();
+        UpdateStatusBar();
+    }
+    void SetSelPolName(const QString& text) override {
+        if (m_f.EditGeomPanel) m_f.EditGeomPanel->txtSelPolName->setText(text);
+    }
+    void UpdateEditGeomTabBasedOnPolsSelected() override {
+        if (!m_f.EditGeomPanel) return;
+        const int n = Sel().SelPols.Count();
+        QString text = GetLocaleString(349); // "None"
+        if (n == 1) text = QString::fromLocal8Bit(ZELMAR_polygon_get_name(Sel().SelPols[1]));
+        else if (n > 1) text = QString::number(n) + GetLocaleString(390); // " Pols selected"
+        m_f.EditGeomPanel->txtSelPolName->setText(text);
+    }
+    bool IgnoreBackFacedForPtSel() override {
+        return m_f.EditGeomPanel && m_f.EditGeomPanel->chkIgnoreBackFacedForPtSel->isChecked();
+    }
+    bool IgnoreBackFacedForPolSel() override {
+        return m_f.EditGeomPanel && m_f.EditGeomPanel->chkIgnoreBackFacedForPolSel->isChecked();
+    }
+    void ShowInvalidPolygons(int count) override {
+        if (count > 0) m_f.SetStatusPanel(3, QString::number(count) + QStringLiteral(" polygon(s) not flat"));
     }
 
   private:

@@ -6,6 +6,7 @@
 // before every forwarded command, and pulled back when a picture window takes focus or a click, and when a
 // tool button changes.
 #include "Form1.h"
+#include "frame/Locale.h"
 
 #include "frame/ErrLog.h"
 #include "frame/Preferences.h"
@@ -14,6 +15,7 @@
 #include "view/picWindow.h"
 
 #include <QAction>
+#include <QComboBox>
 #include <QEvent>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -69,11 +71,11 @@ void Form1::buildViewports() {
         lblPicView[size_t(i)] = frmPicWins->lblPicView(i);
         picWindow[size_t(i)]->installEventFilter(new ViewFocusWatcher(*this, i));
     }
-    // Band 2's tool buttons drive the viewports. "Align" stays Form1's: its button runs AlignObjects itself.
-    static const char* const toolKeys[9] = {"Select",  "Move",        "Rotate",      "Scale",      "Pan",
-                                            "Revolve", "Zoom Camera", "Move Camera", "Roll Camera"};
+    // "Align" (slot 9) is a tool button too: the viewports hand its drags and releases to AlignObjects_*.
+    static const char* const toolKeys[10] = {"Select",  "Move",        "Rotate",      "Scale",      "Pan",
+                                            "Revolve", "Zoom Camera", "Move Camera", "Roll Camera", "Align"};
     std::array<QAction*, 10> buttons{};
-    for (int m = 0; m < 9; ++m) {
+    for (int m = 0; m < 10; ++m) {
         buttons[size_t(m)] = ToolbarButton(QString::fromLatin1(toolKeys[m]));
         if (QAction* a = buttons[size_t(m)])
             connect(a, &QAction::toggled, this, [this, m](bool on) {
@@ -269,7 +271,8 @@ int Form1::SignificantDecimals() {
 
 bool Form1::CutStateActive() {
     QAction* cut = tlbrCut ? tlbrCut->actions().value(0) : nullptr;
-    return cut && cut->isChecked() && tabWorkspace && tabWorkspace->currentIndex() == TabEditGroup;
+    return cut && cut->isChecked() && tabWorkspace && tabWorkspace->currentIndex() == TabEditGroup &&
+           cmbObj->currentText() == GetLocaleString(323) && cmbObjEditGeom->currentText() == GetLocaleString(329);
 }
 
 void Form1::ReleaseCutButton() {

@@ -1,28 +1,42 @@
-// Form1: "Reduce Polys", the simplification workbench on the current group.
+// Form1: "Reduce Polys", the simplification workbench on the current group. The Edit Geometry panel's button
+// and the Group menu item run the same command; the workbench window is what it opens.
 #include "Form1.h"
-#include "Form1_Selection.h"
-#include "frame/Dialogs.h"
-#include "frame/Locale.h"
-#include "selection/SelectionModel.h"
-#include "selection/SelectionState.h"
+#include "modelling/EditGeometry.h"
+#include "modelling/SimplifyWorkbench.h"
 #include "workbench/ReducePolys.h"
 
-#include <zelmar/zelmar.h>
+#include <memory>
 
 namespace vexil {
 
+namespace {
+
+class Form1Workbench : public SimplifyWorkbench {
+  public:
+    explicit Form1Workbench(Form1& f) : m_f(f) {}
+    int Simplify(int group) override { return ShowSurfaceSimplification(group, &m_f); }
+
+  private:
+    Form1& m_f;
+};
+
+std::unique_ptr<Form1Workbench> g_workbench;
+
+} // namespace
+
+void InstallWorkbench(Form1& f) {
+    g_workbench = std::make_unique<Form1Workbench>(f);
+    setSimplifyWorkbench(g_workbench.get());
+}
+
+void ReleaseWorkbench() {
+    if (simplifyWorkbench() == g_workbench.get()) setSimplifyWorkbench(nullptr);
+    g_workbench.reset();
+}
+
 void Form1::cmdReducePols_Click() {
     if (!WorldOpen()) return;
-    SelectionModel* m = FormSelection();
-    const SelectionState& s = Sel();
-    const int group = s.CurrSelEntity;
-    if (!m || s.CurrSelEntityType != 1 || group == 0 || ZELMAR_group_is_group(group) != 1) {
-        dialogs().msgBox(GetLocaleString(382), MsgOKOnly, MsgExclamation);
-        return;
-    }
-    const int reduced = ShowSurfaceSimplification(group, this);
-    if (reduced != 0) ReplaceGroupWithReduced(*m, group, reduced);
-    UpdateCameras();
+    EditGeometry::cmdReducePols_Click();
 }
 
 } // namespace vexil

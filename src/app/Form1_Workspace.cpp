@@ -13,6 +13,7 @@
 #include "document/WorkspaceTrees.h"
 #include "document/WorldDocument.h"
 #include "builders/CreatePanel.h"
+#include "modelling/frmEditGeom.h"
 #include "undo/ActionUndoRedo_Stack.h"
 
 #include <QApplication>
@@ -98,24 +99,19 @@ void Form1::buildWorkspace() {
         connect(standard[k], &QAction::triggered, this, [this, k] {
             handleEvent("Form1", "mnuStandardGroups_Click", [&] { mnuStandardGroups_Click(k); });
         });
-    for (int i = 0; i < 2; ++i) {
-        spnExtBvl[size_t(i)] = new Spinner(edit);
-        spnExtBvl[size_t(i)]->setObjectName(QStringLiteral("spnExtBvl%1").arg(i));
-    }
+    // The Edit Geometry panel holds the point and polygon commands, the extrude and bevel spinners and the
+    // cut button (src/modelling).
+    EditGeomPanel = new frmEditGeom(edit);
+    for (int i = 0; i < 2; ++i)
+        spnExtBvl[size_t(i)] = EditGeomPanel->spnExtBvl[size_t(i)];
+    tlbrCut = EditGeomPanel->tlbrCut;
     cmbPolFilter = new QComboBox(edit);
     cmbPolFilter->setObjectName(QStringLiteral("cmbPolFilter"));
-    tlbrCut = new QToolBar(edit);
-    tlbrCut->setObjectName(QStringLiteral("tlbrCut"));
-    QAction* cut = tlbrCut->addAction(QStringLiteral(" Cut    "));
-    cut->setCheckable(true);
-    cut->setProperty("tipId", 198);
     form->addRow(cmbObj);
     form->addRow(cmbObjEditGeom);
     form->addRow(frmCreate);
-    form->addRow(spnExtBvl[0]);
-    form->addRow(spnExtBvl[1]);
+    form->addRow(EditGeomPanel);
     form->addRow(cmbPolFilter);
-    form->addRow(tlbrCut);
     static_cast<QVBoxLayout*>(edit->layout())->addLayout(form);
     static_cast<QVBoxLayout*>(edit->layout())->addStretch(1);
     connect(cmbObj, &QComboBox::currentIndexChanged, this, [this] { handleEvent("Form1", "cmbObj_Change", [&] { cmbObj_Change(); }); });

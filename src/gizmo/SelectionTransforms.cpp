@@ -344,7 +344,12 @@ bool ScaleSelectionBy(ViewportHost& host, SelectMode mode, const Vec3& f) {
 }
 
 void RefreshAfterTransform(ViewportHost& /*host*/, SelectMode mode, frmPicWins* views) {
-    if (mode != SelectMode::Entity) return; // sub-object pivots were worked out as they moved
+    if (mode == SelectMode::Point || mode == SelectMode::Polygon) {
+        // Sub-object pivots were worked out as they moved; the polygons they bent are looked at.
+        if (SelectionModel* m = selectionModel()) m->ValidateChangedPolygons();
+        return;
+    }
+    if (mode != SelectMode::Entity) return;
     const SelectionState& s = Sel();
     if (s.CurrSelEntityType == 1 && views) views->SelectionBox().Initialize(s.CurrSelEntity);
     if (s.CurrSelEntityType == 6) {

@@ -175,7 +175,10 @@ void TransformGizmo::MouseUp(int button, int /*x*/, int /*y*/) {
     const bool transformTool = tool >= ToolMove && tool <= ToolScale;
     // The other views were not redrawn during the drag.
     if (!keyDown(Qt::Key_Control) && transformTool) m_views.UpdateCameras();
-    if (button == BtnLeft && transformTool && ActiveAxis != AxisNone) EndActions();
+    if (button == BtnLeft && transformTool && ActiveAxis != AxisNone) {
+        EndActions();
+        RefreshDependants(); // what the drag left: bent polygons stay reported after the release
+    }
     m_open.reset();
     TotalScale = TotalTrackScale = {1, 1, 1};
     TotalRotation = {0, 0, 0};

@@ -1,25 +1,58 @@
-// TransformGizmo: the undo records of a drag. A move is pushed at mouse-down and completed at mouse-up, so
-// that a click on a handle leaves a move with equal ends on the stack; a turn or a scale is pushed at
-// mouse-up, and only when it changed something.
+// TransformGizmo: the undo records of a drag. A move is made at mouse-down and pushed at mouse-up when the
+// selection moved; a turn or a scale is pushed at mouse-up, and only when it changed something. Sub-object
+// turns and scales get the points as they were at the press, so that their undo is exact.
 #include "selection/SelectionModel.h"
 #include "SelectionTransforms.h"
 #include "TransformGizmo.h"
 #include "view/frmPicWins.h"
 #include "undo/ActionUndoRedo_Stack.h"
+#include "selection/ActionTransformEntity.h"
+#include "selection/ActionTransformSubObject.h"
 
 namespace vexil {
 
+namespace {
+
+// The points a sub-object turn or scale will move.
+std::vector<int> subObjectPoints(SelectMode mode) {
+    if (mode == SelectMode::Point) return Sel().SelPts.ToVector();
+    if (mode == SelectMode::Polygon) return PointsOfSets(SelectedWeldSets());
+    return {};
+}
+
+void giveBefore(const ActionRef& env, const PointsSnapshot& before) {
+    if (!env || before.Empty()) return;
+    if (auto* a = env->As<ActionRotateGrpPoints>()) a->SetBefore(before);
+    if (auto* a = env->As<ActionRotateGrpPols>()) a->SetBefore(before);
+    if (auto* a = env->As<ActionScaleGrpPoints>()) a->SetBefore(before);
+    if (auto* a = env->As<ActionScaleGrpPols>()) a->SetBefore(before);
+}
+
+bool moved(const ActionRef& env) {
+    if (auto* a = env->As<ActionMoveGrpPoints>()) return a->FrmLoc() != a->ToLoc();
+    if (auto* a = env->As<ActionMoveGrpPols>()) return a->FrmLoc() != a->ToLoc();
+    if (auto* a = env->As<ActionMoveTrkPts>()) return a->FrmLoc() != a->ToLoc();
+    if (auto* a = env->As<ActionMove>()) return a->FrmLoc() != a->ToLoc();
+    return true;
+}
+
+} // namespace
+
 void TransformGizmo::BeginActions() {
     m_open.reset();
+    m_before = PointsSnapshot();
     ViewportHost& host = m_views.Host();
     const SelectMode mode = host.CurrentSelectMode();
     switch (m_views.ToolMode()) {
     case ToolMove:
         m_open = OpenMoveAction(host, mode);
-        if (m_open) m_stack.Push(m_open);
+        break;
+    case ToolRotate:
+        m_before.Capture(subObjectPoints(mode));
         break;
     case ToolScale:
         m_open = OpenScaleAction(host, mode);
+        m_before.Capture(subObjectPoints(mode));
         break;
     default:
         break;
@@ -32,11 +65,14 @@ void TransformGizmo::EndActions() {
     switch (m_views.ToolMode()) {
     case ToolMove:
         CloseMoveAction(m_open, host, mode);
+        // A click on a handle that moved nothing leaves nothing to undo.
+        if (m_open && moved(m_open)) m_stack.Push(m_open);
         break;
     case ToolRotate: {
         if (ActiveAxis < AxisX || ActiveAxis > AxisZ) return;
         const ActionRef env = MakeRotateAction(mode, {{TotalRotation[size_t(ActiveAxis)], ActiveAxis}});
         if (!env) return;
+        giveBefore(env, m_before);
         m_stack.Push(env);
         if (mode == SelectMode::Point)
             if (SelectionModel* m = selectionModel()) m->ComputeSelPtsAvgCenter();
@@ -44,7 +80,10 @@ void TransformGizmo::EndActions() {
     }
     case ToolScale: {
         const Vec3& total = mode == SelectMode::TrackPoint ? TotalTrackScale : TotalScale;
-        if (const ActionRef env = CloseScaleAction(m_open, host, mode, total)) m_stack.Push(env);
+        if (const ActionRef env = CloseScaleAction(m_open, host, mode, total)) {
+            giveBefore(env, m_before);
+            m_stack.Push(env);
+        }
         break;
     }
     default:

@@ -40,6 +40,7 @@ void EntityRecord::Set(int kind, int handle, const MultipleSelection* set) {
     m_kind = kind;
     m_handle = handle;
     m_father = kind == 1 ? ZELMAR_group_get_father_group(handle) : 0;
+    m_next = kind == 1 ? ZELMAR_group_get_next_sibling(handle) : 0;
     m_set.Reset();
     m_fathers.clear();
     if (kind == 6 && set) {
@@ -68,7 +69,7 @@ void EntityRecord::UnDelete(int fatherOverride) const {
     SelectionModel* m = selectionModel();
     switch (m_kind) {
     case 1:
-        if (m) m->UnDeleteGroup(m_handle, fatherOverride ? fatherOverride : m_father);
+        if (m) m->UnDeleteGroup(m_handle, fatherOverride ? fatherOverride : m_father, fatherOverride ? 0 : m_next);
         break;
     case 6:
         if (m) m->UnDeleteMultiple(m_set, m_fathers);

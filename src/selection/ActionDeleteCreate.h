@@ -26,7 +26,7 @@ class EntityRecord {
     void DeletePermanently() const;
 
   private:
-    int m_kind = 0, m_handle = 0, m_father = 0;
+    int m_kind = 0, m_handle = 0, m_father = 0, m_next = 0; // m_next: the group's next sibling
     MultipleSelection m_set;
     std::vector<int> m_fathers; // one per group of m_set
 };

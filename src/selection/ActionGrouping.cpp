@@ -132,6 +132,7 @@ void ActionReplaceGrp::SetGrpThatWasReplaced(int group) {
     const SelectionState& s = Sel();
     m_old = group;
     m_father = ZELMAR_group_get_father_group(group);
+    m_next = ZELMAR_group_get_next_sibling(group);
     m_selPols = s.SelPols.ToVector();
     m_selPts = s.SelPts.ToVector();
     m_selPtsPols = s.SelPtsPols.ToVector();
@@ -141,7 +142,7 @@ void ActionReplaceGrp::Undo() {
     SelectionModel* m = selectionModel();
     if (!m) return;
     m->FakeDeleteGroup(m_new);
-    m->UnDeleteGroup(m_old, m_father);
+    m->UnDeleteGroup(m_old, m_father, m_next);
     SelectionState& s = Sel();
     s.CurrSelEntityType = 1;
     s.CurrSelEntity = m_old;
@@ -156,7 +157,7 @@ void ActionReplaceGrp::Redo() {
     SelectionModel* m = selectionModel();
     if (!m) return;
     m->FakeDeleteGroup(m_old);
-    m->UnDeleteGroup(m_new, m_father);
+    m->UnDeleteGroup(m_new, m_father, m_next);
     SelectionState& s = Sel();
     s.CurrSelEntityType = 1;
     s.CurrSelEntity = m_new;

@@ -78,14 +78,15 @@ class ActionChangeFatherGrp : public Action {
 
 class ActionReplaceGrp : public Action {
   public:
-    // The group replaced, its father and the three sub-object selections of the time.
+    // The group replaced, its father, its place among the father's children and the three sub-object
+    // selections of the time. Undo puts it back in that place.
     void SetGrpThatWasReplaced(int group);
     void SetGrpReplacedWith(int group) { m_new = group; }
     void Undo() override;
     void Redo() override;
 
   private:
-    int m_old = 0, m_new = 0, m_father = 0;
+    int m_old = 0, m_new = 0, m_father = 0, m_next = 0;
     std::vector<int> m_selPols, m_selPts, m_selPtsPols;
 };
 

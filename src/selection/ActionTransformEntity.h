@@ -26,6 +26,8 @@ class ActionMove : public Action {
   public:
     void SetFrmLoc(const Loc3& l) { m_frm = l; }
     void SetToLoc(const Loc3& l) { m_to = l; }
+    Loc3 FrmLoc() const { return m_frm; }
+    Loc3 ToLoc() const { return m_to; }
     void SetMovedEntity(int kind, int handle, const MultipleSelection* set = nullptr) {
         m_e.Set(kind, handle, set);
     }

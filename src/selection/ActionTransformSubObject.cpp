@@ -30,6 +30,29 @@ std::vector<PointSet> SelectedWeldSets() {
     return sets;
 }
 
+std::vector<int> PointsOfSets(const std::vector<PointSet>& sets) {
+    std::vector<int> out;
+    for (const PointSet& s : sets)
+        out.insert(out.end(), s.begin(), s.end());
+    return out;
+}
+
+bool ExactRestore::Undo() {
+    if (!m_has) return false;
+    if (!m_hasAfter) {
+        m_after = m_before.Again();
+        m_hasAfter = true;
+    }
+    m_before.Restore();
+    return true;
+}
+
+bool ExactRestore::Redo() {
+    if (!m_hasAfter) return false;
+    m_after.Restore();
+    return true;
+}
+
 std::vector<int> SelectedTrackIndices() {
     const auto& sel = Sel().SelTrackPts;
     return std::vector<int>(sel.begin() + 1, sel.end());
@@ -86,17 +109,22 @@ template <class T> std::unique_ptr<Action> make() {
 void ActionMoveGrpPoints::SetMovedPtsToCurrSelPts() {
     m_points = copySlots(Sel().SelPts);
     m_group = Sel().CurrSelEntity;
+    m_exact.SetBefore(PointsSnapshot(m_points));
 }
 
 void ActionMoveGrpPoints::Undo() {
-    m_delta = minus(m_to, m_frm);
-    MovePoints(m_points, negated(m_delta));
+    if (!m_exact.Undo()) {
+        m_delta = minus(m_to, m_frm);
+        MovePoints(m_points, negated(m_delta));
+    }
     refreshGroup(m_group, false);
 }
 
 void ActionMoveGrpPoints::Redo() {
-    m_delta = minus(m_to, m_frm);
-    MovePoints(m_points, m_delta);
+    if (!m_exact.Redo()) {
+        m_delta = minus(m_to, m_frm);
+        MovePoints(m_points, m_delta);
+    }
     refreshGroup(m_group, false);
 }
 
@@ -110,12 +138,16 @@ void ActionRotateGrpPoints::AddRotation(const Vec3& amounts, int axis) {
 }
 
 void ActionRotateGrpPoints::Undo() {
-    replay(m_steps, true, [&](double a, int axis) { RotatePoints(m_points, m_pivot, a, axis); });
+    if (!m_exact.Undo()) {
+        replay(m_steps, true, [&](double a, int axis) { RotatePoints(m_points, m_pivot, a, axis); });
+    }
     refreshGroup(m_group, false);
 }
 
 void ActionRotateGrpPoints::Redo() {
-    replay(m_steps, false, [&](double a, int axis) { RotatePoints(m_points, m_pivot, a, axis); });
+    if (!m_exact.Redo()) {
+        replay(m_steps, false, [&](double a, int axis) { RotatePoints(m_points, m_pivot, a, axis); });
+    }
     refreshGroup(m_group, false);
 }
 
@@ -126,12 +158,16 @@ void ActionScaleGrpPoints::SetScaledPtsToCurrSelPts() {
 }
 
 void ActionScaleGrpPoints::Undo() {
-    ScalePoints(m_points, m_pivot, InverseFactors(m_factors));
+    if (!m_exact.Undo()) {
+        ScalePoints(m_points, m_pivot, InverseFactors(m_factors));
+    }
     refreshGroup(m_group, false);
 }
 
 void ActionScaleGrpPoints::Redo() {
-    ScalePoints(m_points, m_pivot, m_factors);
+    if (!m_exact.Redo()) {
+        ScalePoints(m_points, m_pivot, m_factors);
+    }
     refreshGroup(m_group, false);
 }
 
@@ -140,17 +176,22 @@ void ActionScaleGrpPoints::Redo() {
 void ActionMoveGrpPols::SetMovedWeldedPtsToCurrWeldedPts() {
     m_sets = SelectedWeldSets();
     m_group = Sel().CurrSelEntity;
+    m_exact.SetBefore(PointsSnapshot(PointsOfSets(m_sets)));
 }
 
 void ActionMoveGrpPols::Undo() {
-    m_delta = minus(m_to, m_frm);
-    MoveWeldSets(m_sets, negated(m_delta));
+    if (!m_exact.Undo()) {
+        m_delta = minus(m_to, m_frm);
+        MoveWeldSets(m_sets, negated(m_delta));
+    }
     refreshGroup(m_group, true);
 }
 
 void ActionMoveGrpPols::Redo() {
-    m_delta = minus(m_to, m_frm);
-    MoveWeldSets(m_sets, m_delta);
+    if (!m_exact.Redo()) {
+        m_delta = minus(m_to, m_frm);
+        MoveWeldSets(m_sets, m_delta);
+    }
     refreshGroup(m_group, true);
 }
 
@@ -164,12 +205,16 @@ void ActionRotateGrpPols::AddRotation(const Vec3& amounts, int axis) {
 }
 
 void ActionRotateGrpPols::Undo() {
-    replay(m_steps, true, [&](double a, int axis) { RotateWeldSets(m_sets, m_pivot, a, axis); });
+    if (!m_exact.Undo()) {
+        replay(m_steps, true, [&](double a, int axis) { RotateWeldSets(m_sets, m_pivot, a, axis); });
+    }
     refreshGroup(m_group, true);
 }
 
 void ActionRotateGrpPols::Redo() {
-    replay(m_steps, false, [&](double a, int axis) { RotateWeldSets(m_sets, m_pivot, a, axis); });
+    if (!m_exact.Redo()) {
+        replay(m_steps, false, [&](double a, int axis) { RotateWeldSets(m_sets, m_pivot, a, axis); });
+    }
     refreshGroup(m_group, true);
 }
 
@@ -180,12 +225,16 @@ void ActionScaleGrpPols::SetScaledWeldedPtsToCurrWeldedPts() {
 }
 
 void ActionScaleGrpPols::Undo() {
-    ScaleWeldSets(m_sets, m_pivot, InverseFactors(m_factors));
+    if (!m_exact.Undo()) {
+        ScaleWeldSets(m_sets, m_pivot, InverseFactors(m_factors));
+    }
     refreshGroup(m_group, true);
 }
 
 void ActionScaleGrpPols::Redo() {
-    ScaleWeldSets(m_sets, m_pivot, m_factors);
+    if (!m_exact.Redo()) {
+        ScaleWeldSets(m_sets, m_pivot, m_factors);
+    }
     refreshGroup(m_group, true);
 }
 

@@ -7,7 +7,13 @@
 // so that corners shared with other polygons move together and a later rebuild of the table cannot send
 // an undo to other points. Turns and scales happen about the pivot of the time, which a turn or a scale of
 // the items about it leaves where it is.
+//
+// Undo and redo are exact: an action that was given the state of its points before the change (the move
+// records it when it is made, at the press; a turn or a scale made after the drag is handed it with
+// SetBefore) puts that copy back on undo, and the copy of the state after, taken at the first undo, on
+// redo. Without a copy it runs the transform backwards.
 #pragma once
+#include "engine/PointsSnapshot.h"
 #include "undo/Action.h"
 #include "SubObjectTransforms.h"
 
@@ -20,6 +26,29 @@ struct RotationStep {
     double amount = 0;
     int axis = 0;
 };
+
+// The copies of the points before and after a change.
+class ExactRestore {
+  public:
+    void SetBefore(PointsSnapshot before) {
+        m_before = std::move(before);
+        m_has = true;
+        m_hasAfter = false;
+    }
+    bool HasBefore() const { return m_has; }
+    // Puts the state before back (taking the state after first); false when there is no copy.
+    bool Undo();
+    // Puts the state after back; false when there is none yet.
+    bool Redo();
+
+  private:
+    PointsSnapshot m_before, m_after;
+    bool m_has = false, m_hasAfter = false;
+};
+
+// The points that a transform of the current sub-object selection moves (point mode: SelPts; polygon
+// mode: the members of the welded sets).
+std::vector<int> PointsOfSets(const std::vector<PointSet>& sets);
 
 // ---- points of a group ----------------------------------------------------------------------------------
 
@@ -35,10 +64,13 @@ class ActionMoveGrpPoints : public Action {
     Vec3 FrmLoc() const { return m_frm; }
     Vec3 ToLoc() const { return m_to; }
 
+    void SetBefore(PointsSnapshot before) { m_exact.SetBefore(std::move(before)); }
+
   private:
     std::vector<int> m_points;
     int m_group = 0;
     Vec3 m_frm{}, m_to{}, m_delta{};
+    ExactRestore m_exact;
 };
 
 class ActionRotateGrpPoints : public Action {
@@ -52,11 +84,14 @@ class ActionRotateGrpPoints : public Action {
     void Redo() override;
     const std::vector<RotationStep>& Steps() const { return m_steps; }
 
+    void SetBefore(PointsSnapshot before) { m_exact.SetBefore(std::move(before)); }
+
   private:
     std::vector<int> m_points;
     int m_group = 0;
     Vec3 m_pivot{};
     std::vector<RotationStep> m_steps;
+    ExactRestore m_exact;
 };
 
 class ActionScaleGrpPoints : public Action {
@@ -67,10 +102,13 @@ class ActionScaleGrpPoints : public Action {
     void Redo() override;
     Vec3 Factors() const { return m_factors; }
 
+    void SetBefore(PointsSnapshot before) { m_exact.SetBefore(std::move(before)); }
+
   private:
     std::vector<int> m_points;
     int m_group = 0;
     Vec3 m_pivot{}, m_factors{1, 1, 1};
+    ExactRestore m_exact;
 };
 
 // ---- polygons of a group (their welded point sets) ------------------------------------------------------
@@ -81,14 +119,19 @@ class ActionMoveGrpPols : public Action {
     void SetMovedWeldedPtsToCurrWeldedPts();
     void SetFrmLoc(const Vec3& l) { m_frm = l; }
     void SetToLoc(const Vec3& l) { m_to = l; }
+    Vec3 FrmLoc() const { return m_frm; }
+    Vec3 ToLoc() const { return m_to; }
     void Undo() override;
     void Redo() override;
     const std::vector<PointSet>& Sets() const { return m_sets; }
+
+    void SetBefore(PointsSnapshot before) { m_exact.SetBefore(std::move(before)); }
 
   private:
     std::vector<PointSet> m_sets;
     int m_group = 0;
     Vec3 m_frm{}, m_to{}, m_delta{};
+    ExactRestore m_exact;
 };
 
 class ActionRotateGrpPols : public Action {
@@ -100,11 +143,14 @@ class ActionRotateGrpPols : public Action {
     void Undo() override;
     void Redo() override;
 
+    void SetBefore(PointsSnapshot before) { m_exact.SetBefore(std::move(before)); }
+
   private:
     std::vector<PointSet> m_sets;
     int m_group = 0;
     Vec3 m_pivot{};
     std::vector<RotationStep> m_steps;
+    ExactRestore m_exact;
 };
 
 class ActionScaleGrpPols : public Action {
@@ -114,10 +160,13 @@ class ActionScaleGrpPols : public Action {
     void Undo() override;
     void Redo() override;
 
+    void SetBefore(PointsSnapshot before) { m_exact.SetBefore(std::move(before)); }
+
   private:
     std::vector<PointSet> m_sets;
     int m_group = 0;
     Vec3 m_pivot{}, m_factors{1, 1, 1};
+    ExactRestore m_exact;
 };
 
 // ---- points of a track ----------------------------------------------------------------------------------
@@ -128,6 +177,8 @@ class ActionMoveTrkPts : public Action {
     void SetMovedTrkPtsToCurrSelTrkPts();
     void SetFrmLoc(const Vec3& l) { m_frm = l; }
     void SetToLoc(const Vec3& l) { m_to = l; }
+    Vec3 FrmLoc() const { return m_frm; }
+    Vec3 ToLoc() const { return m_to; }
     void Undo() override;
     void Redo() override;
 

@@ -30,8 +30,8 @@ void SelectionModel::FakeDeleteGroup(int group) {
     if (trwGroupView* t = m_host.GroupTree()) t->RemoveNode(groupKey(group));
 }
 
-void SelectionModel::UnDeleteGroup(int group, int father) {
-    ZELMAR_group_set_father_group(group, father);
+void SelectionModel::UnDeleteGroup(int group, int father, int before) {
+    ZELMAR_group_set_father_group_before(group, father, before);
     ZELMAR_group_disable(group, 0);
     trwGroupView* t = m_host.GroupTree();
     if (!t) return;
@@ -41,6 +41,11 @@ void SelectionModel::UnDeleteGroup(int group, int father) {
         t->AddNode(parentKey, groupKey(group), QString::fromLocal8Bit(EntityName(group).c_str()),
                    QStringLiteral("Group"));
     n->setFlags(n->flags() | Qt::ItemIsEditable);
+    if (QTreeWidgetItem* b = before ? t->Node(groupKey(before)) : nullptr; b && b->parent() == n->parent()) {
+        QTreeWidgetItem* parent = n->parent() ? n->parent() : t->invisibleRootItem();
+        parent->removeChild(n);
+        parent->insertChild(parent->indexOfChild(b), n);
+    }
     t->trwGroupView_PopulateRecursive(group, groupKey(group));
 }
 

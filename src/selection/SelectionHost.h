@@ -65,8 +65,13 @@ class SelectionHost {
     // The context menu of an entity kind at a screen position (mnuGroupMenu, mnuCamTrkBkMenu, mnuLightMenu),
     // after its obsolete items were hidden.
     virtual void PopupEntityMenu(int /*type*/, QPoint /*globalPos*/) {}
-    // The shared refresh of a group's cached geometry after its polygons changed hands.
+    // The shared refresh of a group's cached geometry after its points moved or its polygons changed hands:
+    // its box, the counts of the status bar.
     virtual void RefreshGroup(int /*group*/) {}
+    // txtSelPolName of the polygon panel.
+    virtual void SetSelPolName(const QString& /*text*/) {}
+    // ValidateChangedPolygons: how many changed polygons are not valid (0: all are).
+    virtual void ShowInvalidPolygons(int /*count*/) {}
 };
 
 } // namespace vexil

@@ -134,7 +134,14 @@ class SelectionModel {
     void SelectAllCams();
     void SelectAllLights();
 
+    // The polygons that a sub-object change touched (point mode: the owners of the selected points; polygon
+    // mode: every polygon of the selection's welded sets) are asked ZELMAR_polygon_is_valid; the host shows
+    // how many are not (bent out of their plane, or without area). Answers that count.
+    int ValidateChangedPolygons();
+
     // ---- overlays ----------------------------------------------------------------------------------------
+    // Point mode: a small mark on every point of the current group.
+    void DrawPoints(int index, QPainter& p);
     void DrawSelectedPts(int index, QPainter& p);
     void DrawSelectedPols(int index, QPainter& p);
     void DrawSelectedTrackPts(int index, QPainter& p);
@@ -154,7 +161,8 @@ class SelectionModel {
     // ---- deletion and creation ---------------------------------------------------------------------------
     void DeleteGroup(int group);
     void FakeDeleteGroup(int group);
-    void UnDeleteGroup(int group, int father);
+    // Under `father` again, in front of the sibling `before` when it is one (else last), its tree node too.
+    void UnDeleteGroup(int group, int father, int before = 0);
     void DeleteMultiple();
     void FakeDeleteMultiple(const vexil::MultipleSelection& set);
     void UnDeleteMultiple(const vexil::MultipleSelection& set, const std::vector<int>& fathers);

@@ -558,6 +558,41 @@ void SelectionModel::SelectAllLights() {
 
 // ---- overlays -----------------------------------------------------------------------------------
 
+int SelectionModel::ValidateChangedPolygons() {
+    const SelectionState& s = Sel();
+    std::vector<int> pols;
+    if (m_host.CurrentSelectMode() == SelectMode::Point) {
+        for (int i = 1; i <= s.SelPtsPols.Count(); ++i)
+            pols.push_back(s.SelPtsPols[i]);
+    } else {
+        for (int i = 1; i <= s.SelPolsWeldedPts.Count(); ++i)
+            if (const WeldedPoints* w = WeldTable().At(s.SelPolsWeldedPts[i]))
+                for (int j = 1; j <= w->Count(); ++j)
+                    pols.push_back(w->CorrsPol(j));
+    }
+    std::sort(pols.begin(), pols.end());
+    pols.erase(std::unique(pols.begin(), pols.end()), pols.end());
+    int invalid = 0;
+    for (int p : pols)
+        if (p != 0 && ZELMAR_polygon_is_polygon(p) == 1 && ZELMAR_polygon_is_valid(p) != 1) ++invalid;
+    m_host.ShowInvalidPolygons(invalid);
+    return invalid;
+}
+
+void SelectionModel::DrawPoints(int, QPainter& p) {
+    const SelectionState& s = Sel();
+    if (s.CurrSelEntityType != 1 || m_host.CurrentSelectMode() != SelectMode::Point) return;
+    if (ZELMAR_group_is_group(s.CurrSelEntity) != 1) return;
+    p.setPen(Pens().blue1);
+    p.setBrush(Qt::NoBrush);
+    for (int pol = ZELMAR_group_get_first_polygon(s.CurrSelEntity); pol != 0; pol = ZELMAR_group_get_next_polygon(pol))
+        for (int pt = ZELMAR_polygon_get_first_point(pol); pt != 0; pt = ZELMAR_point_get_next_point(pt)) {
+            double xyz[3];
+            ZELMAR_point_get_xyz(pt, xyz);
+            DrawPointMark(p, xyz, 1);
+        }
+}
+
 void SelectionModel::DrawSelectedPts(int, QPainter& p) {
     const SelectionState& s = Sel();
     if (s.CurrSelEntityType != 1 || s.SelPts.Count() == 0) return;

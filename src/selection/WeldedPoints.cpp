@@ -141,7 +141,43 @@ void WeldTableT::LeavePolygon(int polygon) {
     }
 }
 
+void WeldTableT::Rekey() {
+    m_cells.clear();
+    for (auto& rec : m_sets) {
+        double first[3] = {0, 0, 0};
+        ZELMAR_point_get_xyz(rec->set.Point(1), first);
+        rec->key = keyOf(first);
+        m_cells[rec->key].push_back(rec.get());
+    }
+}
+
+void WeldTableT::LeavePolygons(const std::vector<int>& polygons) {
+    std::vector<Rec*> emptied;
+    for (int polygon : polygons)
+        for (int pt = ZELMAR_polygon_get_first_point(polygon); pt != 0; pt = ZELMAR_point_get_next_point(pt)) {
+            const auto it = m_setOfPoint.find(pt);
+            if (it == m_setOfPoint.end()) continue;
+            Rec* r = it->second;
+            m_setOfPoint.erase(it);
+            r->set.RemovePt(pt);
+            if (r->set.Count() == 0) emptied.push_back(r);
+        }
+    if (emptied.empty()) return;
+    for (Rec* r : emptied) {
+        auto cell = m_cells.find(r->key);
+        if (cell == m_cells.end()) continue;
+        auto& v = cell->second;
+        v.erase(std::remove(v.begin(), v.end(), r), v.end());
+        if (v.empty()) m_cells.erase(cell);
+    }
+    m_sets.erase(std::remove_if(m_sets.begin(), m_sets.end(), [](const std::unique_ptr<Rec>& r) { return r->set.Count() == 0; }),
+                 m_sets.end());
+    for (int i = 0; i < Count(); ++i)
+        m_sets[size_t(i)]->slot = i + 1;
+}
+
 void WeldTableT::EnterGroup(int group) {
+    Rekey();
     for (int pol = ZELMAR_group_get_first_polygon(group); pol != 0; pol = ZELMAR_group_get_next_polygon(pol))
         EnterPolygon(pol);
 }

@@ -44,8 +44,14 @@ class WeldTableT {
     // Leaving a polygon: each of its points leaves its set; an emptied set is dropped and later sets shift
     // down one slot.
     void LeavePolygon(int polygon);
-    // Every polygon of the group's subtree, in walk order.
+    // The same for many polygons, with one pass over the table for the emptied sets.
+    void LeavePolygons(const std::vector<int>& polygons);
+    // Every polygon of the group's subtree, in walk order (after a Rekey).
     void EnterGroup(int group);
+    // Files every set again under the location its first point has now. Points move under the table (the
+    // gizmo, undo, extrude): call it before entering polygons after such moves, so that a polygon entered at
+    // a set's new location joins it.
+    void Rekey();
     void Clear();
 
   private:

@@ -1,11 +1,7 @@
 #include "ReducePolys.h"
 
 #include "formSurfaceSimplification.h"
-#include "engine/EntityNaming.h"
 #include "frame/Dialogs.h"
-#include "selection/ActionGrouping.h"
-#include "selection/SelectionModel.h"
-#include "undo/ActionUndoRedo_Stack.h"
 
 #include <zelmar/zelmar.h>
 
@@ -24,20 +20,6 @@ int ShowSurfaceSimplification(int group, QWidget* parent) {
     const int reduced = SurfSimpOutputGroup();
     SurfSimpOutputGroup() = 0;
     return ZELMAR_group_is_group(reduced) == 1 ? reduced : 0;
-}
-
-void ReplaceGroupWithReduced(SelectionModel& model, int group, int reduced) {
-    const std::string name = GetNewGrpNameFrmGivenStr(EntityName(group));
-    ZELMAR_group_set_name(reduced, name.c_str());
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionReplaceGrp);
-    auto* a = env->As<ActionReplaceGrp>();
-    if (!a) return;
-    a->SetGrpThatWasReplaced(group);
-    a->SetGrpReplacedWith(reduced);
-    model.SetPrevSelEntityToCurrSelEntity();
-    a->Redo(); // the replacement is the action's redo
-    model.Host().UndoStack().Push(env);
-    model.ThingsToDoOnSelectedEntityChange();
 }
 
 } // namespace vexil

@@ -84,28 +84,21 @@ TEST_F(GizmoDrag, DragAlongXMovesTheBoxAndUndoRedoReplayIt) {
         EXPECT_NEAR(location(box)[size_t(k)], after[size_t(k)], 1e-9);
 }
 
-TEST_F(GizmoDrag, AClickWithoutMotionPushesAMoveButNoTurnOrScale) {
+// A click on a handle changes nothing, so nothing is pushed (it used to push a move with equal ends).
+TEST_F(GizmoDrag, AClickWithoutMotionPushesNothing) {
     selectBoxByClick();
     const int base = host.stack.GetChangesSinceSave();
-    views->SetToolMode(ToolMove);
-    const QPoint p = onHandle(0, 0);
-    click(0, p);
-    ASSERT_EQ(host.stack.GetChangesSinceSave(), base + 1);
-    EXPECT_EQ(host.stack.Retrive()->ActionType, AT_ActionMove);
     const auto l = location(box);
-    ASSERT_TRUE(undo()); // a move with equal ends changes nothing
-    EXPECT_EQ(location(box), l);
-    ASSERT_TRUE(redo());
-
-    for (int tool : {ToolRotate, ToolScale}) {
+    for (int tool : {ToolMove, ToolRotate, ToolScale}) {
         views->SetToolMode(tool);
         click(0, onHandle(0, 0));
-        EXPECT_EQ(host.stack.GetChangesSinceSave(), base + 1) << "tool " << tool;
+        EXPECT_EQ(host.stack.GetChangesSinceSave(), base) << "tool " << tool;
     }
+    EXPECT_EQ(location(box), l);
     // A click off the handles pushes nothing either.
     views->SetToolMode(ToolMove);
     click(0, QPoint(3, 3));
-    EXPECT_EQ(host.stack.GetChangesSinceSave(), base + 1);
+    EXPECT_EQ(host.stack.GetChangesSinceSave(), base);
 }
 
 TEST_F(GizmoDrag, ShiftOnXScalesUniformlyButOnYOrZOnlyThatAxis) {

@@ -379,6 +379,25 @@ void World::deletePoint(Polygon& p, uint32_t index) {
     touch();
 }
 
+void World::replaceRing(Polygon& p, const std::vector<PointData>& ring) {
+    std::vector<Handle> kept;
+    kept.reserve(ring.size());
+    for (const PointData& d : ring)
+        if (d.handle) kept.push_back(d.handle);
+    std::sort(kept.begin(), kept.end());
+    for (const PointData& d : p.points)
+        if (!std::binary_search(kept.begin(), kept.end(), d.handle)) retire(d.handle);
+    p.points.clear();
+    for (const PointData& d : ring) {
+        p.points.push_back(d);
+        PointData& x = p.points.back();
+        const uint32_t i = static_cast<uint32_t>(p.points.size() - 1);
+        if (!x.handle) x.handle = issue(Kind::Point, &p, i);
+    }
+    reindexPoints(p, 0);
+    changed(p);
+}
+
 Camera* World::createCamera(const std::string& name) {
     Camera* c = makeNamed(camerasV_, name);
     c->handle = issue(Kind::Camera, c);
@@ -424,6 +443,29 @@ void World::setPolygonGroup(Polygon& p, Group* g) {
     }
     p.group = nullptr;
     if (g) appendToGroup(p, *g);
+    touch();
+}
+
+void World::insertPolygons(Group& g, const std::vector<std::pair<Polygon*, Polygon*>>& polygonAndBefore) {
+    bool middle = false;
+    for (const auto& [p, before] : polygonAndBefore) {
+        if (!p) continue;
+        if (p->group) setPolygonGroup(*p, nullptr);
+        if (!before || before == p || before->group != &g) {
+            appendToGroup(*p, g);
+            continue;
+        }
+        p->group = &g;
+        p->nextInGroup = before;
+        p->prevInGroup = before->prevInGroup;
+        (before->prevInGroup ? before->prevInGroup->nextInGroup : g.firstPolygon) = p;
+        before->prevInGroup = p;
+        ++g.ownPolygons;
+        ++g.version;
+        middle = true;
+    }
+    // Inserts in the middle leave the order table behind the list: it is made again once.
+    if (middle) compactOrder(g);
     touch();
 }
 
@@ -477,6 +519,19 @@ bool World::setFather(Group& g, Group* father) {
     }
     ++g.version;
     touch();
+    return true;
+}
+
+bool World::setFatherBefore(Group& g, Group* father, Group* before) {
+    if (!setFather(g, father)) return false;
+    if (!father || !before || before == &g || before->father != father) return true;
+    // setFather appended g: move it in front of `before`.
+    (g.prevSibling ? g.prevSibling->nextSibling : father->firstChild) = g.nextSibling;
+    (g.nextSibling ? g.nextSibling->prevSibling : father->lastChild) = g.prevSibling;
+    g.nextSibling = before;
+    g.prevSibling = before->prevSibling;
+    (before->prevSibling ? before->prevSibling->nextSibling : father->firstChild) = &g;
+    before->prevSibling = &g;
     return true;
 }
 

@@ -36,6 +36,9 @@ class World : private RingStore {
     Polygon* createPolygon();
     PointData& addPoint(Polygon& p, const PointData& data, bool atHead = false);
     void deletePoint(Polygon& p, uint32_t index);
+    // Replaces the ring: entries whose handle is a point of p keep it (and their place in the
+    // handle table), entries with handle 0 get fresh handles, p's points left out die.
+    void replaceRing(Polygon& p, const std::vector<PointData>& ring);
     Camera* createCamera(const std::string& name);
     Light* createLight(const std::string& name);
     Track* createTrack(const std::string& name);
@@ -78,6 +81,11 @@ class World : private RingStore {
     bool inSubtree(const Group& g, const Group& root) const { return &g == &root || isIncludedIn(g, root); }
     static Group* topOf(Group* g); // the fatherless ancestor (g itself if fatherless)
     void setPolygonGroup(Polygon& p, Group* g);
+    // Puts each polygon into g in front of its partner (an own polygon of g; anything else
+    // appends), in the order given; one pass over g's order table for the whole list.
+    void insertPolygons(Group& g, const std::vector<std::pair<Polygon*, Polygon*>>& polygonAndBefore);
+    // setFather, in front of the sibling `before` (a child of father; anything else appends).
+    bool setFatherBefore(Group& g, Group* father, Group* before);
     void reverseRing(Polygon& p); // ring order reversed, the first point stays first
     // A polygon's geometry or fill changed: its version, its group's version and the generation move on.
     void changed(Polygon& p) {

@@ -1,0 +1,116 @@
+#include "Cut.h"
+
+#include "maths/Maths.h"
+
+#include <cmath>
+#include <zelmar/zelmar.h>
+
+namespace vexil {
+
+namespace {
+
+CutPoint readPoint(int pt) {
+    CutPoint c;
+    ZELMAR_point_get_xyz(pt, c.xyz);
+    ZELMAR_point_get_bitmap_xy(pt, c.uv);
+    return c;
+}
+
+int makeHalf(int polygon, int group, const std::vector<CutPoint>& pts) {
+    if (pts.size() < 3) return 0;
+    const int animation = ZELMAR_polygon_get_animation(polygon);
+    const int bitmap = ZELMAR_polygon_get_bitmap_handle(polygon);
+    int rgb[3] = {255, 255, 255};
+    ZELMAR_polygon_get_color(polygon, rgb);
+    const int h = ZELMAR_polygon_create();
+    ZELMAR_polygon_set_group(h, group);
+    for (const CutPoint& c : pts) {
+        const double vertex[6] = {c.xyz[0], c.xyz[1], c.xyz[2], c.uv[0], c.uv[1], 100.0};
+        ZELMAR_polygon_add_point(h, vertex);
+    }
+    if (animation != 0)
+        ZELMAR_polygon_set_animation(h, animation);
+    else if (bitmap != 0)
+        ZELMAR_polygon_set_bitmap_fill(h, bitmap);
+    else
+        ZELMAR_polygon_set_color_fill(h, rgb[0], rgb[1], rgb[2]);
+    ZELMAR_engine_add_polygon(h);
+    ZELMAR_polygon_set_name(h, "Cut_Poly");
+    return h;
+}
+
+} // namespace
+
+int FindCutCrossings(int polygon, const CutLine& line, const EdgeToScreen& toScreen, std::vector<CutPoint>& list,
+                     int& first, int& second) {
+    list.clear();
+    first = second = 0;
+    int result = 0;
+    const int head = ZELMAR_polygon_get_first_point(polygon);
+    for (int p = head; p != 0; p = ZELMAR_point_get_next_point(p)) {
+        const CutPoint a = readPoint(p);
+        list.push_back(a);
+        int q = ZELMAR_point_get_next_point(p);
+        if (q == 0) q = head;
+        const CutPoint b = readPoint(q);
+        double s[2], e[2];
+        if (!toScreen || !toScreen(a.xyz, b.xyz, s, e)) continue;
+        // Parallel lines leave the crossing unset: they do not meet.
+        double cx = NAN, cy = NAN;
+        if (!Maths::SegmentsMeet2D(line.x1, line.y1, line.x2, line.y2, s[0], s[1], e[0], e[1], cx, cy)) continue;
+        if (std::isnan(cx) || std::isnan(cy)) continue;
+        const double l3 = std::sqrt((b.xyz[0] - a.xyz[0]) * (b.xyz[0] - a.xyz[0]) +
+                                    (b.xyz[1] - a.xyz[1]) * (b.xyz[1] - a.xyz[1]) +
+                                    (b.xyz[2] - a.xyz[2]) * (b.xyz[2] - a.xyz[2]));
+        const double l2 = std::hypot(e[0] - s[0], e[1] - s[1]);
+        if (!(l2 > 0) || !(l3 > 0)) continue; // an edge of no length on screen or in space cuts nothing
+        double t = std::hypot(cx - s[0], cy - s[1]) * l3 / l2;
+        // Within rounding of an end, the crossing is that end (the next edge meets it at its start).
+        if (t <= 1e-9 * l3) t = 0;
+        const int count = static_cast<int>(list.size());
+        if (t == 0) {
+            if (result == 0) {
+                first = count;
+                result = 1;
+            } else {
+                second = count;
+                result = 2;
+            }
+            continue;
+        }
+        if (t >= l3 * (1 - 1e-9)) continue; // at q itself: q serves when its own edge is looked at
+        CutPoint c;
+        for (int k = 0; k < 3; ++k)
+            c.xyz[k] = a.xyz[k] + t * (b.xyz[k] - a.xyz[k]) / l3;
+        for (int k = 0; k < 2; ++k)
+            c.uv[k] = a.uv[k] + t * (b.uv[k] - a.uv[k]) / l3;
+        list.push_back(c);
+        if (result == 0) {
+            first = count + 1;
+            result = 1;
+        } else {
+            second = count + 1;
+            result = 2;
+        }
+    }
+    return result;
+}
+
+CutHalves BuildCutPols(int polygon, int group, const std::vector<CutPoint>& list, int first, int second) {
+    CutHalves h;
+    const int n = static_cast<int>(list.size());
+    if (first < 1 || second <= first || second > n) return h;
+    std::vector<CutPoint> one, two;
+    for (int i = 1; i <= first; ++i)
+        one.push_back(list[size_t(i - 1)]);
+    for (int i = second; i <= n; ++i)
+        one.push_back(list[size_t(i - 1)]);
+    for (int i = first; i <= second; ++i)
+        two.push_back(list[size_t(i - 1)]);
+    if (one.size() < 3 || two.size() < 3) return h; // a line along an edge: no cut
+    h.first = makeHalf(polygon, group, one);
+    h.second = makeHalf(polygon, group, two);
+    return h;
+}
+
+} // namespace vexil

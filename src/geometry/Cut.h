@@ -1,0 +1,40 @@
+// The geometry of the polygon cut (mdlCutPols): a straight line on the screen cuts the polygons whose
+// projected edges it crosses; each crossing is carried back to its edge in 3D by proportion, and the
+// polygon's ring, with the crossings in place, is divided into two halves.
+#pragma once
+#include <functional>
+#include <vector>
+
+namespace vexil {
+
+// One entry of the cut point list: x, y, z, u, v.
+struct CutPoint {
+    double xyz[3] = {0, 0, 0};
+    double uv[2] = {0, 0};
+};
+
+// The screen ends of a 3D edge in the view being cut (ZELMAR_engine_3D_edge_to_2D with that view's camera
+// current); false when the edge is not wholly in view.
+using EdgeToScreen = std::function<bool(const double a[3], const double b[3], double s[2], double e[2])>;
+
+struct CutLine {
+    double x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+};
+
+// The points of the ring with the crossings inserted after the point they follow. Answers 0, 1 or 2
+// crossings; first and second are 1-based positions in `list`. A crossing exactly on a point adds no point
+// (the point serves); a third crossing replaces the second, so a concave polygon is cut at its first and
+// last crossing.
+int FindCutCrossings(int polygon, const CutLine& line, const EdgeToScreen& toScreen, std::vector<CutPoint>& list,
+                     int& first, int& second);
+
+// The two halves of a polygon with two crossings: points 1..first then second..end, and first..second,
+// each a vertex with brightness 100, with the polygon's animation, else bitmap, else colour, named
+// "Cut_Poly", in `group` and added to the world. When a half would have fewer than three points neither is
+// made (both 0).
+struct CutHalves {
+    int first = 0, second = 0;
+};
+CutHalves BuildCutPols(int polygon, int group, const std::vector<CutPoint>& list, int first, int second);
+
+} // namespace vexil
