@@ -15,16 +15,18 @@ struct FileSchema {
     bool present = false;
     std::vector<SchemaEntry> fields;
     std::vector<int> own; // our field index per file field, -1 to skip
-    uint32_t minBytes = 0;
+    // The least bytes of one record. 64 bits: a schema of millions of wide fields adds up
+    // past 2^32, and a 32-bit sum could wrap to nothing and let a count claim any number.
+    uint64_t minBytes = 0;
 };
 
-uint32_t minBytesOf(FieldType t, uint8_t count) {
+uint64_t minBytesOf(FieldType t, uint8_t count) {
     switch (t) {
     case FieldType::I32:
-        return 4u * count;
+        return 4u * uint64_t(count);
     case FieldType::I64:
     case FieldType::F64:
-        return 8u * count;
+        return 8u * uint64_t(count);
     case FieldType::Bool:
         return 1;
     case FieldType::Ref:

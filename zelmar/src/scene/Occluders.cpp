@@ -1,21 +1,17 @@
 #include "scene/Occluders.h"
 
 #include "scene/PolygonGeometry.h"
+#include "scene/Walks.h"
 #include "scene/World.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <unordered_set>
 
 namespace zelmar {
 
 namespace {
-bool effectivelyDisabled(const Group* g) {
-    for (; g; g = g->father)
-        if (g->disabled) return true;
-    return false;
-}
-
 bool rayBox(V3 o, V3 inv, double tmax, V3 lo, V3 hi) {
     double t0 = 0, t1 = tmax;
     for (int i = 0; i < 3; ++i) {
@@ -41,8 +37,11 @@ Cache& cache() {
 void Occluders::build() {
     tris_.clear();
     nodes_.clear();
+    // Looked up per polygon; a walk up to the root per polygon would be quadratic in the depth.
+    const std::vector<const Group*> groups = enabledGroups(nullptr);
+    const std::unordered_set<const Group*> enabled(groups.begin(), groups.end());
     for (const Polygon* p = world().firstPolygon(); p; p = p->nextInWorld) {
-        if (!p->group || p->disabled || p->points.size() < 3 || effectivelyDisabled(p->group)) continue;
+        if (!p->group || p->disabled || p->points.size() < 3 || !enabled.count(p->group)) continue;
         for (const auto& t : triangulate(*p)) {
             const V3 a = pos(p->points[t[0]]);
             tris_.push_back({a, pos(p->points[t[1]]) - a, pos(p->points[t[2]]) - a, p->handle});
