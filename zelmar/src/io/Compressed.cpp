@@ -15,6 +15,7 @@ constexpr int kLevel = 3;
 // than kMaxRatio times its own size, the bound the reader enforces.
 constexpr uint32_t kSkippableMagic = 0x184D2A50;
 constexpr uint32_t kSkippableMask = 0xFFFFFFF0;
+constexpr size_t kFirstStep = 64 << 10;
 
 // Where the decompressed bytes must already look like a binary world, checked as soon as
 // they arrive and before the buffer grows: what lies inside is refused after its first
@@ -144,22 +145,17 @@ bool readCompressed(const uint8_t* data, size_t size, WorldData& d, std::string&
         return false;
     }
     // Grow towards the declared size only as data really arrives: the header is not trusted
-    // with an allocation.
+    // with an allocation. The first step stops after kFirstStep bytes, so that the inner
+    // header is looked at before anything more is decompressed.
     std::vector<uint8_t> plain(
         static_cast<size_t>(std::min<uint64_t>(plainSize, std::max<uint64_t>(1 << 20, size * 8))));
+    size_t limit = std::min(plain.size(), kFirstStep);
     ZSTD_inBuffer in{data + kHeaderSize, size - kHeaderSize, 0};
     size_t produced = 0;
     bool innerChecked = false;
     for (;;) {
-        if (!innerChecked && produced >= std::min<uint64_t>(32, plainSize)) {
-            if (std::string why = innerProblem(plain.data(), produced, plainSize); !why.empty()) {
-                error = "inside the compressed data, " + why;
-                return false;
-            }
-            innerChecked = true;
-        }
-        if (produced == plain.size()) {
-            if (plain.size() == plainSize) {
+        if (produced == limit) {
+            if (limit == plainSize) {
                 // Full: the frame must end here; one more call tells whether it does.
                 uint8_t extra;
                 ZSTD_outBuffer o{&extra, 1, 0};
@@ -171,15 +167,24 @@ bool readCompressed(const uint8_t* data, size_t size, WorldData& d, std::string&
                 }
                 break;
             }
-            plain.resize(static_cast<size_t>(std::min<uint64_t>(plainSize, plain.size() * 2)));
+            if (limit == plain.size())
+                plain.resize(static_cast<size_t>(std::min<uint64_t>(plainSize, plain.size() * 2)));
+            limit = plain.size();
         }
-        ZSTD_outBuffer o{plain.data(), plain.size(), produced};
+        ZSTD_outBuffer o{plain.data(), limit, produced};
         const size_t r = ZSTD_decompressStream(dc.p, &o, &in);
         produced = o.pos;
         if (ZSTD_isError(r)) {
             error = "byte offset " + std::to_string(kHeaderSize + in.pos) +
                     ": damaged compressed data: " + ZSTD_getErrorName(r);
             return false;
+        }
+        if (!innerChecked && produced >= std::min<uint64_t>(32, plainSize)) {
+            if (std::string why = innerProblem(plain.data(), produced, plainSize); !why.empty()) {
+                error = "inside the compressed data, " + why;
+                return false;
+            }
+            innerChecked = true;
         }
         if (r == 0) break; // frame complete
         if (in.pos == in.size && o.pos < o.size) {

@@ -1,5 +1,6 @@
 // What a load does with files that are not what they seem: bitmaps that cannot be read, and
 // world paths that are no regular files (named pipes, folders, devices).
+#include "ImageFaults.h"
 #include "WorldGen.h"
 #include "io/ImageCodec.h"
 #include "scene/World.h"
@@ -27,38 +28,6 @@ void writeFile(const std::string& path, const std::vector<uint8_t>& bytes) {
                                                 std::streamsize(bytes.size()));
 }
 
-std::vector<uint8_t> encoded(bool jpeg) {
-    image::Image img;
-    img.width = img.height = 8;
-    img.rgba.assign(8 * 8 * 4, 90);
-    std::vector<uint8_t> out;
-    std::string error;
-    EXPECT_TRUE(jpeg ? image::encodeJpeg(img, 90, out, error) : image::encodeBmp(img, out, error)) << error;
-    return out;
-}
-
-// A JPEG whose scan names a component its frame lacks: the decoder fails without a reason.
-std::vector<uint8_t> damagedJpeg() {
-    std::vector<uint8_t> b = encoded(true);
-    for (size_t i = 0; i + 5 < b.size(); ++i)
-        if (b[i] == 0xFF && b[i + 1] == 0xDA) {
-            b[i + 5] = 0x7F;
-            break;
-        }
-    return b;
-}
-
-// An 8-bit .bmp of 2 x 2 with a palette of 2 colours, one pixel naming colour 200.
-std::vector<uint8_t> bmpIndexPastPalette() {
-    std::vector<uint8_t> b = {'B', 'M', 70, 0, 0, 0, 0, 0, 0, 0, 62, 0, 0, 0, 40, 0, 0, 0, 2, 0, 0, 0, 2, 0, 0, 0, 1, 0, 8, 0};
-    b.resize(62, 0);
-    b[46] = 2;                              // colours used
-    b[58] = b[59] = b[60] = 255;            // colour 1 white
-    const uint8_t rows[8] = {0, 1, 0, 0, 200, 0, 0, 0};
-    b.insert(b.end(), rows, rows + 8);
-    return b;
-}
-
 // Polygon i of "the_world" is filled with bitmap i (colour 10, 20, 30 under it).
 void writeWorld(const std::string& path, const std::vector<std::string>& bitmaps) {
     std::ofstream o(path, std::ios::binary);
@@ -77,9 +46,9 @@ TEST(WorldLoad, UnreadableBitmapsLeaveTheirPolygonsColourFilledAndAreNamed) {
     TempDir dir;
     fs::create_directories(dir / "bitmaps");
     const auto at = [&](const std::string& f) { return dir / ("bitmaps/" + f); };
-    const std::vector<uint8_t> bmp = encoded(false), jpg = encoded(true);
+    const std::vector<uint8_t> bmp = iotest::smallImage(false), jpg = iotest::smallImage(true);
     // The damaged JPEG comes first: the decoder has no earlier failure whose reason it could give.
-    writeFile(at("damaged.jpg"), damagedJpeg());
+    writeFile(at("damaged.jpg"), iotest::damagedJpeg());
     writeFile(at("corrupt.bmp"), {'B', 'M', 0xDE, 0xAD, 0xBE, 0xEF});
     writeFile(at("truncated.bmp"), std::vector<uint8_t>(bmp.begin(), bmp.begin() + long(bmp.size() / 2)));
     writeFile(at("truncated.jpg"), std::vector<uint8_t>(jpg.begin(), jpg.begin() + 20));
@@ -87,13 +56,14 @@ TEST(WorldLoad, UnreadableBitmapsLeaveTheirPolygonsColourFilledAndAreNamed) {
     writeFile(at("empty.jpg"), {});
     writeFile(at("picture.png"), {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13});
     writeFile(at("picture.tga"), {0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 1, 0, 24, 0, 1, 2, 3});
-    writeFile(at("palette.bmp"), bmpIndexPastPalette());
+    writeFile(at("palette.bmp"), iotest::bmpIndexPastPalette());
+    writeFile(at("huge.jpg"), iotest::hugeJpegHeader());
     ASSERT_EQ(::mkfifo(at("pipe.bmp").c_str(), 0644), 0);
     fs::create_directories(at("folder.bmp"));
     writeFile(at("good.bmp"), bmp);
     const std::vector<std::string> bad = {"damaged.jpg", "corrupt.bmp", "truncated.bmp", "truncated.jpg",
                                           "empty.bmp",   "empty.jpg",   "picture.png",   "picture.tga",
-                                          "palette.bmp", "pipe.bmp",    "folder.bmp",    "missing.bmp"};
+                                          "palette.bmp", "huge.jpg",    "pipe.bmp",      "folder.bmp",  "missing.bmp"};
     std::vector<std::string> all = bad;
     all.push_back("good.bmp");
     writeWorld(dir / "w.wld", all);
