@@ -108,11 +108,13 @@ bool linkUnnamed(int fd, const std::string& path) {
     return ::linkat(fd, "", AT_FDCWD, path.c_str(), AT_EMPTY_PATH) == 0;
 }
 
+bool unnamedFiles = true;
+
 // An unnamed file in `dir`, or -1 where the file system (or the lack of /proc to link it
 // through) does not allow one.
 int openUnnamed(const fs::path& dir, mode_t mode) {
 #ifdef O_TMPFILE
-    if (::access("/proc/self/fd", X_OK) != 0) return -1;
+    if (!unnamedFiles || ::access("/proc/self/fd", X_OK) != 0) return -1;
     return ::open(dir.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, mode);
 #else
     (void)dir, (void)mode;
@@ -121,6 +123,10 @@ int openUnnamed(const fs::path& dir, mode_t mode) {
 }
 
 } // namespace
+
+void useUnnamedFiles(bool on) {
+    unnamedFiles = on;
+}
 
 std::string scratchPrefix(const std::string& target) {
     std::string prefix = ".";

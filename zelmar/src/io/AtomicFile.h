@@ -18,6 +18,9 @@ namespace zelmar::io {
 bool writeFileAtomically(const std::string& target, const std::function<bool(Sink&, std::string&)>& body,
                          std::string& error);
 
+// Off: every write takes the path of file systems without unnamed files (for tests).
+void useUnnamedFiles(bool on);
+
 // The start of the name of a scratch file of `target` (".<name>.zelmar-save-").
 std::string scratchPrefix(const std::string& target);
 
