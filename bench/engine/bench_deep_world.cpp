@@ -1,7 +1,8 @@
 // Deep hierarchies: a world whose groups form one chain (each the only child of the one
 // before), with a triangle in every 16th group. The file is written as text by this program,
 // so the first load needs nothing of the engine but the reader. Then: the load of the text,
-// the walks of the C API over the whole chain, the save and the load of each format, and a
+// the walks of the C API over the whole chain, a first frame and a first pick (which build
+// the render and pick caches of every group), the save and the load of each format, and a
 // duplicate and a delete of the chain. Prints the median of several runs, wall and processor
 // seconds.
 //
@@ -77,7 +78,7 @@ int main(int argc, char** argv) {
     const long polygons = (depth + 15) / 16;
 
     const char* const exts[] = {".wld", ".zelmar", ".tolvane", ".3dzelmar"};
-    Measure loadText, groupWalk, polygonWalk, duplicate, remove, save[4], load[4];
+    Measure loadText, groupWalk, polygonWalk, render, pick, duplicate, remove, save[4], load[4];
     for (int r = 0; r < runs; ++r) {
         ZELMAR_engine_load_world(nullptr, nullptr, nullptr, 4);
         loadText.start();
@@ -99,6 +100,20 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "walks saw %ld groups and %ld polygons\n", groups, seen);
             return 1;
         }
+
+        const int target = ZELMAR_target_create(320, 240);
+        const int camera = ZELMAR_camera_create("look");
+        const double eye[3] = {-10, 0.3, 0.3}; // along +x, at the root's triangle
+        ZELMAR_camera_set_location(camera, eye);
+        ZELMAR_camera_set_current(camera, target);
+        render.start();
+        if (ZELMAR_engine_render_on_bitmap(target, camera) != 1) die("render");
+        render.stop();
+        pick.start();
+        const int hit = ZELMAR_engine_get_polygon_at_point_2D(160, 120);
+        pick.stop();
+        if (ZELMAR_polygon_get_group(hit) != root) die("pick");
+        ZELMAR_target_destroy(target);
 
         for (int f = 0; f < 4; ++f) {
             if (!only.empty() && only != exts[f]) continue;
@@ -130,6 +145,8 @@ int main(int argc, char** argv) {
     loadText.print("load the written text");
     groupWalk.print("walk the included groups");
     polygonWalk.print("walk the polygons");
+    render.print("first frame, 320 x 240");
+    pick.print("first pick");
     for (int f = 0; f < 4; ++f) {
         save[f].print((std::string("save ") + exts[f]).c_str());
         load[f].print((std::string("load ") + exts[f]).c_str());
