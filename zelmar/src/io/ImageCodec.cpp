@@ -344,21 +344,22 @@ bool decodeMemory(const uint8_t* data, size_t size, Image& out, std::string& err
         out.width = w;
         out.height = h;
         out.rgba.assign(pixels, pixels + size_t(w) * size_t(h) * 4);
+        stbi_image_free(pixels);
+        pixels = nullptr;
+        for (size_t i = 3; i < out.rgba.size(); i += 4)
+            out.rgba[i] = 255;
+        if (f == Format::Bmp) {
+            out.palette = bmpPalette(data, size);
+            if (!out.palette.empty() && !indexPixels(out)) {
+                out.palette.clear();
+                out.indices.clear();
+            }
+        }
     } catch (const std::bad_alloc&) {
         stbi_image_free(pixels);
         out = Image{};
         error = "not enough memory for an image of " + std::to_string(w) + " x " + std::to_string(h);
         return false;
-    }
-    stbi_image_free(pixels);
-    for (size_t i = 3; i < out.rgba.size(); i += 4)
-        out.rgba[i] = 255;
-    if (f == Format::Bmp) {
-        out.palette = bmpPalette(data, size);
-        if (!out.palette.empty() && !indexPixels(out)) {
-            out.palette.clear();
-            out.indices.clear();
-        }
     }
     return true;
 }

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <unordered_set>
 
 namespace zelmar {
 
@@ -37,16 +36,16 @@ Cache& cache() {
 void Occluders::build() {
     tris_.clear();
     nodes_.clear();
-    // Looked up per polygon; a walk up to the root per polygon would be quadratic in the depth.
-    const std::vector<const Group*> groups = enabledGroups(nullptr);
-    const std::unordered_set<const Group*> enabled(groups.begin(), groups.end());
-    for (const Polygon* p = world().firstPolygon(); p; p = p->nextInWorld) {
-        if (!p->group || p->disabled || p->points.size() < 3 || !enabled.count(p->group)) continue;
-        for (const auto& t : triangulate(*p)) {
-            const V3 a = pos(p->points[t[0]]);
-            tris_.push_back({a, pos(p->points[t[1]]) - a, pos(p->points[t[2]]) - a, p->handle});
+    // Group by group: asking per polygon whether an ancestor is disabled would walk up to the
+    // root each time, quadratic in the depth. (The order of the triangles does not matter.)
+    for (const Group* g : enabledGroups(nullptr))
+        for (const Polygon* p = g->firstPolygon; p; p = p->nextInGroup) {
+            if (p->disabled || p->points.size() < 3) continue;
+            for (const auto& t : triangulate(*p)) {
+                const V3 a = pos(p->points[t[0]]);
+                tris_.push_back({a, pos(p->points[t[1]]) - a, pos(p->points[t[2]]) - a, p->handle});
+            }
         }
-    }
     if (tris_.empty()) return;
     std::vector<V3> centres;
     centres.reserve(tris_.size());

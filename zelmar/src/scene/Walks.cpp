@@ -2,8 +2,6 @@
 
 #include "scene/World.h"
 
-#include <unordered_set>
-
 namespace zelmar {
 
 namespace {
@@ -239,14 +237,16 @@ std::vector<const Group*> enabledGroups(const Group* root) {
         forEachEnabled(root, [&](const Group* g) { out.push_back(g); });
         return out;
     }
+    // Every tree in pre-order marks its enabled groups; they are then taken in creation order.
+    static uint64_t passes = 0;
+    const uint64_t pass = ++passes;
     const World& w = world();
-    std::unordered_set<const Group*> enabled;
-    enabled.reserve(w.groupCount());
+    size_t n = 0;
     for (const Group* g = w.firstGroup(); g; g = g->nextInWorld)
-        if (!g->father) forEachEnabled(g, [&](const Group* x) { enabled.insert(x); });
-    out.reserve(enabled.size());
+        if (!g->father) forEachEnabled(g, [&](const Group* x) { x->enabledPass = pass, ++n; });
+    out.reserve(n);
     for (const Group* g = w.firstGroup(); g; g = g->nextInWorld)
-        if (enabled.count(g)) out.push_back(g);
+        if (g->enabledPass == pass) out.push_back(g);
     return out;
 }
 
