@@ -24,7 +24,7 @@ void appendStr(Bytes& b, const std::string& s);
 
 // A schema that gives camera records no fields, and a camera chunk claiming 4 billion of them.
 Bytes emptyRecordBomb(const Bytes& bin);
-// A schema whose camera records take at least 2^32 bytes each (millions of unnamed wide
+// A schema whose camera records take at least 2^32 bytes each (2.1 million unnamed wide
 // fields), and a camera chunk claiming 4 billion of them: a 32-bit record size wraps to 0.
 Bytes wrappingRecordSize(const Bytes& bin);
 
