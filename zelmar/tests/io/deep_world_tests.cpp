@@ -90,7 +90,8 @@ TEST(DeepWorld, LoadsInLinearWorkAndSavesTheSameBytesInEveryFormat) {
             const int root = ZELMAR_group_get_using_name("the_world");
             EXPECT_EQ(includedGroups(root), kDepth - 1);
             EXPECT_EQ(polygonsBelow(root), kPolygons);
-            for (int g : {f, (f + 1) % 4}) { // its own format and another
+            for (int g = 0; g < 4; ++g) { // its own format, and from the text every other
+                if (g != f && f != 0) continue;
                 const std::string again = dir / (std::string("b") + exts[g]);
                 ASSERT_EQ(ZELMAR_engine_save(again.c_str(), root, 0x1203), 1) << ZELMAR_engine_get_last_error();
                 EXPECT_TRUE(iotest::fileBytes(again) == first[g]) << exts[g];

@@ -69,11 +69,13 @@ int waitFor(pid_t pid) {
 TEST(WorldSave, AKilledSaveLeavesTheOldOrTheNewWorldAndNoStrayFileAfterTheNextSave) {
     World w;
     iotest::GenSize size;
-    size.groups = 20, size.polygons = 4000, size.bitmaps = 0, size.animations = 1;
+    size.groups = 20, size.polygons = 3000, size.bitmaps = 0, size.animations = 1;
     Group* root = iotest::makeRandomWorld(w, 21, size);
     for (const Mode mode : {Mode{true, "unnamed"}, Mode{false, "named"}}) {
         io::useUnnamedFiles(mode.unnamed);
         for (const char* ext : {".wld", ".zelmar", ".tolvane", ".3dzelmar"}) {
+            // The classic path is the same for every format: one text and one binary suffice.
+            if (!mode.unnamed && (ext == std::string(".tolvane") || ext == std::string(".3dzelmar"))) continue;
             SCOPED_TRACE(std::string(mode.name) + " " + ext);
             TempDir dir;
             const std::string path = dir / (std::string("world") + ext);
