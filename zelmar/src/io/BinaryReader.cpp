@@ -15,16 +15,23 @@ struct FileSchema {
     bool present = false;
     std::vector<SchemaEntry> fields;
     std::vector<int> own; // our field index per file field, -1 to skip
-    uint32_t minBytes = 0;
+    // The least bytes of one record, in 64 bits: a 32-bit sum over millions of wide fields
+    // could wrap to nothing and let a count claim any number (the field limit now keeps
+    // sums far below 2^32; the width stays, so that no limit can bring the wrap back).
+    uint64_t minBytes = 0;
 };
 
-uint32_t minBytesOf(FieldType t, uint8_t count) {
+// Far more than any version will need, and few enough that a schema is read at once: a
+// small (compressed) file could otherwise describe millions of fields.
+constexpr uint32_t kMaxSchemaKinds = 256, kMaxSchemaFields = 4096;
+
+uint64_t minBytesOf(FieldType t, uint8_t count) {
     switch (t) {
     case FieldType::I32:
-        return 4u * count;
+        return 4u * uint64_t(count);
     case FieldType::I64:
     case FieldType::F64:
-        return 8u * count;
+        return 8u * uint64_t(count);
     case FieldType::Bool:
         return 1;
     case FieldType::Ref:
@@ -71,12 +78,18 @@ struct Reader {
 
     void readSchema(Cursor& c) {
         const uint32_t kinds = c.count(8);
+        if (kinds > kMaxSchemaKinds)
+            c.fail("the schema names " + std::to_string(kinds) + " record kinds (at most " +
+                   std::to_string(kMaxSchemaKinds) + ")");
         for (uint32_t i = 0; i < kinds; ++i) {
             const std::string name = c.str();
             int kind = -1;
             for (int k = 0; k < kRecordKinds; ++k)
                 if (name == recordName(static_cast<RecordKind>(k))) kind = k;
             const uint32_t n = c.count(6);
+            if (n > kMaxSchemaFields)
+                c.fail("schema of " + name.substr(0, 40) + " records has " + std::to_string(n) +
+                       " fields (at most " + std::to_string(kMaxSchemaFields) + ")");
             FileSchema fs;
             fs.present = true;
             const auto& ours =

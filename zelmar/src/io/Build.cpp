@@ -1,5 +1,6 @@
 #include "io/Build.h"
 
+#include "io/AtomicFile.h"
 #include "io/Schema.h"
 #include "scene/BitmapStore.h"
 #include <cstring>
@@ -138,7 +139,10 @@ BitmapImages loadBitmapImages(const WorldData& d, const std::vector<std::string>
             if (folder.empty()) continue;
             const std::filesystem::path p = std::filesystem::path(folder) / file;
             std::error_code ec;
-            if (!std::filesystem::is_regular_file(p, ec)) continue;
+            if (const std::string why = notARegularFile(p.string()); !why.empty()) {
+                if (why != "not found") lastProblem = p.string() + ": " + why;
+                continue;
+            }
             std::string err;
             if (image::decodeFile(p.string(), out.images[i], err)) {
                 out.paths[i] = std::filesystem::absolute(p, ec).string();

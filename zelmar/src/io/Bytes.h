@@ -127,10 +127,11 @@ class Cursor {
         const uint8_t* p = take(n);
         return std::string(reinterpret_cast<const char*>(p), n);
     }
-    // A count of records each at least `minBytes` long: refuses counts the data cannot hold.
-    uint32_t count(uint32_t minBytes) {
+    // A count of records each at least `minBytes` (> 0) long: refuses counts the data cannot
+    // hold. Divided, not multiplied, so that no product can wrap.
+    uint32_t count(uint64_t minBytes) {
         const uint32_t n = u32();
-        if (minBytes && static_cast<uint64_t>(n) * minBytes > remaining())
+        if (n != 0 && (minBytes == 0 || n > remaining() / minBytes))
             fail("count " + std::to_string(n) + " exceeds what the data can hold");
         return n;
     }

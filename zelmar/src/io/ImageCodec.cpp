@@ -1,13 +1,12 @@
 #include "io/ImageCodec.h"
 
+#include "io/AtomicFile.h"
+
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <unistd.h>
 #include <unordered_map>
 
 // stb is compiled here, privately (static functions), so that no other object of the
@@ -84,9 +83,38 @@ std::vector<uint8_t> bmpPalette(const uint8_t* data, size_t size) {
     return pal;
 }
 
+// A 1-, 4- or 8-bit .bmp whose colour table is missing, or a pixel naming a colour past its
+// end: stb would take such colours from its own uninitialised table. Empty when every index
+// is in the table. The table is counted as stb counts it (what lies between the header and
+// the pixels; for the old 12-byte header, four entries fewer).
+std::string bmpIndexProblem(const uint8_t* data, uint32_t headerSize, uint32_t offset, int64_t width,
+                            int64_t height, uint32_t bpp) {
+    if (bpp != 1 && bpp != 4 && bpp != 8) return "";
+    const int64_t entryBytes = headerSize == 12 ? 3 : 4;
+    const int64_t tableBytes = int64_t(offset) - 14 - (headerSize == 12 ? 24 : int64_t(headerSize));
+    if (tableBytes < entryBytes) return "the .bmp has no colour table";
+    const uint64_t colours = uint64_t(tableBytes / entryBytes);
+    if (colours > 256) return ""; // stb names this one itself
+    if (colours >= (uint64_t(1) << bpp)) return "";
+    const uint64_t stride = (uint64_t(width) * bpp + 31) / 32 * 4;
+    const uint64_t rows = uint64_t(height < 0 ? -height : height);
+    for (uint64_t y = 0; y < rows; ++y) {
+        const uint8_t* row = data + offset + y * stride;
+        for (uint64_t x = 0; x < uint64_t(width); ++x) {
+            const uint64_t bit = x * bpp;
+            const uint32_t index = (row[bit / 8] >> (8 - bpp - bit % 8)) & ((1u << bpp) - 1);
+            if (index >= colours)
+                return "pixel " + std::to_string(x) + ", " + std::to_string(y) + " names colour " +
+                       std::to_string(index) + " of a table of " + std::to_string(colours);
+        }
+    }
+    return "";
+}
+
 // What is wrong with a .bmp that stb would misread or refuse without saying why: a
-// header or pixel rows cut short (stb reads zeros past the end), or run-length
-// compression, which stb does not decode. Empty when nothing is.
+// header or pixel rows cut short (stb reads zeros past the end), run-length compression,
+// which stb does not decode, or a pixel naming a colour the file does not have. Empty when
+// nothing is.
 std::string bmpProblem(const uint8_t* data, size_t size) {
     if (size < 26) return "truncated .bmp header";
     const uint32_t headerSize = le32(data + 14);
@@ -109,9 +137,20 @@ std::string bmpProblem(const uint8_t* data, size_t size) {
         return "unsupported .bmp compression " + std::to_string(compression);
     if (width <= 0 || height == 0 || bpp == 0 || width > kMaxDimension || std::abs(height) > kMaxDimension)
         return ""; // stb names these itself
+    if (uint64_t(width) * uint64_t(std::abs(height)) > kMaxPixels) return ""; // refused by size
     const uint64_t stride = (uint64_t(width) * bpp + 31) / 32 * 4;
     if (uint64_t(offset) + stride * uint64_t(std::abs(height)) > size) return "truncated .bmp pixel data";
-    return "";
+    return bmpIndexProblem(data, headerSize, offset, width, height, bpp);
+}
+
+// stb's text for its last failure; it gives none for some corrupt files (a JPEG scan naming
+// a component the frame lacks), and the text of an earlier failure would be misleading.
+void forgetFailure() {
+    stbi__g_failure_reason = nullptr;
+}
+std::string failureReason() {
+    const char* why = stbi_failure_reason();
+    return why && *why ? why : "corrupt or unsupported image data";
 }
 
 // Gives each pixel the first palette entry of its colour. False if a pixel has a colour
@@ -257,6 +296,10 @@ Format formatForPath(const std::string& path) {
 
 bool decodeMemory(const uint8_t* data, size_t size, Image& out, std::string& error) {
     out = Image{};
+    if (size == 0) {
+        error = "the file is empty";
+        return false;
+    }
     const Format f = sniff(data, size);
     if (f == Format::Unknown) {
         error = "not a .bmp or .jpg image";
@@ -277,63 +320,56 @@ bool decodeMemory(const uint8_t* data, size_t size, Image& out, std::string& err
         }
     }
     int w = 0, h = 0, comp = 0;
+    forgetFailure();
     if (!stbi_info_from_memory(data, int(size), &w, &h, &comp)) {
-        error = std::string("cannot decode image: ") + stbi_failure_reason();
+        error = "cannot decode image: " + failureReason();
         return false;
     }
     if (w <= 0 || h <= 0 || w > kMaxDimension || h > kMaxDimension) {
         error = "image size " + std::to_string(w) + " x " + std::to_string(h) + " is out of range";
         return false;
     }
-    stbi_uc* pixels = stbi_load_from_memory(data, int(size), &w, &h, &comp, 4);
-    if (!pixels) {
-        error = std::string("cannot decode image: ") + stbi_failure_reason();
+    if (uint64_t(w) * uint64_t(h) > kMaxPixels) {
+        error = "image size " + std::to_string(w) + " x " + std::to_string(h) + " is larger than " +
+                std::to_string(kMaxPixels) + " pixels";
         return false;
     }
-    out.width = w;
-    out.height = h;
-    out.rgba.assign(pixels, pixels + size_t(w) * size_t(h) * 4);
-    stbi_image_free(pixels);
-    for (size_t i = 3; i < out.rgba.size(); i += 4)
-        out.rgba[i] = 255;
-    if (f == Format::Bmp) {
-        out.palette = bmpPalette(data, size);
-        if (!out.palette.empty() && !indexPixels(out)) {
-            out.palette.clear();
-            out.indices.clear();
+    forgetFailure();
+    stbi_uc* pixels = stbi_load_from_memory(data, int(size), &w, &h, &comp, 4);
+    if (!pixels) {
+        error = "cannot decode image: " + failureReason();
+        return false;
+    }
+    try {
+        out.width = w;
+        out.height = h;
+        out.rgba.assign(pixels, pixels + size_t(w) * size_t(h) * 4);
+        stbi_image_free(pixels);
+        pixels = nullptr;
+        for (size_t i = 3; i < out.rgba.size(); i += 4)
+            out.rgba[i] = 255;
+        if (f == Format::Bmp) {
+            out.palette = bmpPalette(data, size);
+            if (!out.palette.empty() && !indexPixels(out)) {
+                out.palette.clear();
+                out.indices.clear();
+            }
         }
+    } catch (const std::bad_alloc&) {
+        stbi_image_free(pixels);
+        out = Image{};
+        error = "not enough memory for an image of " + std::to_string(w) + " x " + std::to_string(h);
+        return false;
     }
     return true;
 }
 
 bool readFile(const std::string& path, std::vector<uint8_t>& out, std::string& error) {
-    out.clear();
-    std::error_code ec;
     if (path.empty()) {
         error = "no file name given";
         return false;
     }
-    if (!std::filesystem::is_regular_file(path, ec)) {
-        error = "file not found: " + path;
-        return false;
-    }
-    const auto size = std::filesystem::file_size(path, ec);
-    if (ec || size > kMaxFileBytes) {
-        error = ec ? "cannot read " + path + ": " + ec.message() : "file too large: " + path;
-        return false;
-    }
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        error = "cannot open " + path + ": " + std::strerror(errno);
-        return false;
-    }
-    out.resize(size_t(size));
-    if (size && !in.read(reinterpret_cast<char*>(out.data()), std::streamsize(size))) {
-        error = "cannot read " + path;
-        out.clear();
-        return false;
-    }
-    return true;
+    return io::readWholeFile(path, out, error, kMaxFileBytes);
 }
 
 bool decodeFile(const std::string& path, Image& out, std::string& error) {
@@ -388,30 +424,14 @@ bool encodeFile(const Image& img, const std::string& path, std::string& error, i
         error = "unsupported image file type (only .bmp and .jpg): " + path;
         return false;
     }
-    const std::string scratch = path + ".part" + std::to_string(::getpid());
-    {
-        std::ofstream o(scratch, std::ios::binary | std::ios::trunc);
-        if (!o) {
-            error = "cannot write " + path + ": " + std::strerror(errno);
+    return io::writeFileAtomically(
+        path,
+        [&](io::Sink& out, std::string& e) {
+            if (out.write(bytes.data(), bytes.size())) return true;
+            e = "cannot write " + path;
             return false;
-        }
-        o.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
-        o.flush();
-        if (!o) {
-            error = "cannot write " + path;
-            o.close();
-            std::remove(scratch.c_str());
-            return false;
-        }
-    }
-    std::error_code ec;
-    std::filesystem::rename(scratch, path, ec);
-    if (ec) {
-        error = "cannot write " + path + ": " + ec.message();
-        std::remove(scratch.c_str());
-        return false;
-    }
-    return true;
+        },
+        error);
 }
 
 Image resample(const Image& img, int width, int height) {

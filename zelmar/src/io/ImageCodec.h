@@ -24,6 +24,9 @@ enum class Format { Unknown, Bmp, Jpeg };
 
 // Largest width or height accepted from a file; protects against absurd headers.
 constexpr int kMaxDimension = 16384;
+// Largest number of pixels decoded from a file (256 MiB of RGBA): a 16384 x 16384 header
+// is refused with a clear text instead of claiming gigabytes.
+constexpr uint64_t kMaxPixels = uint64_t(1) << 26;
 
 // The kind of the bytes, by their signature.
 Format sniff(const uint8_t* data, size_t size);
@@ -37,11 +40,12 @@ bool decodeFile(const std::string& path, Image& out, std::string& error);
 bool encodeBmp(const Image& img, std::vector<uint8_t>& out, std::string& error);
 // .jpg with quality 1..100 (out-of-range values are clamped).
 bool encodeJpeg(const Image& img, int quality, std::vector<uint8_t>& out, std::string& error);
-// By the file's extension (.bmp or .jpg/.jpeg). Written to a scratch file beside the
-// target and renamed over it, so a failed write never leaves a half-written image.
+// By the file's extension (.bmp or .jpg/.jpeg). Written as io/AtomicFile writes, so a
+// failed write never leaves a half-written image nor a scratch file.
 bool encodeFile(const Image& img, const std::string& path, std::string& error, int jpegQuality = 90);
 
-// Whole file into memory, with a clear error for missing or unreadable files.
+// Whole file into memory, with a clear error for missing, unreadable or non-regular files
+// (a named pipe is refused, never waited on).
 bool readFile(const std::string& path, std::vector<uint8_t>& out, std::string& error);
 
 // Bilinear resample of the RGBA pixels; palette indices are resampled by nearest neighbour.

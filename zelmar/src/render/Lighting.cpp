@@ -61,11 +61,15 @@ std::vector<ActiveLight> gatherLights() {
     return out;
 }
 
-bool lightsGroup(const ActiveLight& l, const Group& g) {
-    if (l.target == 0) return true;
-    if (g.handle == l.target) return true;
-    const Group* t = world().group(l.target);
-    return t && world().isIncludedIn(g, *t);
+LightReach::LightReach(const std::vector<ActiveLight>& lights) : lights_(lights), subtree_(lights.size()) {
+    for (size_t i = 0; i < lights.size(); ++i)
+        if (const Group* t = world().group(lights[i].target))
+            for (const Group* g = t; g; g = World::nextInSubtree(g, t))
+                subtree_[i].insert(g);
+}
+
+bool LightReach::reaches(size_t light, const Group& g) const {
+    return lights_[light].target == 0 || subtree_[light].count(&g) != 0;
 }
 
 void lightVertex(const std::vector<const ActiveLight*>& lights, const double p[3], const double nIn[3],

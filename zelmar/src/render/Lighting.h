@@ -3,6 +3,7 @@
 // activated, unless it is activated before each render.
 #pragma once
 #include "scene/Entities.h"
+#include <unordered_set>
 #include <vector>
 
 namespace zelmar::render {
@@ -18,8 +19,17 @@ struct ActiveLight {
 
 std::vector<ActiveLight> gatherLights();
 
-// Whether the light reaches polygons of group g.
-bool lightsGroup(const ActiveLight& l, const Group& g);
+// Which of the lights reach the polygons of which group, worked out once per frame: a walk up
+// to the root for every group would be quadratic in the depth of the tree.
+class LightReach {
+  public:
+    explicit LightReach(const std::vector<ActiveLight>& lights);
+    bool reaches(size_t light, const Group& g) const;
+
+  private:
+    const std::vector<ActiveLight>& lights_;
+    std::vector<std::unordered_set<const Group*>> subtree_; // per light with a target
+};
 
 // Light factor per channel at a point with unit normal n seen from eye (n is turned to
 // face the eye for polygons seen from both sides).

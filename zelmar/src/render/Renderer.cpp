@@ -7,6 +7,7 @@
 #include "render/Texture.h"
 #include "render/ThreadPool.h"
 #include "scene/Current.h"
+#include "scene/Walks.h"
 #include "scene/World.h"
 #include <algorithm>
 #include <cfloat>
@@ -57,12 +58,6 @@ struct FrameData {
     double planes[9][4];
     int planeCount = 9;
 };
-
-bool effectivelyDisabled(const Group* g) {
-    for (; g; g = g->father)
-        if (g->disabled) return true;
-    return false;
-}
 
 void makePlanes(FrameData& fd) {
     const View& v = fd.view;
@@ -465,16 +460,7 @@ std::vector<Chunk>& chunks() {
 } // namespace
 
 std::vector<const Group*> drawnGroups() {
-    World& w = world();
-    std::vector<const Group*> out;
-    if (const Group* root = w.group(settings().groupToRender)) {
-        for (const Group* g = root; g; g = World::nextInSubtree(g, root))
-            if (!effectivelyDisabled(g)) out.push_back(g);
-        return out;
-    }
-    for (const Group* g = w.firstGroup(); g; g = g->nextInWorld)
-        if (!effectivelyDisabled(g)) out.push_back(g);
-    return out;
+    return enabledGroups(world().group(settings().groupToRender));
 }
 
 bool renderFrame(Target& target, const Camera& camera, bool clear, std::string& error) {
@@ -503,6 +489,7 @@ bool renderFrame(Target& target, const Camera& camera, bool clear, std::string& 
     std::vector<Segment> segs;
     size_t total = 0;
     std::vector<const ActiveLight*> set;
+    const LightReach reach(fd.lights);
     const std::vector<const Group*> groups = drawnGroups();
     cache.update(groups, workerCount());
     for (const Group* g : groups) {
@@ -511,8 +498,8 @@ bool renderFrame(Target& target, const Camera& camera, bool clear, std::string& 
         int lightSet = -1;
         if (!fd.lights.empty()) {
             set.clear();
-            for (const ActiveLight& l : fd.lights)
-                if (lightsGroup(l, *g)) set.push_back(&l);
+            for (size_t i = 0; i < fd.lights.size(); ++i)
+                if (reach.reaches(i, *g)) set.push_back(&fd.lights[i]);
             if (!set.empty()) {
                 auto it = std::find(fd.lightSets.begin(), fd.lightSets.end(), set);
                 if (it == fd.lightSets.end()) {

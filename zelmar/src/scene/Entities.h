@@ -163,6 +163,7 @@ struct Group {
     mutable bool boundsEmpty = true;
     mutable double orientedMin[3] = {0, 0, 0}, orientedMax[3] = {0, 0, 0}; // along the axis rows
     mutable double worldMin[3] = {0, 0, 0}, worldMax[3] = {0, 0, 0};
+    mutable uint64_t enabledPass = 0; // the last enabledGroups() pass that found it enabled (not saved)
     // Behaviour parameters kept for the player.
     int32_t chaseType = 0;
     std::string chasedName;

@@ -16,6 +16,7 @@ class WalkTable {
         uint32_t index = 0;
         uint64_t used = 0;
         uint64_t steps = 0; // "next" calls answered
+        uint64_t tree = 0;  // World::treeGeneration() when `last` was answered
     };
 
     // A free slot; else, when two or more walks have not taken a step yet (a "first" used
@@ -40,7 +41,7 @@ class WalkTable {
             }
         }
         Record* slot = free ? free : (probes >= 2 || !oldest ? latestProbe : oldest);
-        *slot = Record{root, 0, 0, 0, ++clock_, 0};
+        *slot = Record{root, 0, 0, 0, ++clock_, 0, world().treeGeneration()};
         recent_ = static_cast<size_t>(slot - records_);
         return slot;
     }
@@ -56,7 +57,11 @@ class WalkTable {
     void touch(Record* r) {
         r->used = ++clock_;
         ++r->steps;
+        r->tree = world().treeGeneration();
     }
+    // What the walk answered last is still in its root's subtree if no group has moved
+    // since; else the caller checks (a walk up to the root).
+    static bool stillInside(const Record* r) { return r && r->tree == world().treeGeneration(); }
     void close(Record* r) { *r = Record{}; }
     void reset() {
         for (Record& r : records_)
@@ -101,14 +106,16 @@ Handle firstFrom(const Group* g, const Group* root, const Group*& where, uint32_
 }
 
 // The answer of one step from (g, index) in root's subtree, recorded in r (closed at the end).
-Handle stepFrom(WalkTable& t, WalkTable::Record* r, const Group* g, uint32_t index, const Group* root) {
+// `inside`: g is known to be in root's subtree.
+Handle stepFrom(WalkTable& t, WalkTable::Record* r, const Group* g, uint32_t index, const Group* root,
+                bool inside) {
     const World& w = world();
     Handle h = 0;
     const Group* where = g;
     uint32_t at = liveFrom(*g, index + 1);
     if (at < g->order.size())
         h = g->order[at];
-    else if (root && w.inSubtree(*g, *root))
+    else if (root && (inside || w.inSubtree(*g, *root)))
         h = firstFrom(World::nextInSubtree(g, root), root, where, at);
     if (!h) {
         if (r) t.close(r);
@@ -145,7 +152,7 @@ Handle nextPolygonOfSubtree(Handle h) {
         const Group* g = w.group(r->group);
         // Where the walk left it still holds it: no need to look at the polygon itself.
         if (g && r->index < g->order.size() && g->order[r->index] == h)
-            return stepFrom(t, r, g, r->index, w.group(r->root));
+            return stepFrom(t, r, g, r->index, w.group(r->root), WalkTable::stillInside(r));
     }
     const Polygon* p = w.polygon(h);
     if (!p) {
@@ -164,7 +171,7 @@ Handle nextPolygonOfSubtree(Handle h) {
         t.close(r);
         return 0;
     }
-    return stepFrom(t, r, g, current.orderIndex, root);
+    return stepFrom(t, r, g, current.orderIndex, root, false);
 }
 
 Handle firstIncludedGroup(const Group& root) {
@@ -182,7 +189,8 @@ Handle nextIncludedGroup(const Group& current) {
     WalkTable::Record* r = t.find(current.handle);
     const Group* root = r ? w.group(r->root) : World::topOf(const_cast<Group*>(&current));
     const Group* next = nullptr;
-    if (root && w.inSubtree(current, *root)) next = World::nextInSubtree(&current, root);
+    if (root && (WalkTable::stillInside(r) || w.inSubtree(current, *root)))
+        next = World::nextInSubtree(&current, root);
     if (!next) {
         if (r) t.close(r);
         return 0;
@@ -198,6 +206,48 @@ int64_t countPolygonsOfSubtree(const Group& root) {
     for (const Group* g = &root; g; g = World::nextInSubtree(g, &root))
         n += g->ownPolygons;
     return n;
+}
+
+const Group* nextAfterSubtree(const Group* g, const Group* root) {
+    for (const Group* n = g; n && n != root; n = n->father)
+        if (n->nextSibling) return n->nextSibling;
+    return nullptr;
+}
+
+namespace {
+// Root's subtree in pre-order without the disabled groups and all below them (each climb
+// after a skipped or finished subtree goes over edges never climbed again: linear).
+template <class F> void forEachEnabled(const Group* root, F f) {
+    for (const Group* g = root; g;) {
+        if (g->disabled) {
+            g = nextAfterSubtree(g, root);
+            continue;
+        }
+        f(g);
+        g = World::nextInSubtree(g, root);
+    }
+}
+} // namespace
+
+std::vector<const Group*> enabledGroups(const Group* root) {
+    std::vector<const Group*> out;
+    if (root) {
+        for (const Group* a = root->father; a; a = a->father)
+            if (a->disabled) return out;
+        forEachEnabled(root, [&](const Group* g) { out.push_back(g); });
+        return out;
+    }
+    // Every tree in pre-order marks its enabled groups; they are then taken in creation order.
+    static uint64_t passes = 0;
+    const uint64_t pass = ++passes;
+    const World& w = world();
+    size_t n = 0;
+    for (const Group* g = w.firstGroup(); g; g = g->nextInWorld)
+        if (!g->father) forEachEnabled(g, [&](const Group* x) { x->enabledPass = pass, ++n; });
+    out.reserve(n);
+    for (const Group* g = w.firstGroup(); g; g = g->nextInWorld)
+        if (g->enabledPass == pass) out.push_back(g);
+    return out;
 }
 
 void resetWalks() {

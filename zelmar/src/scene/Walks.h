@@ -3,6 +3,7 @@
 // handle it answered last, so nested walks don't disturb each other (docs/engine-api.md).
 #pragma once
 #include "scene/Entities.h"
+#include <vector>
 
 namespace zelmar {
 
@@ -14,6 +15,14 @@ Handle nextIncludedGroup(const Group& current);
 
 // Same set as the polygon walk; O(groups of the subtree).
 int64_t countPolygonsOfSubtree(const Group& root);
+
+// The groups that are neither disabled nor below a disabled group: those of root's subtree in
+// pre-order, or (root null) every group of the world in creation order. Linear in the number
+// of groups however deep the tree, with no recursion.
+std::vector<const Group*> enabledGroups(const Group* root);
+
+// The group after g's whole subtree in root's pre-order, nullptr at the end.
+const Group* nextAfterSubtree(const Group* g, const Group* root);
 
 // Forgets every open walk (the world was emptied).
 void resetWalks();

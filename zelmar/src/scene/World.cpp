@@ -501,13 +501,17 @@ void World::unlinkFromFather(Group& g) {
 }
 
 bool World::isIncludedIn(const Group& a, const Group& b) const {
-    for (const Group* f = a.father; f; f = f->father)
+    for (const Group* f = a.father; f; f = f->father) {
+        ++upwardSteps_;
         if (f == &b) return true;
+    }
     return false;
 }
 
 bool World::setFather(Group& g, Group* father) {
-    if (father == &g || (father && isIncludedIn(*father, g))) return false; // would make a cycle
+    // Only a group with children can have the new father below it: a fresh group (every
+    // link a load or a copy makes) is checked in constant time, not by a walk to the root.
+    if (father == &g || (father && g.firstChild && isIncludedIn(*father, g))) return false; // a cycle
     if (g.father) ++g.father->version;
     unlinkFromFather(g);
     if (father) {
@@ -518,6 +522,7 @@ bool World::setFather(Group& g, Group* father) {
         ++father->version;
     }
     ++g.version;
+    ++treeGeneration_;
     touch();
     return true;
 }
@@ -573,6 +578,7 @@ void World::destroyGroupTree(Group& root) {
         if (!up) break;
         g = up;
     }
+    ++treeGeneration_;
     touch();
 }
 

@@ -116,6 +116,12 @@ class World : private RingStore {
     // Bumped on any change of geometry, fills or the tree; render and pick caches compare against it.
     uint64_t generation = 0;
     void touch() { ++generation; }
+    // Bumped only when a group changes father or dies: what is below what still holds while
+    // it stays (the subtree walks rely on it to skip their membership checks).
+    uint64_t treeGeneration() const { return treeGeneration_; }
+    // Steps taken from groups up to their fathers by the membership tests: counted so that
+    // tests can hold loads and walks to work linear in the number of groups, whatever the depth.
+    uint64_t upwardSteps() const { return upwardSteps_; }
 
   private:
     // Places of one size carved from 2 MiB blocks aligned on their size, so the block of a
@@ -192,6 +198,8 @@ class World : private RingStore {
     Polygon* polygonsHead_ = nullptr;
     Polygon* polygonsTail_ = nullptr;
     size_t groupCount_ = 0, polygonCount_ = 0;
+    uint64_t treeGeneration_ = 0;
+    mutable uint64_t upwardSteps_ = 0;
 
     // Small families: vectors of owned pointers in creation order.
     std::vector<Camera*> camerasV_;

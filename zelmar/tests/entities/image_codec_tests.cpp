@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
+#include <thread>
+#include <unistd.h>
 
 using namespace zelmar::image;
 
@@ -114,6 +117,114 @@ TEST(ImageCodec, BadBytesAndFilesGiveReasons) {
     EXPECT_NE(error.find("run-length"), std::string::npos) << error;
     EXPECT_FALSE(decodeFile("/nonexistent/folder/x.bmp", img, error));
     EXPECT_NE(error.find("not found"), std::string::npos);
+}
+
+// A JPEG whose scan names a component its frame does not have: stb refuses it without a
+// reason of its own.
+std::vector<uint8_t> jpegWithAStrayScanComponent() {
+    Image img;
+    img.width = img.height = 8;
+    img.rgba.assign(8 * 8 * 4, 200);
+    std::vector<uint8_t> bytes;
+    std::string error;
+    EXPECT_TRUE(encodeJpeg(img, 90, bytes, error)) << error;
+    for (size_t i = 0; i + 5 < bytes.size(); ++i)
+        if (bytes[i] == 0xFF && bytes[i + 1] == 0xDA) {
+            bytes[i + 5] = 0x7F; // the first component selector of the scan
+            return bytes;
+        }
+    ADD_FAILURE() << "no scan in the encoded JPEG";
+    return bytes;
+}
+
+// An uncompressed 8-bit .bmp, width x height, with `colours` palette entries (grey levels)
+// and every pixel naming `index`.
+std::vector<uint8_t> bmp8(int width, int height, uint32_t colours, uint8_t index) {
+    const uint32_t stride = (uint32_t(width) + 3) & ~3u, offset = 14 + 40 + colours * 4;
+    std::vector<uint8_t> b(offset + stride * uint32_t(height), 0);
+    auto put = [&](size_t at, uint32_t v, int n) {
+        for (int k = 0; k < n; ++k)
+            b[at + size_t(k)] = uint8_t(v >> (8 * k));
+    };
+    b[0] = 'B', b[1] = 'M';
+    put(2, uint32_t(b.size()), 4);
+    put(10, offset, 4);
+    put(14, 40, 4);
+    put(18, uint32_t(width), 4);
+    put(22, uint32_t(height), 4);
+    put(26, 1, 2);
+    put(28, 8, 2);
+    put(46, colours, 4);
+    for (uint32_t c = 0; c < colours; ++c)
+        put(54 + c * 4, c * 0x010101u, 3);
+    for (int y = 0; y < height; ++y)
+        std::fill_n(b.begin() + offset + y * stride, width, index);
+    return b;
+}
+
+TEST(ImageCodec, ACorruptJpegWithoutAReasonFromTheDecoderGetsOne) {
+    const std::vector<uint8_t> bad = jpegWithAStrayScanComponent();
+    // On a fresh thread the decoder has never failed: it has no reason at all to give.
+    std::string error;
+    bool decoded = true;
+    std::thread([&] {
+        Image img;
+        decoded = decodeMemory(bad.data(), bad.size(), img, error);
+    }).join();
+    EXPECT_FALSE(decoded);
+    EXPECT_NE(error.find("cannot decode image"), std::string::npos) << error;
+    // After another failure, that failure's reason is not given for this one.
+    Image img;
+    const uint8_t badBmp[] = {'B', 'M', 1, 2, 3};
+    EXPECT_FALSE(decodeMemory(badBmp, sizeof badBmp, img, error));
+    std::string second;
+    EXPECT_FALSE(decodeMemory(bad.data(), bad.size(), img, second));
+    EXPECT_NE(second, error);
+    EXPECT_EQ(second.find("bmp"), std::string::npos) << second;
+}
+
+TEST(ImageCodec, SizesFromOnePixelToTheLimitDecodeOrAreRefusedClearly) {
+    Image img;
+    std::string error;
+    std::vector<uint8_t> bytes = bmp8(1, 1, 2, 1);
+    ASSERT_TRUE(decodeMemory(bytes.data(), bytes.size(), img, error)) << error;
+    EXPECT_EQ(img.width * img.height, 1);
+    EXPECT_EQ(img.indices, std::vector<uint8_t>{1});
+    ASSERT_TRUE(encodeJpeg(img, 90, bytes, error));
+    ASSERT_TRUE(decodeMemory(bytes.data(), bytes.size(), img, error)) << error;
+    EXPECT_EQ(img.width * img.height, 1);
+    bytes = bmp8(kMaxDimension, 1, 2, 0);
+    ASSERT_TRUE(decodeMemory(bytes.data(), bytes.size(), img, error)) << error;
+    EXPECT_EQ(img.width, kMaxDimension);
+
+    // 16384 x 16384, whole (256 MiB of pixel indices), and as a JPEG header of that size.
+    bytes = bmp8(kMaxDimension, kMaxDimension, 2, 0);
+    EXPECT_FALSE(decodeMemory(bytes.data(), bytes.size(), img, error));
+    EXPECT_NE(error.find("16384 x 16384"), std::string::npos) << error;
+    bytes = {};
+    ASSERT_TRUE(encodeJpeg(paletted3x2(), 90, bytes, error));
+    for (size_t i = 0; i + 8 < bytes.size(); ++i)
+        if (bytes[i] == 0xFF && bytes[i + 1] == 0xC0) { // the frame header: height, then width
+            bytes[i + 5] = bytes[i + 7] = 0x40;
+            bytes[i + 6] = bytes[i + 8] = 0x00;
+            break;
+        }
+    EXPECT_FALSE(decodeMemory(bytes.data(), bytes.size(), img, error));
+    EXPECT_NE(error.find("16384 x 16384"), std::string::npos) << error;
+}
+
+TEST(ImageCodec, APixelNamingAColourPastThePaletteIsRefused) {
+    Image img;
+    std::string error;
+    std::vector<uint8_t> bytes = bmp8(4, 2, 16, 15);
+    ASSERT_TRUE(decodeMemory(bytes.data(), bytes.size(), img, error)) << error;
+    bytes = bmp8(4, 2, 16, 16);
+    EXPECT_FALSE(decodeMemory(bytes.data(), bytes.size(), img, error));
+    EXPECT_NE(error.find("colour 16 of a table of 16"), std::string::npos) << error;
+    // A table that overlaps the header (pixels said to start inside it): no colours at all.
+    bytes[10] = 40;
+    EXPECT_FALSE(decodeMemory(bytes.data(), bytes.size(), img, error));
+    EXPECT_FALSE(error.empty());
 }
 
 TEST(ImageCodec, EncodeFileChoosesByExtensionAndLeavesNoScratch) {

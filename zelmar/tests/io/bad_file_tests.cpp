@@ -1,6 +1,8 @@
 // Bad files give a clear error and an empty, usable engine (load) or an untouched world
 // (add); they never crash and never leave part of a world behind.
+#include "BinaryFaults.h"
 #include "WorldGen.h"
+#include "io/Bytes.h"
 #include "io/WorldFile.h"
 #include "scene/World.h"
 
@@ -99,6 +101,82 @@ TEST(BadFiles, EveryTruncationAndEveryByteFlipOfAValidFileIsSafe) {
             }
         }
     }
+}
+
+// The bytes of a small valid binary world.
+std::vector<uint8_t> smallBinaryWorld(const TempDir& dir) {
+    World a;
+    iotest::GenSize small;
+    small.groups = 2, small.polygons = 3, small.bitmaps = 0, small.animations = 0;
+    Group* root = iotest::makeRandomWorld(a, 9, small);
+    std::string error;
+    EXPECT_TRUE(io::saveWorld(a, dir / "w.zelmar", root, 0x1203, error)) << error;
+    return iotest::fileBytes(dir / "w.zelmar");
+}
+
+// A schema whose camera records take 2^32 bytes each (2.1 million wide fields) once let a
+// count of 4 billion records past the check (the 32-bit sum wrapped to 0). Such a schema is
+// now refused for its number of fields, and counts are checked in 64 bits whatever the size.
+TEST(BinaryRead, RecordSizesSummingTo2To32DoNotWrapPastTheCountCheck) {
+    TempDir dir;
+    std::vector<uint8_t> bytes = iotest::wrappingRecordSize(smallBinaryWorld(dir));
+    io::WorldData d;
+    std::string error;
+    EXPECT_FALSE(io::parseWorld(std::move(bytes), d, error));
+    EXPECT_NE(error.find("has 2105377 fields (at most 4096)"), std::string::npos) << error;
+    EXPECT_NE(error.find("byte offset"), std::string::npos) << error;
+
+    const uint8_t counts[12] = {0xFF, 0xFF, 0xFF, 0xFF, 1, 0, 0, 0, 0, 0, 0, 0}; // 4294967295, 1, 0
+    for (const uint64_t least : {uint64_t(1) << 32, (uint64_t(1) << 32) + 4, uint64_t(1) << 40, ~uint64_t(0)}) {
+        SCOPED_TRACE(least);
+        io::Cursor all(counts, 12, 0), one(counts + 4, 8, 0), none(counts + 8, 4, 0);
+        EXPECT_THROW(all.count(least), io::ReadError);
+        EXPECT_THROW(one.count(least), io::ReadError);
+        EXPECT_EQ(none.count(least), 0u);
+    }
+}
+
+TEST(CompressedRead, ADeclaredSizeFarBeyondTheFileIsRefusedBeforeDecompressing) {
+    std::vector<uint8_t> bomb = iotest::compressedZeros(uint64_t(64) << 20);
+    ASSERT_LT(bomb.size(), 16u << 10);
+    io::WorldData d;
+    std::string error;
+    EXPECT_FALSE(io::parseWorld(std::move(bomb), d, error));
+    EXPECT_NE(error.find("is more than 1024 times the file's"), std::string::npos) << error;
+}
+
+TEST(CompressedRead, TheInnerHeaderIsCheckedBeforeTheRestIsDecompressed) {
+    // Reading on would meet the cut; the first bytes already tell that this is no world.
+    io::WorldData d;
+    std::string error;
+    EXPECT_FALSE(io::parseWorld(iotest::compressedGarbageCutShort(1 << 20), d, error));
+    EXPECT_NE(error.find("inside the compressed data, byte offset 0: not a binary world"), std::string::npos)
+        << error;
+}
+
+TEST(CompressedWrite, AWorldBeyondTheRatioBoundIsPaddedAndReadsBack) {
+    // Thousands of identical empty groups compress far better than any world of real content.
+    World a;
+    Group* root = a.createGroup("the_world");
+    for (int i = 0; i < 30000; ++i)
+        a.setFather(*a.createGroup("g"), root);
+    TempDir dir;
+    std::string error;
+    ASSERT_TRUE(io::saveWorld(a, dir / "w.3dzelmar", root, 0x1203, error)) << error;
+    ASSERT_TRUE(io::saveWorld(a, dir / "w.zelmar", root, 0x1203, error)) << error;
+    const size_t plain = iotest::fileBytes(dir / "w.zelmar").size();
+    std::vector<uint8_t> z = iotest::fileBytes(dir / "w.3dzelmar");
+    EXPECT_GE(z.size() * 1024, plain);
+    io::WorldData d;
+    EXPECT_TRUE(io::parseWorld(std::move(z), d, error)) << error;
+    EXPECT_EQ(d.groups.size(), 30001u);
+    // Padding is the only thing that may follow the compressed data.
+    z = iotest::fileBytes(dir / "w.3dzelmar");
+    z.back() ^= 1; // inside the padding: still fine
+    EXPECT_TRUE(io::parseWorld(std::vector<uint8_t>(z), d, error)) << error;
+    z.push_back(0);
+    EXPECT_FALSE(io::parseWorld(std::move(z), d, error));
+    EXPECT_NE(error.find("bytes after the compressed data"), std::string::npos) << error;
 }
 
 TEST(BadFiles, MissingOrUnreadableFiles) {

@@ -1,6 +1,8 @@
 // Regenerates the files the world readers are tested and fuzzed with, after a format change:
 //   zelmar_io_make_corpus <fuzz corpus folder> <bad files folder>
 // Seeds: small valid worlds in each format. Bad files: one fault each, named for it.
+#include "BinaryFaults.h"
+#include "ImageFaults.h"
 #include "WorldGen.h"
 #include "io/BinaryFormat.h"
 #include "io/Schema.h"
@@ -10,12 +12,10 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <zlib.h>
-#include <zstd.h>
 
 using namespace zelmar;
 using namespace zelmar::io;
-using Bytes = std::vector<uint8_t>;
+using namespace iotest;
 
 namespace {
 
@@ -37,37 +37,6 @@ Bytes save(World& w, Group* root, const std::string& ext, const std::string& dir
     return iotest::fileBytes(path);
 }
 
-struct Chunk {
-    size_t at;
-    std::string tag;
-    uint64_t len;
-};
-
-std::vector<Chunk> chunks(const Bytes& b) {
-    std::vector<Chunk> out;
-    size_t at = 16;
-    while (at + 16 <= b.size()) {
-        uint64_t len;
-        std::memcpy(&len, &b[at + 8], 8);
-        out.push_back({at, std::string(reinterpret_cast<const char*>(&b[at]), 4), len});
-        at += 16 + len + 4;
-    }
-    return out;
-}
-
-Chunk find(const Bytes& b, const std::string& tag) {
-    for (const Chunk& c : chunks(b))
-        if (c.tag == tag) return c;
-    std::fprintf(stderr, "no chunk %s\n", tag.c_str());
-    std::exit(1);
-}
-
-void fixCrc(Bytes& b, const Chunk& c) {
-    uLong crc = crc32_z(0, &b[c.at], 16 + c.len);
-    const uint32_t v = static_cast<uint32_t>(crc);
-    std::memcpy(&b[c.at + 16 + c.len], &v, 4);
-}
-
 std::string replaced(std::string s, const std::string& from, const std::string& to) {
     const size_t at = s.find(from);
     if (at == std::string::npos) {
@@ -75,66 +44,6 @@ std::string replaced(std::string s, const std::string& from, const std::string& 
         std::exit(1);
     }
     return s.replace(at, from.size(), to);
-}
-
-void appendChunk(Bytes& b, const char* tag, const Bytes& payload) {
-    const size_t at = b.size();
-    b.insert(b.end(), tag, tag + 4);
-    b.insert(b.end(), 4, 0);
-    const uint64_t len = payload.size();
-    b.insert(b.end(), reinterpret_cast<const uint8_t*>(&len), reinterpret_cast<const uint8_t*>(&len) + 8);
-    b.insert(b.end(), payload.begin(), payload.end());
-    b.insert(b.end(), 4, 0);
-    fixCrc(b, Chunk{at, tag, len});
-}
-
-void appendU32(Bytes& b, uint32_t v) {
-    b.insert(b.end(), reinterpret_cast<const uint8_t*>(&v), reinterpret_cast<const uint8_t*>(&v) + 4);
-}
-void appendStr(Bytes& b, const std::string& s) {
-    appendU32(b, static_cast<uint32_t>(s.size()));
-    b.insert(b.end(), s.begin(), s.end());
-}
-
-// A schema that gives camera records no fields, and a camera chunk claiming 4 billion of them.
-Bytes emptyRecordBomb(const Bytes& bin) {
-    Bytes schema;
-    appendU32(schema, kRecordKinds);
-    for (int k = 0; k < kRecordKinds; ++k) {
-        const RecordKind kind = static_cast<RecordKind>(k);
-        appendStr(schema, recordName(kind));
-        const auto& fields = schemaOf(kind);
-        const bool empty = kind == RecordKind::Camera;
-        appendU32(schema, empty ? 0 : static_cast<uint32_t>(fields.size()));
-        if (empty) continue;
-        for (const SchemaEntry& e : fields) {
-            appendStr(schema, e.name);
-            schema.push_back(static_cast<uint8_t>(e.type));
-            schema.push_back(e.count);
-        }
-    }
-    Bytes out(bin.begin(), bin.begin() + 16);
-    for (const Chunk& c : chunks(bin)) {
-        if (c.tag == "SCHM")
-            appendChunk(out, "SCHM", schema);
-        else if (c.tag == "CAMS")
-            appendChunk(out, "CAMS", Bytes{0xFF, 0xFF, 0xFF, 0xFF});
-        else
-            out.insert(out.end(), bin.begin() + long(c.at), bin.begin() + long(c.at + 20 + c.len));
-    }
-    return out;
-}
-
-Bytes compress(const Bytes& plain, uint64_t declared) {
-    Bytes out(24, 0);
-    std::memcpy(out.data(), kMagicCompressed, kMagicSize);
-    const uint32_t version = 1;
-    std::memcpy(&out[8], &version, 4);
-    std::memcpy(&out[16], &declared, 8);
-    Bytes z(ZSTD_compressBound(plain.size()));
-    z.resize(ZSTD_compress(z.data(), z.size(), plain.data(), plain.size(), 3));
-    out.insert(out.end(), z.begin(), z.end());
-    return out;
 }
 
 } // namespace
@@ -302,6 +211,22 @@ int main(int argc, char** argv) {
             b[i] ^= 0x5A;
         put(bad + "/damaged_frame.3dzelmar", b);
     }
+    // 32 KiB that inflate to 1 GiB; a schema whose record size wraps a 32-bit sum (12 MB of
+    // schema, padded as the writer pads); data that is no world, cut short.
+    const Bytes bomb = compressedZeros(uint64_t(1) << 30);
+    put(bad + "/ratio_bomb.3dzelmar", bomb);
+    put(corpus + "/compressed/ratio_bomb.3dzelmar", bomb);
+    const Bytes wrapping = wrappingRecordSize(bin);
+    const Bytes wrappingZ = compress(wrapping, wrapping.size(), true);
+    put(bad + "/wrapping_record_size.3dzelmar", wrappingZ);
+    put(corpus + "/compressed/wrapping_record_size.3dzelmar", wrappingZ);
+    put(bad + "/garbage_inside.3dzelmar", compressedGarbageCutShort(256 << 10));
+
+    // Bitmaps the image reader must refuse cleanly.
+    fs::create_directories(corpus + "/image");
+    put(corpus + "/image/no_reason.jpg", damagedJpeg());
+    put(corpus + "/image/index_past_palette.bmp", bmpIndexPastPalette());
+    put(corpus + "/image/huge_header.jpg", hugeJpegHeader());
     std::printf("corpus written\n");
     return 0;
 }
