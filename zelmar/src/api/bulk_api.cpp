@@ -177,4 +177,24 @@ int ZELMAR_polygons_get_centers(const int* polygons, int count, double* centers)
     return done;
 }
 
+int ZELMAR_polygons_set_plane_normals(const int* polygons, int count) {
+    if (!polygons || count <= 0) return 0;
+    World& w = world();
+    int done = 0;
+    for (int i = 0; i < count; ++i) {
+        Polygon* p = w.polygon(polygons[i]);
+        if (!p) {
+            polygonArg(polygons[i], "polygons_set_plane_normals");
+            continue;
+        }
+        double plane[4];
+        polygonPlane(*p, plane);
+        for (PointData& d : p->points)
+            d.normal[0] = plane[0], d.normal[1] = plane[1], d.normal[2] = plane[2];
+        w.changed(*p);
+        ++done;
+    }
+    return done;
+}
+
 } // extern "C"
