@@ -1,10 +1,14 @@
 // The commands of point and polygon editing and the live steps of extrude and bevel on large groups, through
 // the same code as the panel (offscreen viewports, the weld table filled as Edit Geometry does).
 //
-//   modelling_bench [--runs N] [--sizes 10000,100000,250000] [--steps 1000,10000,100000]
+//   modelling_bench [--runs N] [--sizes 10000,100000,250000] [--steps 1000,10000,100000] [--world 100000]
 //
-// Figures: medians of N runs (default 5), wall ms (processor ms of the thread).
+// Figures: medians of N runs (default 5), wall ms (processor ms of the thread). The load average of the
+// machine is printed before and after. The last table is a live extrude step on part of a larger world
+// (the rolling terrain of bench/view, `--world` quads in one group) with the repaint of the active view at
+// 800 x 600, set up as view_repaint_bench does.
 #include "../BenchClock.h"
+#include "../TerrainQuads.h"
 #include "modelling/EditGeometry.h"
 #include "modelling/ModellingActions.h"
 #include "modelling/mdlCutPols.h"
@@ -118,6 +122,18 @@ void selectPolygons(const std::vector<int>& pols) {
     selectionModel()->ComputeSelPolsAvgCenter();
 }
 
+std::string loadAverage() {
+    char buf[64] = {0};
+    if (FILE* f = std::fopen("/proc/loadavg", "r")) {
+        if (!std::fgets(buf, sizeof buf, f)) buf[0] = 0;
+        std::fclose(f);
+    }
+    std::string s(buf);
+    while (!s.empty() && s.back() == '\n')
+        s.pop_back();
+    return s;
+}
+
 std::vector<int> parseList(const char* s) {
     std::vector<int> v;
     while (*s) {
@@ -133,12 +149,13 @@ std::vector<int> parseList(const char* s) {
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    int runs = 5;
+    int runs = 5, worldSize = 100000;
     std::vector<int> sizes = {10000, 100000, 250000}, steps = {1000, 10000, 100000};
     for (int i = 1; i < argc; ++i) {
         if (!std::strcmp(argv[i], "--runs") && i + 1 < argc) runs = std::max(1, std::atoi(argv[++i]));
         if (!std::strcmp(argv[i], "--sizes") && i + 1 < argc) sizes = parseList(argv[++i]);
         if (!std::strcmp(argv[i], "--steps") && i + 1 < argc) steps = parseList(argv[++i]);
+        if (!std::strcmp(argv[i], "--world") && i + 1 < argc) worldSize = std::max(1, std::atoi(argv[++i]));
     }
     QApplication app(argc, argv);
     BenchHost host;
@@ -153,7 +170,8 @@ int main(int argc, char** argv) {
     top.show();
     QCoreApplication::processEvents();
 
-    std::printf("medians of %d runs, wall ms (processor ms of the thread)\n\n", runs);
+    std::printf("medians of %d runs, wall ms (processor ms of the thread); load average %s\n\n", runs,
+                loadAverage().c_str());
     std::printf("%8s %18s %18s %18s %18s %18s\n", "size", "weld all points", "delete all pols", "its undo",
                 "triangulate", "detach all pols");
     for (int n : sizes) {
@@ -185,10 +203,9 @@ int main(int argc, char** argv) {
         std::printf("%8d %18s %18s %18s %18s %18s\n", n, cell(weld), cell(del), cell(undel), cell(tri), cell(det));
     }
 
-    std::printf("\n%8s %18s %18s %18s %18s %18s\n", "selected", "extrude press", "extrude step", "bevel step",
-                "step + repaint", "cut");
+    std::printf("\n%8s %18s %18s %18s %18s\n", "selected", "extrude press", "extrude step", "bevel step", "cut");
     for (int s : steps) {
-        std::vector<Timing> press, step, bevel, paint, cut;
+        std::vector<Timing> press, step, bevel, cut;
         for (int r = 0; r < runs; ++r) {
             // A strip of s quads in one row, seen whole from the top: the cut runs along it.
             const int g = buildSheet(host, s, s, 1000, 20);
@@ -200,25 +217,14 @@ int main(int argc, char** argv) {
             mdlExtrude& x = mdlExtrude::Instance();
             press.push_back(timeMs([&] { x.updwnExtBvl_MouseDown(0); }));
             double v = 0;
-            // The live step without the repaint: what updwnExtBvl_Change does before UpdateCameras.
-            step.push_back(timeMs([&] {
-                x.ExtrudeChange(v += 3);
-                model.ValidateChangedPolygons();
-                model.ComputeSelPolsAvgCenter();
-            }));
-            paint.push_back(timeMs([&] {
-                x.ExtrudeChange(v += 3);
-                model.ValidateChangedPolygons();
-                model.ComputeSelPolsAvgCenter();
-                views.UpdateCamerasSingle(0);
-            }));
+            // The live step without the repaint: what updwnExtBvl_Change does before UpdateCameras. The
+            // first step of a gesture is timed, then a later one.
+            x.LiveStep(0, v += 3);
+            step.push_back(timeMs([&] { x.LiveStep(0, v += 3); }));
             x.updwnExtBvl_MouseUp(0, v);
             x.updwnExtBvl_MouseDown(1);
-            bevel.push_back(timeMs([&] {
-                x.BevelChange(0.9);
-                model.ValidateChangedPolygons();
-                model.ComputeSelPolsAvgCenter();
-            }));
+            x.LiveStep(1, 0.95);
+            bevel.push_back(timeMs([&] { x.LiveStep(1, 0.9); }));
             x.updwnExtBvl_MouseUp(1, 0.9);
             // Cut the top faces along the middle of the strip.
             selectPolygons(Sel().SelPols.ToVector());
@@ -232,9 +238,56 @@ int main(int argc, char** argv) {
             cut.push_back(timeMs([&] { c.CutMouseUp(pb[0], pb[1]); }));
             host.stack.Reset();
         }
-        std::printf("%8d %18s %18s %18s %18s %18s   (%d halves)\n", s, cell(press), cell(step), cell(bevel),
-                    cell(paint), cell(cut), int(mdlCutPols::Instance().CutAddedPols.size()));
+        std::printf("%8d %18s %18s %18s %18s   (%d halves)\n", s, cell(press), cell(step), cell(bevel), cell(cut),
+                    int(mdlCutPols::Instance().CutAddedPols.size()));
     }
+
+    // A live extrude step on part of a larger world, then the repaint of the active (perspective) view at
+    // 800 x 600: the selected quads are the first rows of the terrain.
+    std::printf("\nworld of %d quads in one group, the active view at 800 x 600\n", worldSize);
+    std::printf("%8s %18s %18s\n", "selected", "extrude step", "step + repaint");
+    for (int s : steps) {
+        if (s > worldSize) continue;
+        std::vector<Timing> step, paint;
+        for (int r = 0; r < runs; ++r) {
+            ZELMAR_engine_close();
+            host.root = ZELMAR_group_create("the_world");
+            const int g = ZELMAR_group_create("Terrain");
+            ZELMAR_group_set_father_group(g, host.root);
+            bench::addTerrainQuads(g, worldSize, 1000, bench::terrainColour);
+            for (int i = 0; i < 4; ++i)
+                views.SetViewportCamera(i, ZELMAR_camera_create(("View" + std::to_string(i)).c_str()));
+            views.ResetCameras();
+            views.ActiveWin = 2;
+            if (!views.WindowMaximised()) views.ToggleWindowMinMax();
+            picWindow* w = views.PicWindow(2);
+            const int extraW = views.width() - w->width(), extraH = views.height() - w->height();
+            views.setGeometry(0, 0, 800 + extraW, 600 + extraH);
+            top.resize(800 + extraW, 600 + extraH);
+            QCoreApplication::processEvents();
+            views.picWinsResize();
+            startEditing(host, g, SelectMode::Polygon);
+            std::vector<int> pols = polygonsOf(g);
+            pols.resize(size_t(s));
+            selectPolygons(pols);
+            mdlExtrude& x = mdlExtrude::Instance();
+            x.updwnExtBvl_MouseDown(0);
+            views.UpdateCamerasSingle(2);
+            double v = 0;
+            x.LiveStep(0, v += 3);
+            views.UpdateCamerasSingle(2);
+            step.push_back(timeMs([&] { x.LiveStep(0, v += 3); }));
+            views.UpdateCamerasSingle(2);
+            paint.push_back(timeMs([&] {
+                x.LiveStep(0, v += 3);
+                views.UpdateCamerasSingle(2);
+            }));
+            x.updwnExtBvl_MouseUp(0, v);
+            host.stack.Reset();
+        }
+        std::printf("%8d %18s %18s\n", s, cell(step), cell(paint));
+    }
+    std::printf("\nload average %s\n", loadAverage().c_str());
     setSelectionModel(nullptr);
     WeldTable().Clear();
     Sel().Clear();

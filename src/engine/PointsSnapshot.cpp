@@ -1,7 +1,8 @@
 #include "PointsSnapshot.h"
 
+#include "base/FlatHashMap.h"
+
 #include <cstddef>
-#include <unordered_set>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
@@ -9,20 +10,16 @@ namespace vexil {
 void PointsSnapshot::Capture(const std::vector<int>& points) {
     m_points.clear();
     m_values.clear();
-    std::unordered_set<int> seen;
-    seen.reserve(points.size());
+    FlatHashSet<int> seen(points.size());
     m_points.reserve(points.size());
-    m_values.reserve(points.size() * PerPoint);
     for (int p : points) {
-        if (p == 0 || !seen.insert(p).second) continue;
+        if (p == 0 || !seen.insert(p)) continue;
         if (ZELMAR_point_is_point(p) != 1) continue;
-        double v[PerPoint] = {0, 0, 0, 0, 0, 0, 0, 0};
-        ZELMAR_point_get_xyz(p, v);
-        ZELMAR_point_get_bitmap_xy(p, v + 3);
-        ZELMAR_point_get_normal(p, v + 5);
         m_points.push_back(p);
-        m_values.insert(m_values.end(), v, v + PerPoint);
     }
+    m_values.assign(m_points.size() * PerPoint, 0.0);
+    if (!m_points.empty())
+        ZELMAR_points_get_values(m_points.data(), static_cast<int>(m_points.size()), 7, m_values.data());
 }
 
 PointsSnapshot PointsSnapshot::Again() const {
@@ -32,14 +29,18 @@ PointsSnapshot PointsSnapshot::Again() const {
 }
 
 void PointsSnapshot::Restore() const {
+    // Points that died since are left out (and ask the engine nothing more).
+    std::vector<int> live;
+    std::vector<double> values;
+    live.reserve(m_points.size());
+    values.reserve(m_values.size());
     for (std::size_t i = 0; i < m_points.size(); ++i) {
-        const int p = m_points[i];
-        if (ZELMAR_point_is_point(p) != 1) continue;
-        const double* v = m_values.data() + i * PerPoint;
-        ZELMAR_point_set_xyz(p, v);
-        ZELMAR_point_set_bitmap_xy(p, v + 3);
-        ZELMAR_point_set_normal(p, v + 5);
+        if (ZELMAR_point_is_point(m_points[i]) != 1) continue;
+        live.push_back(m_points[i]);
+        values.insert(values.end(), m_values.begin() + std::ptrdiff_t(i * PerPoint),
+                      m_values.begin() + std::ptrdiff_t((i + 1) * PerPoint));
     }
+    if (!live.empty()) ZELMAR_points_set_values(live.data(), static_cast<int>(live.size()), 7, values.data());
 }
 
 std::vector<int> PointsOfPolygons(const std::vector<int>& polygons) {

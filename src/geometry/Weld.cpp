@@ -1,9 +1,9 @@
 #include "Weld.h"
 
+#include "base/FlatHashMap.h"
+
 #include <cmath>
 #include <cstdint>
-#include <unordered_map>
-#include <unordered_set>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
@@ -15,11 +15,11 @@ struct CellKey {
     bool operator==(const CellKey&) const = default;
 };
 struct CellHash {
-    size_t operator()(const CellKey& k) const noexcept {
+    uint64_t operator()(const CellKey& k) const noexcept {
         uint64_t h = static_cast<uint64_t>(k.x) * 0x9E3779B97F4A7C15ull;
         h ^= static_cast<uint64_t>(k.y) + 0x7F4A7C159E3779B9ull + (h << 6) + (h >> 2);
         h ^= static_cast<uint64_t>(k.z) + 0x94D049BB133111EBull + (h << 6) + (h >> 2);
-        return static_cast<size_t>(h);
+        return h ^ (h >> 29);
     }
 };
 
@@ -44,40 +44,64 @@ WeldResult WeldPoints(const std::vector<int>& points, double threshold, int* wel
     if (weldedCells) *weldedCells = 0;
     const double th = std::abs(threshold);
     if (!(th > 0) || !std::isfinite(th)) return WeldResult::ThresholdTooSmall;
+    // The live points, each once, in the order given; then their locations in one read.
+    std::vector<int> live;
+    live.reserve(points.size());
+    {
+        FlatHashSet<int> seen(points.size());
+        for (int p : points)
+            if (p != 0 && seen.insert(p) && ZELMAR_point_is_point(p) == 1) live.push_back(p);
+    }
+    const int n = static_cast<int>(live.size());
+    std::vector<double> xyz(3 * live.size(), 0.0);
+    if (n > 0) ZELMAR_points_get_values(live.data(), n, 1, xyz.data());
+    // Cells in the order they were first met, each with its count and sum; cellOf[i]: the cell of point i.
     struct Cell {
-        std::vector<int> points;
+        int count = 0;
         double sum[3] = {0, 0, 0};
     };
-    std::vector<Cell> cells; // in the order the cells were first met
-    std::unordered_map<CellKey, size_t, CellHash> index;
-    std::unordered_set<int> seen;
-    index.reserve(points.size());
-    seen.reserve(points.size());
-    for (int p : points) {
-        if (p == 0 || !seen.insert(p).second || ZELMAR_point_is_point(p) != 1) continue;
-        double xyz[3] = {0, 0, 0};
-        ZELMAR_point_get_xyz(p, xyz);
+    std::vector<Cell> cells;
+    std::vector<int> cellOf(live.size());
+    FlatHashMap<CellKey, int, CellHash> index(live.size());
+    for (int i = 0; i < n; ++i) {
+        const double* p = &xyz[3 * size_t(i)];
         CellKey k{};
-        if (!WeldCell(xyz[0], th, k.x) || !WeldCell(xyz[1], th, k.y) || !WeldCell(xyz[2], th, k.z))
+        if (!WeldCell(p[0], th, k.x) || !WeldCell(p[1], th, k.y) || !WeldCell(p[2], th, k.z))
             return WeldResult::ThresholdTooSmall;
-        auto [it, fresh] = index.emplace(k, cells.size());
+        auto [c, fresh] = index.insert(k, static_cast<int>(cells.size()));
         if (fresh) cells.emplace_back();
-        Cell& c = cells[it->second];
-        c.points.push_back(p);
-        for (int i = 0; i < 3; ++i)
-            c.sum[i] += xyz[i];
+        Cell& cell = cells[size_t(*c)];
+        ++cell.count;
+        for (int a = 0; a < 3; ++a)
+            cell.sum[a] += p[a];
+        cellOf[size_t(i)] = *c;
     }
     int welded = 0;
     for (const Cell& c : cells)
-        if (c.points.size() >= 2) ++welded;
+        if (c.count >= 2) ++welded;
     if (welded == 0) return WeldResult::NoPointsWithin;
-    for (const Cell& c : cells) {
-        if (c.points.size() < 2) continue;
-        const double f = 1.0 / static_cast<double>(c.points.size());
-        const double mean[3] = {RoundTo6(c.sum[0] * f), RoundTo6(c.sum[1] * f), RoundTo6(c.sum[2] * f)};
-        for (int p : c.points)
-            ZELMAR_point_set_xyz(p, mean);
+    // The points of each welding cell as one run, the runs in the order of their cells, each point in order.
+    std::vector<int> start(cells.size() + 1, 0);
+    for (int i = 0; i < n; ++i)
+        if (cells[size_t(cellOf[size_t(i)])].count >= 2) ++start[size_t(cellOf[size_t(i)]) + 1];
+    for (size_t c = 0; c < cells.size(); ++c)
+        start[c + 1] += start[c];
+    std::vector<int> runPoints(size_t(start.back())), runEnds, fill(start.begin(), start.end() - 1);
+    for (int i = 0; i < n; ++i) {
+        const int c = cellOf[size_t(i)];
+        if (cells[size_t(c)].count >= 2) runPoints[size_t(fill[size_t(c)]++)] = live[size_t(i)];
     }
+    std::vector<double> means;
+    runEnds.reserve(size_t(welded));
+    means.reserve(3 * size_t(welded));
+    for (size_t c = 0; c < cells.size(); ++c) {
+        if (cells[c].count < 2) continue;
+        const double f = 1.0 / static_cast<double>(cells[c].count);
+        for (int a = 0; a < 3; ++a)
+            means.push_back(RoundTo6(cells[c].sum[a] * f));
+        runEnds.push_back(start[c + 1]);
+    }
+    ZELMAR_point_runs_set_xyz(runPoints.data(), runEnds.data(), welded, means.data());
     if (weldedCells) *weldedCells = welded;
     return WeldResult::Welded;
 }

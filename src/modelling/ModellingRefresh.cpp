@@ -36,8 +36,11 @@ void WeldTableLeave(const std::vector<int>& polygons) {
 void WeldTableEnter(const std::vector<int>& polygons) {
     if (WeldTableGroup() == 0) return;
     WeldTable().Rekey();
+    std::vector<int> held;
+    held.reserve(polygons.size());
     for (int p : polygons)
-        if (heldByTable(p)) WeldTable().EnterPolygon(p);
+        if (heldByTable(p)) held.push_back(p);
+    WeldTable().EnterPolygons(held);
 }
 
 void RefreshAfterPointsMoved(int group) {

@@ -21,6 +21,8 @@ class mdlExtrude {
     void ExtrudeBegin();
     void ExtrudeChange(double amount);
     void BevelChange(double value);
+    // One live step without the repaint: the change, the polygons checked, the pivot, the group's box.
+    void LiveStep(int index, double value);
     void BevelReset() { BevelFactor = 1.0; }
 
     // What the spinners are told: their step, and their value after a release (0 for Extrude, 1.0 for
@@ -37,7 +39,26 @@ class mdlExtrude {
     bool IgnoreExtBvlChange = true;
 
   private:
+    // What a live step needs, taken at the press (the weld table and the selection stay as they are until
+    // the release): the selection's weld sets, where their points are, and the polygons they touch.
+    struct LiveSets {
+        bool valid = false;
+        bool uniform = false;           // every point of each set lies exactly at the set's location
+        std::vector<int> firstPoint;    // per set
+        std::vector<Vec3d> loc;         // per set: the location of its first point
+        std::vector<int> points, setOf; // every point of the sets, in handle order, and its set
+        std::vector<double> xyz;        // scratch, three per entry of points
+        std::vector<int> touched;       // the polygons of the sets' points, each once, in handle order
+        std::vector<int> polygons;      // the selected polygons
+        std::vector<double> centres;    // scratch, three per selected polygon
+    };
+    LiveSets& live();
+    void buildLive();
+    void moveSets(const std::function<Vec3d(const Vec3d&)>& to);
+    void computeCentre();
+    void validate();
     void afterStep();
+    LiveSets m_live;
     PointsSnapshot m_before;
     int m_group = 0;
     bool m_pressed = false;

@@ -4,37 +4,88 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
 
+// ---- WeldedPoints -------------------------------------------------------------------------------
+
+void WeldedPoints::reserve(int n) {
+    if (n <= m_cap) return;
+    int cap = m_cap;
+    while (cap < n)
+        cap *= 2;
+    auto* heap = new Entry[static_cast<size_t>(cap)];
+    std::memcpy(heap, data(), sizeof(Entry) * static_cast<size_t>(m_count));
+    if (m_cap > Inline) delete[] m_heap;
+    m_heap = heap;
+    m_cap = cap;
+}
+
+void WeldedPoints::release() {
+    if (m_cap > Inline) delete[] m_heap;
+    m_cap = Inline;
+    m_count = 0;
+}
+
+void WeldedPoints::assign(const WeldedPoints& o) {
+    m_count = 0;
+    m_cap = Inline;
+    reserve(o.m_count);
+    std::memcpy(data(), o.data(), sizeof(Entry) * static_cast<size_t>(o.m_count));
+    m_count = o.m_count;
+}
+
+void WeldedPoints::take(WeldedPoints& o) {
+    m_count = o.m_count;
+    m_cap = o.m_cap;
+    if (o.m_cap > Inline)
+        m_heap = o.m_heap;
+    else
+        std::memcpy(m_inline, o.m_inline, sizeof m_inline);
+    o.m_cap = Inline;
+    o.m_count = 0;
+}
+
 void WeldedPoints::SetCount(int n) {
     if (n < 0) n = 0;
-    m_points.resize(n, 0);
-    m_polygons.resize(n, 0);
+    reserve(n);
+    for (int i = m_count; i < n; ++i)
+        data()[i] = {0, 0};
+    m_count = n;
 }
 
 void WeldedPoints::AddPt(int point, int polygon) {
-    m_points.push_back(point);
-    m_polygons.push_back(polygon);
-}
-
-int WeldedPoints::Point(int i) const {
-    return i >= 1 && i <= Count() ? m_points[i - 1] : 0;
-}
-
-int WeldedPoints::CorrsPol(int i) const {
-    return i >= 1 && i <= Count() ? m_polygons[i - 1] : 0;
+    reserve(m_count + 1);
+    data()[m_count++] = {point, polygon};
 }
 
 bool WeldedPoints::RemovePt(int point) {
-    const auto it = std::find(m_points.begin(), m_points.end(), point);
-    if (it == m_points.end()) return false;
-    const auto i = it - m_points.begin();
-    m_points.erase(it);
-    m_polygons.erase(m_polygons.begin() + i);
-    return true;
+    Entry* d = data();
+    for (int i = 0; i < m_count; ++i)
+        if (d[i].point == point) {
+            std::memmove(d + i, d + i + 1, sizeof(Entry) * static_cast<size_t>(m_count - i - 1));
+            --m_count;
+            return true;
+        }
+    return false;
 }
+
+// ---- PointIndex ---------------------------------------------------------------------------------
+
+void PointIndex::Set(int point, int value) {
+    if (point <= 0) return;
+    const size_t page = static_cast<size_t>(point) >> PageBits;
+    if (page >= m_pages.size()) m_pages.resize(page + 1);
+    if (!m_pages[page]) {
+        if (value == 0) return;
+        m_pages[page] = std::make_unique<int[]>(PageSize); // zeroed
+    }
+    m_pages[page][static_cast<size_t>(point) & (PageSize - 1)] = value;
+}
+
+// ---- the table ----------------------------------------------------------------------------------
 
 namespace {
 // Cells much larger than the weld tolerance: a lookup visits one cell, or two per axis near a border.
@@ -51,11 +102,11 @@ bool sameLocation(const double a[3], const double b[3]) {
 }
 } // namespace
 
-size_t WeldTableT::KeyHash::operator()(const Key& k) const noexcept {
-    size_t h = std::hash<long long>()(k.x);
-    h = h * 1000003u ^ std::hash<long long>()(k.y);
-    h = h * 1000003u ^ std::hash<long long>()(k.z);
-    return h;
+uint64_t WeldTableT::KeyHash::operator()(const Key& k) const noexcept {
+    uint64_t h = static_cast<uint64_t>(k.x) * 0x9E3779B97F4A7C15ull;
+    h ^= (h >> 29) + static_cast<uint64_t>(k.y) * 0xC2B2AE3D27D4EB4Full;
+    h ^= (h >> 32) + static_cast<uint64_t>(k.z) * 0x165667B19E3779F9ull;
+    return h ^ (h >> 31);
 }
 
 WeldTableT::Key WeldTableT::keyOf(const double p[3]) {
@@ -63,32 +114,43 @@ WeldTableT::Key WeldTableT::keyOf(const double p[3]) {
 }
 
 WeldedPoints* WeldTableT::At(int i) const {
-    return i >= 1 && i <= Count() ? &m_sets[i - 1]->set : nullptr;
+    if (i < 1 || i > Count()) return nullptr;
+    return const_cast<WeldedPoints*>(&m_recs[static_cast<size_t>(m_order[static_cast<size_t>(i - 1)])].set);
 }
 
 int WeldTableT::IndexOf(int point) const {
-    const auto it = m_setOfPoint.find(point);
-    return it == m_setOfPoint.end() ? 0 : it->second->slot;
+    const int id = m_idOfPoint.Get(point) - 1;
+    return id < 0 ? 0 : m_recs[static_cast<size_t>(id)].slot + 1;
 }
 
-WeldTableT::Rec* WeldTableT::findSet(const double p[3]) const {
-    long long xs[2] = {cellOf(p[0] - Tolerance), cellOf(p[0] + Tolerance)};
-    long long ys[2] = {cellOf(p[1] - Tolerance), cellOf(p[1] + Tolerance)};
-    long long zs[2] = {cellOf(p[2] - Tolerance), cellOf(p[2] + Tolerance)};
-    Rec* best = nullptr;
+const std::array<double, 3>& WeldTableT::firstOf(Rec& r) {
+    if (r.stale) {
+        r.first = {0, 0, 0};
+        ZELMAR_point_get_xyz(r.set.Point(1), r.first.data());
+        r.stale = false;
+    }
+    return r.first;
+}
+
+int WeldTableT::findSet(const double p[3]) {
+    const long long xs[2] = {cellOf(p[0] - Tolerance), cellOf(p[0] + Tolerance)};
+    const long long ys[2] = {cellOf(p[1] - Tolerance), cellOf(p[1] + Tolerance)};
+    const long long zs[2] = {cellOf(p[2] - Tolerance), cellOf(p[2] + Tolerance)};
+    int best = -1, bestSlot = 0;
     for (int i = 0; i < 2; ++i) {
         if (i == 1 && xs[1] == xs[0]) break;
         for (int j = 0; j < 2; ++j) {
             if (j == 1 && ys[1] == ys[0]) break;
             for (int k = 0; k < 2; ++k) {
                 if (k == 1 && zs[1] == zs[0]) break;
-                const auto it = m_cells.find(Key{xs[i], ys[j], zs[k]});
-                if (it == m_cells.end()) continue;
-                for (Rec* r : it->second) {
-                    if (best && r->slot > best->slot) continue;
-                    double first[3] = {0, 0, 0};
-                    ZELMAR_point_get_xyz(r->set.Point(1), first);
-                    if (sameLocation(first, p)) best = r; // the earliest matching set wins
+                const int* head = m_cells.find(Key{xs[i], ys[j], zs[k]});
+                for (int id = head ? *head : -1; id >= 0; id = m_recs[static_cast<size_t>(id)].nextInCell) {
+                    Rec& r = m_recs[static_cast<size_t>(id)];
+                    if (best >= 0 && r.slot > bestSlot) continue;
+                    if (sameLocation(firstOf(r).data(), p)) { // the earliest matching set wins
+                        best = id;
+                        bestSlot = r.slot;
+                    }
                 }
             }
         }
@@ -96,95 +158,169 @@ WeldTableT::Rec* WeldTableT::findSet(const double p[3]) const {
     return best;
 }
 
-void WeldTableT::EnterPolygon(int polygon) {
-    for (int pt = ZELMAR_polygon_get_first_point(polygon); pt != 0; pt = ZELMAR_point_get_next_point(pt)) {
-        double xyz[3] = {0, 0, 0};
-        ZELMAR_point_get_xyz(pt, xyz);
-        if (Rec* r = findSet(xyz)) {
-            r->set.AddPt(pt, polygon);
-            m_setOfPoint[pt] = r;
+void WeldTableT::file(int id) {
+    Rec& r = m_recs[static_cast<size_t>(id)];
+    auto [head, made] = m_cells.insert(r.key, id);
+    r.nextInCell = made ? -1 : *head;
+    *head = id;
+}
+
+void WeldTableT::unfile(int id) {
+    Rec& r = m_recs[static_cast<size_t>(id)];
+    int* head = m_cells.find(r.key);
+    if (!head) return;
+    if (*head == id) {
+        if (r.nextInCell < 0)
+            m_cells.erase(r.key);
+        else
+            *head = r.nextInCell;
+        return;
+    }
+    for (int prev = *head; prev >= 0;) {
+        Rec& p = m_recs[static_cast<size_t>(prev)];
+        if (p.nextInCell == id) {
+            p.nextInCell = r.nextInCell;
+            return;
+        }
+        prev = p.nextInCell;
+    }
+}
+
+void WeldTableT::enterPoints(const int* points, const int* owners, const double* xyz, size_t n) {
+    for (size_t i = 0; i < n; ++i) {
+        const double* p = xyz + 3 * i;
+        const int found = findSet(p);
+        if (found >= 0) {
+            m_recs[static_cast<size_t>(found)].set.AddPt(points[i], owners[i]);
+            m_idOfPoint.Set(points[i], found + 1);
             continue;
         }
         if (Count() >= Capacity)
             raiseError(ErrSubscript, "Too many sets of welded points: the table holds at most 1048576");
-        auto rec = std::make_unique<Rec>();
-        rec->set.AddPt(pt, polygon);
-        rec->slot = Count() + 1;
-        rec->key = keyOf(xyz);
-        m_cells[rec->key].push_back(rec.get());
-        m_setOfPoint[pt] = rec.get();
-        m_sets.push_back(std::move(rec));
+        int id;
+        if (!m_free.empty()) {
+            id = m_free.back();
+            m_free.pop_back();
+        } else {
+            id = static_cast<int>(m_recs.size());
+            m_recs.emplace_back();
+        }
+        Rec& r = m_recs[static_cast<size_t>(id)];
+        r.set.AddPt(points[i], owners[i]);
+        r.first = {p[0], p[1], p[2]};
+        r.stale = false;
+        r.key = keyOf(p);
+        r.slot = Count();
+        m_order.push_back(id);
+        file(id);
+        m_idOfPoint.Set(points[i], id + 1);
     }
 }
 
-void WeldTableT::drop(Rec* r) {
-    auto cell = m_cells.find(r->key);
-    if (cell != m_cells.end()) {
-        auto& v = cell->second;
-        v.erase(std::remove(v.begin(), v.end(), r), v.end());
-        if (v.empty()) m_cells.erase(cell);
+void WeldTableT::EnterPolygon(int polygon) {
+    EnterPolygons({polygon});
+}
+
+void WeldTableT::EnterPolygons(const std::vector<int>& polygons) {
+    if (polygons.empty()) return;
+    const int count = static_cast<int>(polygons.size());
+    size_t n = static_cast<size_t>(ZELMAR_polygons_get_points(polygons.data(), count, nullptr, nullptr, nullptr, 0));
+    m_points.resize(n);
+    m_owners.resize(n);
+    m_xyz.resize(3 * n);
+    n = static_cast<size_t>(ZELMAR_polygons_get_points(polygons.data(), count, m_points.data(), m_owners.data(),
+                                                       m_xyz.data(), static_cast<int>(n)));
+    enterPoints(m_points.data(), m_owners.data(), m_xyz.data(), std::min(n, m_points.size()));
+}
+
+void WeldTableT::leavePoints(const std::vector<int>& polygons, std::vector<int>& emptied) {
+    const int count = static_cast<int>(polygons.size());
+    size_t n = static_cast<size_t>(ZELMAR_polygons_get_points(polygons.data(), count, nullptr, nullptr, nullptr, 0));
+    m_points.resize(n);
+    n = std::min(n, static_cast<size_t>(ZELMAR_polygons_get_points(polygons.data(), count, m_points.data(), nullptr,
+                                                                   nullptr, static_cast<int>(n))));
+    for (size_t i = 0; i < n; ++i) {
+        const int pt = m_points[i];
+        const int id = m_idOfPoint.Get(pt) - 1;
+        if (id < 0) continue;
+        m_idOfPoint.Set(pt, 0);
+        Rec& r = m_recs[static_cast<size_t>(id)];
+        const bool wasFirst = r.set.Point(1) == pt;
+        r.set.RemovePt(pt);
+        if (r.set.Count() == 0) {
+            unfile(id);
+            emptied.push_back(id);
+        } else if (wasFirst) {
+            r.stale = true; // compared by where its new first point is
+        }
     }
-    const int slot = r->slot;
-    m_sets.erase(m_sets.begin() + (slot - 1));
-    for (int i = slot - 1; i < Count(); ++i)
-        m_sets[i]->slot = i + 1;
+}
+
+void WeldTableT::dropAll(const std::vector<int>& emptied) {
+    if (emptied.empty()) return;
+    for (int id : emptied)
+        m_recs[static_cast<size_t>(id)].slot = -1;
+    size_t to = 0;
+    for (size_t from = 0; from < m_order.size(); ++from) {
+        const int id = m_order[from];
+        Rec& r = m_recs[static_cast<size_t>(id)];
+        if (r.slot < 0) continue;
+        r.slot = static_cast<int>(to);
+        m_order[to++] = id;
+    }
+    m_order.resize(to);
+    for (int id : emptied) {
+        m_recs[static_cast<size_t>(id)].set = WeldedPoints();
+        m_free.push_back(id);
+    }
 }
 
 void WeldTableT::LeavePolygon(int polygon) {
-    for (int pt = ZELMAR_polygon_get_first_point(polygon); pt != 0; pt = ZELMAR_point_get_next_point(pt)) {
-        const auto it = m_setOfPoint.find(pt);
-        if (it == m_setOfPoint.end()) continue;
-        Rec* r = it->second;
-        m_setOfPoint.erase(it);
-        r->set.RemovePt(pt);
-        if (r->set.Count() == 0) drop(r);
-    }
+    LeavePolygons({polygon});
+}
+
+void WeldTableT::LeavePolygons(const std::vector<int>& polygons) {
+    if (polygons.empty() || m_order.empty()) return;
+    std::vector<int> emptied;
+    leavePoints(polygons, emptied);
+    dropAll(emptied);
 }
 
 void WeldTableT::Rekey() {
     m_cells.clear();
-    for (auto& rec : m_sets) {
-        double first[3] = {0, 0, 0};
-        ZELMAR_point_get_xyz(rec->set.Point(1), first);
-        rec->key = keyOf(first);
-        m_cells[rec->key].push_back(rec.get());
+    if (m_order.empty()) return;
+    m_points.resize(m_order.size());
+    for (size_t s = 0; s < m_order.size(); ++s)
+        m_points[s] = m_recs[static_cast<size_t>(m_order[s])].set.Point(1);
+    m_xyz.assign(3 * m_order.size(), 0.0);
+    ZELMAR_points_get_values(m_points.data(), static_cast<int>(m_points.size()), 1, m_xyz.data());
+    m_cells.reserve(m_order.size());
+    for (size_t s = 0; s < m_order.size(); ++s) {
+        const int id = m_order[s];
+        Rec& r = m_recs[static_cast<size_t>(id)];
+        const double* p = &m_xyz[3 * s];
+        r.first = {p[0], p[1], p[2]};
+        r.stale = false;
+        r.key = keyOf(p);
+        file(id);
     }
-}
-
-void WeldTableT::LeavePolygons(const std::vector<int>& polygons) {
-    std::vector<Rec*> emptied;
-    for (int polygon : polygons)
-        for (int pt = ZELMAR_polygon_get_first_point(polygon); pt != 0; pt = ZELMAR_point_get_next_point(pt)) {
-            const auto it = m_setOfPoint.find(pt);
-            if (it == m_setOfPoint.end()) continue;
-            Rec* r = it->second;
-            m_setOfPoint.erase(it);
-            r->set.RemovePt(pt);
-            if (r->set.Count() == 0) emptied.push_back(r);
-        }
-    if (emptied.empty()) return;
-    for (Rec* r : emptied) {
-        auto cell = m_cells.find(r->key);
-        if (cell == m_cells.end()) continue;
-        auto& v = cell->second;
-        v.erase(std::remove(v.begin(), v.end(), r), v.end());
-        if (v.empty()) m_cells.erase(cell);
-    }
-    m_sets.erase(std::remove_if(m_sets.begin(), m_sets.end(), [](const std::unique_ptr<Rec>& r) { return r->set.Count() == 0; }),
-                 m_sets.end());
-    for (int i = 0; i < Count(); ++i)
-        m_sets[size_t(i)]->slot = i + 1;
 }
 
 void WeldTableT::EnterGroup(int group) {
     Rekey();
-    for (int pol = ZELMAR_group_get_first_polygon(group); pol != 0; pol = ZELMAR_group_get_next_polygon(pol))
-        EnterPolygon(pol);
+    const int n = ZELMAR_group_get_polygons(group, nullptr, 0);
+    if (n <= 0) return;
+    std::vector<int> pols(static_cast<size_t>(n));
+    pols.resize(static_cast<size_t>(std::min(n, ZELMAR_group_get_polygons(group, pols.data(), n))));
+    m_cells.reserve(m_order.size() + 4 * pols.size());
+    EnterPolygons(pols);
 }
 
 void WeldTableT::Clear() {
-    m_sets.clear();
-    m_setOfPoint.clear();
+    m_recs.clear();
+    m_free.clear();
+    m_order.clear();
+    m_idOfPoint.Clear();
     m_cells.clear();
 }
 

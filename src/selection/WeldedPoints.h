@@ -2,29 +2,84 @@
 // kept in one WeldedPoints set so that tools move touching corners together. The table is one per
 // program (WeldTable, WeldTableCount), 1-based, with a fixed capacity.
 #pragma once
+#include "base/FlatHashMap.h"
+
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 namespace vexil {
 
 class WeldedPoints {
   public:
-    int Count() const { return static_cast<int>(m_points.size()); }
+    WeldedPoints() = default;
+    WeldedPoints(const WeldedPoints& o) { assign(o); }
+    WeldedPoints(WeldedPoints&& o) noexcept { take(o); }
+    WeldedPoints& operator=(const WeldedPoints& o) {
+        if (this != &o) {
+            release();
+            assign(o);
+        }
+        return *this;
+    }
+    WeldedPoints& operator=(WeldedPoints&& o) noexcept {
+        if (this != &o) {
+            release();
+            take(o);
+        }
+        return *this;
+    }
+    ~WeldedPoints() { release(); }
+
+    int Count() const { return m_count; }
     // Shrinks or grows the set (new entries are 0).
     void SetCount(int n);
     void AddPt(int point, int polygon);
     // The i-th handle, from 1; 0 outside.
-    int Point(int i) const;
+    int Point(int i) const { return i >= 1 && i <= m_count ? data()[i - 1].point : 0; }
     // Removes the first occurrence; false when the point is not in the set.
     bool RemovePt(int point);
     // The polygon that the i-th handle belongs to, from 1; 0 outside.
-    int CorrsPol(int i) const;
+    int CorrsPol(int i) const { return i >= 1 && i <= m_count ? data()[i - 1].polygon : 0; }
 
   private:
-    std::vector<int> m_points, m_polygons;
+    // Most sets hold one to four points (a corner shared by up to four polygons): those live inside the set.
+    struct Entry {
+        int point, polygon;
+    };
+    static constexpr int Inline = 4;
+    Entry* data() { return m_cap > Inline ? m_heap : m_inline; }
+    const Entry* data() const { return m_cap > Inline ? m_heap : m_inline; }
+    void reserve(int n);
+    void release();
+    void assign(const WeldedPoints& o);
+    void take(WeldedPoints& o);
+
+    int m_count = 0, m_cap = Inline;
+    union {
+        Entry m_inline[Inline];
+        Entry* m_heap;
+    };
+};
+
+// Point handle -> value (0: none), in pages of 4096 handles made on demand: the points of a group are
+// handed out together, so their entries sit side by side and a walk over them reads memory in order.
+class PointIndex {
+  public:
+    int Get(int point) const {
+        const size_t page = static_cast<size_t>(point) >> PageBits;
+        if (point <= 0 || page >= m_pages.size() || !m_pages[page]) return 0;
+        return m_pages[page][static_cast<size_t>(point) & (PageSize - 1)];
+    }
+    void Set(int point, int value);
+    void Clear() { m_pages.clear(); }
+
+  private:
+    static constexpr int PageBits = 12;
+    static constexpr size_t PageSize = size_t(1) << PageBits;
+    std::vector<std::unique_ptr<int[]>> m_pages;
 };
 
 class WeldTableT {
@@ -33,14 +88,16 @@ class WeldTableT {
     // Two points weld when every coordinate differs by less than this.
     static constexpr double Tolerance = 1e-09;
 
-    int Count() const { return static_cast<int>(m_sets.size()); }
-    // Set i, from 1; nullptr outside.
+    int Count() const { return static_cast<int>(m_order.size()); }
+    // Set i, from 1; nullptr outside. Valid until the table changes.
     WeldedPoints* At(int i) const;
     // The index (from 1) of the set that holds `point`, 0 for none.
     int IndexOf(int point) const;
     // Entering a polygon: each of its points joins the first set whose first point lies at its location,
     // or starts a new set. Raises VexilError 9 when the table is full.
     void EnterPolygon(int polygon);
+    // The same for many polygons in turn, reading their points from the engine in one call.
+    void EnterPolygons(const std::vector<int>& polygons);
     // Leaving a polygon: each of its points leaves its set; an emptied set is dropped and later sets shift
     // down one slot.
     void LeavePolygon(int polygon);
@@ -60,20 +117,37 @@ class WeldTableT {
         bool operator==(const Key&) const = default;
     };
     struct KeyHash {
-        size_t operator()(const Key& k) const noexcept;
+        uint64_t operator()(const Key& k) const noexcept;
     };
+    // One set and what finding it needs. Records are kept by a stable id; the slot (the set's number - 1)
+    // changes when an earlier set is dropped.
     struct Rec {
         WeldedPoints set;
-        int slot = 0; // index in the table, from 1
-        Key key{};    // cell of the location the set began at
+        std::array<double, 3> first{}; // where the first point is, as last read
+        Key key{};                     // cell of the location the set began at (or had at the last Rekey)
+        int slot = -1;                 // -1: the record is free
+        int nextInCell = -1;           // the next record filed under the same cell
+        bool stale = false;            // the first point left: `first` is read again when needed
     };
     static Key keyOf(const double p[3]);
-    Rec* findSet(const double p[3]) const;
-    void drop(Rec* r);
+    int findSet(const double p[3]);
+    void enterPoints(const int* points, const int* owners, const double* xyz, size_t n);
+    // The points of the polygons leave their sets; the emptied sets are unfiled and their ids answered.
+    void leavePoints(const std::vector<int>& polygons, std::vector<int>& emptied);
+    void file(int id);
+    void unfile(int id);
+    // Drops the emptied records from the order in one pass and renumbers the rest.
+    void dropAll(const std::vector<int>& emptied);
+    const std::array<double, 3>& firstOf(Rec& r);
 
-    std::vector<std::unique_ptr<Rec>> m_sets; // slot i - 1 holds set i
-    std::unordered_map<int, Rec*> m_setOfPoint;
-    std::unordered_map<Key, std::vector<Rec*>, KeyHash> m_cells;
+    std::vector<Rec> m_recs;  // by id
+    std::vector<int> m_free;  // ids of free records
+    std::vector<int> m_order; // slot -> id
+    PointIndex m_idOfPoint;   // point -> id + 1
+    FlatHashMap<Key, int, KeyHash> m_cells; // cell -> the first record filed there
+    // Scratch of the bulk reads.
+    std::vector<int> m_points, m_owners;
+    std::vector<double> m_xyz;
 };
 
 WeldTableT& WeldTable();

@@ -65,7 +65,20 @@ bool allPointsOnPlane(const Polygon& p) {
 }
 
 bool isValidPolygon(const Polygon& p) {
-    return p.points.size() >= 3 && hasArea(p) && allPointsOnPlane(p);
+    // hasArea and allPointsOnPlane with each measure of the ring taken once: the same arithmetic, so the
+    // same answers, at a quarter of the cost (editors ask this of every touched polygon per mouse step).
+    if (p.points.size() < 3) return false;
+    const double size = ringSize(p);
+    const V3 newell = newellNormal(p);
+    const double n = length(newell);
+    if (!(std::isfinite(n) && size > 0 && n > 1e-12 * size * size)) return false;
+    if (p.points.size() == 3) return true;
+    const V3 unit = normalized(newell * -1.0);
+    const double d = -dot(unit, ringCentre(p));
+    const double tol = 1e-6 * std::max(size, 1.0);
+    for (const PointData& pt : p.points)
+        if (std::fabs(dot(unit, pos(pt)) + d) > tol) return false;
+    return true;
 }
 
 namespace {

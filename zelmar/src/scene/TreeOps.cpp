@@ -3,6 +3,7 @@
 #include "scene/PolygonGeometry.h"
 #include "scene/World.h"
 
+#include <array>
 #include <vector>
 
 namespace zelmar {
@@ -101,19 +102,40 @@ Group* triangulatedCopy(const Group& src, const std::string& name) {
     copyGroupAttributes(src, *out);
     out->disabled = false;
     if (src.father) w.setFather(*out, src.father);
+    // Every triangle first, so that the world can take room for all of them at once (the pages of a large
+    // copy are then mapped ahead of the creation, and each ring holds exactly three points).
+    struct Source {
+        const Polygon* polygon;
+        std::vector<std::array<uint32_t, 3>> triangles;
+    };
+    std::vector<Source> sources;
+    size_t count = 0;
     for (const Group* g = &src; g; g = World::nextInSubtree(g, &src))
         for (const Polygon* p = g->firstPolygon; p; p = p->nextInGroup) {
-            for (const auto& tri : triangulate(*p)) {
-                Polygon* t = w.createPolygon();
-                copyAttributes(*p, *t);
-                t->disabled = p->disabled;
-                t->addedToWorld = true;
-                for (uint32_t i : tri)
-                    w.addPoint(*t, p->points[i]);
-                w.setPolygonGroup(*t, out);
-            }
+            auto tris = triangulate(*p);
+            if (tris.empty()) continue;
+            count += tris.size();
+            sources.push_back({p, std::move(tris)});
         }
-    w.touch();
+    size_t rings[World::kPooledRing + 1] = {};
+    rings[3] = count;
+    if (count > 0) {
+        w.reserveHandles(4 * count);
+        w.reservePolygons(count, rings);
+    }
+    for (const Source& s : sources) {
+        Polygon style;
+        copyAttributes(*s.polygon, style);
+        for (const auto& tri : s.triangles) {
+            Polygon* t = w.createPolygonFrom(style, 3);
+            t->name = style.name;
+            t->addedToWorld = true;
+            for (uint32_t i : tri)
+                w.addPoint(*t, s.polygon->points[i]);
+            w.appendToGroup(*t, *out);
+        }
+    }
+    w.endBulk();
     return out;
 }
 
