@@ -207,7 +207,7 @@ public:
     SimpPoint Point(int i) const;
     SimpEdge Edge(int i) const;
     SimpTri Tri(int i) const;
-    const double* PointCoords(int i) const { return pCoords_.at(static_cast<std::size_t>(i)).data(); }
+    const double* PointCoords(int i) const { return pts_.at(static_cast<std::size_t>(i)).xyz; }
     bool PointValid(int i) const { return pValid_.at(static_cast<std::size_t>(i)) != 0; }
     // The edge's Quadric: the sum of its ends' (the only form in which it is used).
     Quadric EdgeQuadric(int i) const;
@@ -255,6 +255,21 @@ public:
     std::size_t MemoryBytes() const;
     std::size_t PeakMemoryBytes() const { return std::max(peakBytes_, MemoryBytes()); }
 
+    // A point's position and quadric in two cache lines. The quadric is symmetric but for the
+    // lock terms, which change Quadric(1..3, 4) only: s holds the upper triangle as the sums of
+    // plane products give it, (1,1) (1,2) (1,3) (1,4) (2,2) (2,3) (2,4) (3,3) (3,4) (4,4), its
+    // (i, 4) entries standing for Quadric(4, i); u holds Quadric(1, 4), (2, 4), (3, 4) as they are.
+    struct alignas(64) PointHot {
+        double s[10];
+        double u[3];
+        double xyz[3];
+    };
+    // The sum of two points' quadrics, laid out as PointHot's.
+    struct alignas(16) QSum {
+        double s[10];
+        double u[3];
+    };
+
 private:
     using Vec3 = std::array<double, 3>;
     // The fields of a triangle that contraction reads and writes, in one cache line.
@@ -275,8 +290,8 @@ private:
     struct Backup {
         bool made = false;
         std::vector<std::uint8_t> pValid;
-        std::vector<Vec3> pCoords;
-        std::vector<Quadric> pQ; // empty: all zero
+        std::vector<Vec3> pCoords;   // when every quadric is zero
+        std::vector<PointHot> pts;  // otherwise
         std::size_t points = 0;
         ListPool pTris, pEdges;
         struct EdgeEnds {
@@ -305,22 +320,17 @@ private:
     }
     std::size_t newPoint(const double coords[3]);
     std::size_t newEdge(int pA, int pB);
-    // the sixteen products aa, ab, ..., dd of a plane, added term by term
-    static void addProducts(Quadric& q, const double p[4]) {
-        for (int i = 0; i < 4; ++i)
-            for (int j = 0; j < 4; ++j) q[static_cast<std::size_t>(i * 4 + j)] += p[i] * p[j];
-    }
+    Quadric fullQuadric(const double s[10], const double u[3]) const;
     void borderPlane(int edge, double p[4]) const;
     void cornerUV(int tri, int point, double uv[2]) const;
     void setCornerUV(int tri, int point, const double uv[2]);
     bool edgeHasTri(int edge, int tri) const { return eTris_.contains(static_cast<std::size_t>(edge), tri); }
     // The sum of the ends' quadrics; raises Overflow when a term is not finite (as MatrixADD).
-    void sumEdgeQuadric(int edge, Quadric& q) const;
+    void sumEdgeQuadric(int edge, QSum& q) const;
     // Placement and cost of an edge given its quadric sum q.
-    void evaluateEdge(int edge, const Quadric& q);
-    void placeOptimal(int edge, const Quadric& q);
-    void placeOnSegment(int edge, const Quadric& q);
-    double costAt(const EdgeHot& E, const Quadric& q) const;
+    void evaluateEdge(int edge, const QSum& q);
+    void placeOptimal(int edge, const QSum& q);
+    void placeOnSegment(int edge, const QSum& q);
     // Calls test(triangle, corners) for each valid triangle of either end that is not on the edge,
     // with the ends replaced by NewCoords; true as soon as a test answers true.
     template <class Test> bool anyMovedTri(int edge, Test test) const;
@@ -347,8 +357,7 @@ private:
 
     // points
     std::vector<std::uint8_t> pValid_;
-    std::vector<Vec3> pCoords_;
-    std::vector<Quadric> pQ_;
+    std::vector<PointHot> pts_;
     std::vector<double> pBright_;
     std::vector<Vec3> pNormal_;
     ListPool pTris_, pEdges_;

@@ -9,7 +9,7 @@ namespace simplify {
 
 void SurfSimpli::project(int point, double& x, double& y, bool& ok) const {
     ok = canvas_ && point >= 0 && point <= PointCount() &&
-         canvas_->project(pCoords_[static_cast<std::size_t>(point)].data(), x, y);
+         canvas_->project(pts_[static_cast<std::size_t>(point)].xyz, x, y);
 }
 
 void SurfSimpli::DisplayPoint(int point, SimpPen pen) {
@@ -103,7 +103,7 @@ void SurfSimpli::SelectMultiplePoints(double x1, double y1, double x2, double y2
         if (ignoreBackFaced && cameraLocation) {
             // faces away: the vertex normal points away from the camera
             const Vec3& n = pNormal_[pi];
-            const Vec3& c = pCoords_[pi];
+            const double* c = pts_[pi].xyz;
             const double d = n[0] * (cameraLocation[0] - c[0]) + n[1] * (cameraLocation[1] - c[1]) +
                              n[2] * (cameraLocation[2] - c[2]);
             if (d < 0) continue;

@@ -29,8 +29,7 @@ void SurfSimpli::ExtractTriangles(int group) {
         edges_.reserve(edges);
         eTris_.reserve(edges, edges * 2 + 64);
         pValid_.reserve(points);
-        pCoords_.reserve(points);
-        pQ_.reserve(points);
+        pts_.reserve(points);
         pBright_.reserve(points);
         pNormal_.reserve(points);
         pTris_.reserve(points, points * 8);
@@ -133,9 +132,9 @@ bool SurfSimpli::GetNextTriangle(double c1[9], double c2[9], double c3[9], int& 
             const std::size_t p = static_cast<std::size_t>(T.pts[k]);
             if (p >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
             double* o = out[k];
-            o[0] = pCoords_[p][0]; // VectorCopy
-            o[1] = pCoords_[p][1];
-            o[2] = pCoords_[p][2];
+            o[0] = pts_[p].xyz[0]; // VectorCopy
+            o[1] = pts_[p].xyz[1];
+            o[2] = pts_[p].xyz[2];
             o[3] = tUV_[ti][static_cast<std::size_t>(k * 2)];
             o[4] = tUV_[ti][static_cast<std::size_t>(k * 2 + 1)];
             o[5] = pBright_[p];

@@ -61,10 +61,10 @@ SimpPoint SurfSimpli::Point(int i) const {
     const std::size_t p = static_cast<std::size_t>(i);
     SimpPoint P;
     P.Valid = pValid_.at(p) != 0;
-    for (int k = 0; k < 3; ++k) P.Coords[k] = pCoords_[p][static_cast<std::size_t>(k)];
+    for (int k = 0; k < 3; ++k) P.Coords[k] = pts_[p].xyz[k];
     P.AssTris = pTris_.copy(p);
     P.AssEdges = pEdges_.copy(p);
-    P.Q = pQ_[p];
+    P.Q = fullQuadric(pts_[p].s, pts_[p].u);
     P.VertBrightness = pBright_[p];
     for (int k = 0; k < 3; ++k) P.VertNormal[k] = pNormal_[p][static_cast<std::size_t>(k)];
     return P;
@@ -106,8 +106,7 @@ SimpTri SurfSimpli::Tri(int i) const {
 
 std::size_t SurfSimpli::newPoint(const double coords[3]) {
     pValid_.push_back(1);
-    pCoords_.push_back(Vec3{coords[0], coords[1], coords[2]});
-    pQ_.push_back(Quadric{});
+    pts_.push_back(PointHot{{}, {}, {coords[0], coords[1], coords[2]}});
     pBright_.push_back(0.0);
     pNormal_.push_back(Vec3{0, 0, 0});
     pTris_.addList();
@@ -286,8 +285,7 @@ double SurfSimpli::GetEdgCost(int edge) const {
 
 void SurfSimpli::clearArrays() {
     pValid_.assign(1, 0);
-    pCoords_.assign(1, Vec3{0, 0, 0});
-    pQ_.assign(1, Quadric{});
+    pts_.assign(1, PointHot{});
     pBright_.assign(1, 0.0);
     pNormal_.assign(1, Vec3{0, 0, 0});
     pTris_.clear();
@@ -329,12 +327,18 @@ void SurfSimpli::CopyGeomForRestore() {
     b.made = true;
     b.points = pValid_.size();
     b.pValid = pValid_;
-    b.pCoords = pCoords_;
-    const bool zeroQ = std::all_of(pQ_.begin(), pQ_.end(), [](const Quadric& q) {
-        return std::all_of(q.begin(), q.end(), [](double v) { return std::bit_cast<std::uint64_t>(v) == 0; });
+    auto zero = [](double v) { return std::bit_cast<std::uint64_t>(v) == 0; };
+    const bool zeroQ = std::all_of(pts_.begin(), pts_.end(), [&](const PointHot& q) {
+        return std::all_of(std::begin(q.s), std::end(q.s), zero) && std::all_of(std::begin(q.u), std::end(q.u), zero);
     });
-    if (zeroQ) b.pQ.clear();
-    else b.pQ = pQ_;
+    b.pCoords.clear();
+    b.pts.clear();
+    if (zeroQ) {
+        b.pCoords.reserve(pts_.size());
+        for (const PointHot& q : pts_) b.pCoords.push_back(Vec3{q.xyz[0], q.xyz[1], q.xyz[2]});
+    } else {
+        b.pts = pts_;
+    }
     b.pTris = pTris_;
     b.pEdges = pEdges_;
     const bool placed = std::any_of(edges_.begin(), edges_.end(), [](const EdgeHot& e) {
@@ -374,9 +378,12 @@ void SurfSimpli::RestoreGeomFromCopy() {
     }
     const Backup& b = backup_;
     pValid_ = b.pValid;
-    pCoords_ = b.pCoords;
-    if (b.pQ.empty()) pQ_.assign(b.points, Quadric{});
-    else pQ_ = b.pQ;
+    if (b.pts.empty()) {
+        pts_.resize(b.pCoords.size());
+        for (std::size_t i = 0; i < b.pCoords.size(); ++i) pts_[i] = PointHot{{}, {}, {b.pCoords[i][0], b.pCoords[i][1], b.pCoords[i][2]}};
+    } else {
+        pts_ = b.pts;
+    }
     pBright_.resize(b.points);
     pNormal_.resize(b.points);
     if (b.coldCopied) {
@@ -429,11 +436,11 @@ bool SurfSimpli::selectedFast(int point) const {
 }
 
 std::size_t SurfSimpli::MemoryBytes() const {
-    std::size_t n = bytes(pValid_) + bytes(pCoords_) + bytes(pQ_) + bytes(pBright_) + bytes(pNormal_) +
+    std::size_t n = bytes(pValid_) + bytes(pts_) + bytes(pBright_) + bytes(pNormal_) +
                     pTris_.memoryBytes() + pEdges_.memoryBytes() + bytes(edges_) + eTris_.memoryBytes() + bytes(tris_) +
                     bytes(tUV_) + bytes(tBitmap_) + bytes(tBright_) + bytes(tColor_);
     const Backup& b = backup_;
-    n += bytes(b.pValid) + bytes(b.pCoords) + bytes(b.pQ) + b.pTris.memoryBytes() + b.pEdges.memoryBytes() +
+    n += bytes(b.pValid) + bytes(b.pCoords) + bytes(b.pts) + b.pTris.memoryBytes() + b.pEdges.memoryBytes() +
          bytes(b.edges) + bytes(b.edgeEnds) + b.eTris.memoryBytes() + bytes(b.tris) + bytes(b.tUV) + bytes(b.pBright) + bytes(b.pNormal);
     for (const auto& bucket : buckets_) n += bytes(bucket);
     n += pointIndex_.memoryBytes() + edgeIndex_.memoryBytes() + heap_.memoryBytes();

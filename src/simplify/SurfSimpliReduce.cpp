@@ -2,6 +2,7 @@
 #include "simplify/SurfSimpli.h"
 
 #include "base/VexilError.h"
+#include "simplify/QuadricMath.h"
 
 #include <algorithm>
 #include <cmath>
@@ -156,7 +157,7 @@ int SurfSimpli::ContractEdge() {
         heap_.remove(edge);
         clearPark(ei);
     }
-    for (int c = 0; c < 3; ++c) pCoords_[k][static_cast<std::size_t>(c)] = edges_[ei].nc[c];
+    for (int c = 0; c < 3; ++c) pts_[k].xyz[c] = edges_[ei].nc[c];
     int removed = 0;
     for (std::uint32_t i = 0; i < eTris_.size(ei); ++i) {
         const int t = eTris_.at(ei, i);
@@ -202,8 +203,8 @@ int SurfSimpli::ContractEdge() {
         const std::size_t pi = static_cast<std::size_t>(p);
         for (const std::int32_t* t = pTris_.begin(pi); t != pTris_.end(pi); ++t)
             __builtin_prefetch(&tris_[static_cast<std::size_t>(*t)]);
-        __builtin_prefetch(pQ_[pi].data());
-        __builtin_prefetch(pQ_[pi].data() + 8);
+        __builtin_prefetch(pts_[pi].s);
+        __builtin_prefetch(pts_[pi].s + 8);
     }
     EvaluatePlaneOfAffectedTris(kept);
     // Each affected point's quadric afresh: its valid triangles' planes, then its borders'
@@ -213,14 +214,14 @@ int SurfSimpli::ContractEdge() {
     for (const std::int32_t p : affectedPts_) {
         touchPoint(p);
         const std::size_t pi = static_cast<std::size_t>(p);
-        alignas(64) Quadric q{};
+        qm::Acc q;
         pTris_.filter(pi, [&](std::int32_t t) {
             const TriHot& T = tris_[static_cast<std::size_t>(t)];
             if (!T.valid) return false;
-            addProducts(q, T.plane);
+            q.add(T.plane);
             return true;
         });
-        pQ_[pi] = q;
+        q.store(pts_[pi].s, pts_[pi].u);
     }
     for (const std::int32_t p : affectedPts_) {
         const std::size_t pi = static_cast<std::size_t>(p);
@@ -340,9 +341,9 @@ void SurfSimpli::EvaluatePlaneOfAffectedTris(int kept) {
     for (const std::int32_t* t = pTris_.begin(k); t != pTris_.end(k); ++t) {
         TriHot& T = tris_[static_cast<std::size_t>(*t)];
         if (!T.valid) continue;
-        const double* c1 = pCoords_[static_cast<std::size_t>(T.pts[0])].data();
-        const double* c2 = pCoords_[static_cast<std::size_t>(T.pts[1])].data();
-        const double* c3 = pCoords_[static_cast<std::size_t>(T.pts[2])].data();
+        const double* c1 = pts_[static_cast<std::size_t>(T.pts[0])].xyz;
+        const double* c2 = pts_[static_cast<std::size_t>(T.pts[1])].xyz;
+        const double* c3 = pts_[static_cast<std::size_t>(T.pts[2])].xyz;
         const double x1 = c1[0], y1 = c1[1], z1 = c1[2];
         const double x2 = c2[0], y2 = c2[1], z2 = c2[2];
         const double x3 = c3[0], y3 = c3[1], z3 = c3[2];
@@ -367,8 +368,8 @@ void SurfSimpli::InterpolateTexCoords(const double newCoords[3], int kept, int g
     pristine_ = false;
     const std::size_t ei = static_cast<std::size_t>(minEdge_ >= 0 ? minEdge_ : 0);
     if (ei >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
-    const double* K = pCoords_.at(static_cast<std::size_t>(kept)).data();
-    const double* G = pCoords_.at(static_cast<std::size_t>(gone)).data();
+    const double* K = pts_.at(static_cast<std::size_t>(kept)).xyz;
+    const double* G = pts_.at(static_cast<std::size_t>(gone)).xyz;
     auto distance = [](const double* a, const double* b) { // Maths::Distance over three elements
         double sum = 0.0;
         for (int i = 0; i < 3; ++i) sum = fin(sum + fin((a[i] - b[i]) * (a[i] - b[i])));

@@ -181,7 +181,7 @@ template <class Test> bool SurfSimpli::anyMovedTri(int edge, Test test) const {
             if (!T.valid || edgeHasTri(edge, *t)) continue;
             const double* c[3];
             for (int k = 0; k < 3; ++k)
-                c[k] = (T.pts[k] == E.a || T.pts[k] == E.b) ? E.nc : pCoords_[static_cast<std::size_t>(T.pts[k])].data();
+                c[k] = (T.pts[k] == E.a || T.pts[k] == E.b) ? E.nc : pts_[static_cast<std::size_t>(T.pts[k])].xyz;
             if (test(T, c)) return true;
         }
     }
