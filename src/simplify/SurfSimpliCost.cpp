@@ -10,6 +10,7 @@
 #include "base/VexilError.h"
 #include "simplify/QuadricMath.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace simplify {
@@ -36,7 +37,9 @@ void SurfSimpli::BuildAllQuadrics() {
     }
 }
 
-void SurfSimpli::BuildPointQuadric(int point) {
+void SurfSimpli::BuildPointQuadric(int point) { buildPointQuadric(inPt(point)); }
+
+void SurfSimpli::buildPointQuadric(int point) {
     pristine_ = false;
     const std::size_t pi = static_cast<std::size_t>(point);
     if (pi >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
@@ -55,12 +58,14 @@ void SurfSimpli::BuildPointQuadric(int point) {
 
 void SurfSimpli::ClearPointQuadric(int point) {
     pristine_ = false;
-    PointHot& P = pts_.at(static_cast<std::size_t>(point));
+    PointHot& P = pts_.at(static_cast<std::size_t>(inPt(point)));
     std::fill(std::begin(P.s), std::end(P.s), 0.0);
     std::fill(std::begin(P.u), std::end(P.u), 0.0);
 }
 
-int SurfSimpli::CountValidTris(int edge) const {
+int SurfSimpli::CountValidTris(int edge) const { return countValidTris(inEdge(edge)); }
+
+int SurfSimpli::countValidTris(int edge) const {
     const std::size_t e = static_cast<std::size_t>(edge);
     if (e >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     int n = 0;
@@ -92,7 +97,11 @@ void SurfSimpli::setCornerUV(int tri, int point, const double uv[2]) {
         }
 }
 
-bool SurfSimpli::HasBitmapBorder(int edge) const {
+bool SurfSimpli::HasBitmapBorder(int edge) const { return hasBitmapBorder(inEdge(edge)); }
+bool SurfSimpli::HasTexSeam(int edge) const { return hasTexSeam(inEdge(edge)); }
+bool SurfSimpli::HasColorBorder(int edge) const { return hasColorBorder(inEdge(edge)); }
+
+bool SurfSimpli::hasBitmapBorder(int edge) const {
     const std::size_t e = static_cast<std::size_t>(edge);
     if (e >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     bool first = true;
@@ -110,7 +119,7 @@ bool SurfSimpli::HasBitmapBorder(int edge) const {
     return false;
 }
 
-bool SurfSimpli::HasTexSeam(int edge) const {
+bool SurfSimpli::hasTexSeam(int edge) const {
     const std::size_t e = static_cast<std::size_t>(edge);
     if (e >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     if (eTris_.size(e) < 2) return false;
@@ -125,7 +134,7 @@ bool SurfSimpli::HasTexSeam(int edge) const {
     return a1[0] != a2[0] || a1[1] != a2[1] || b1[0] != b2[0] || b1[1] != b2[1];
 }
 
-bool SurfSimpli::HasColorBorder(int edge) const {
+bool SurfSimpli::hasColorBorder(int edge) const {
     const std::size_t e = static_cast<std::size_t>(edge);
     if (e >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     bool result = false;
@@ -144,24 +153,30 @@ bool SurfSimpli::HasColorBorder(int edge) const {
     return result;
 }
 
+// Which edges are borders reads only triangles; the penalties go to the ends' quadrics in the
+// order of the design's edge indices, as the documented loop adds them (a sum's order fixes
+// its bits, and the first penalty that raises is the same one).
 void SurfSimpli::MarkBorderEdges() {
     pristine_ = false;
+    std::vector<std::int32_t> borders;
     for (int e = 1; e <= EdgeCount(); ++e) {
         EdgeHot& E = edges_[static_cast<std::size_t>(e)];
         if (!E.valid) continue;
         E.border = false;
-        const int n = CountValidTris(e);
+        const int n = countValidTris(e);
         bool border;
         if (n == 1) border = true;
         else if (geomOnly_) border = false;
-        else if (HasBitmapBorder(e)) border = true;
-        else if (protectTexSeams_ && HasTexSeam(e)) border = true;
-        else if (protectColorBorders_ && HasColorBorder(e)) border = true;
+        else if (hasBitmapBorder(e)) border = true;
+        else if (protectTexSeams_ && hasTexSeam(e)) border = true;
+        else if (protectColorBorders_ && hasColorBorder(e)) border = true;
         else border = false;
-        if (border) {
-            E.border = true;
-            AddBorderPenalty(e);
-        }
+        if (border) borders.push_back(e);
+    }
+    std::sort(borders.begin(), borders.end(), [&](std::int32_t a, std::int32_t b) { return exEdge(a) < exEdge(b); });
+    for (const std::int32_t e : borders) {
+        edges_[static_cast<std::size_t>(e)].border = true;
+        addBorderPenalty(e);
     }
 }
 
@@ -212,7 +227,9 @@ void SurfSimpli::borderPlane(int edge, double p[4]) const {
     p[3] = 2.0 * d;
 }
 
-void SurfSimpli::AddBorderPenalty(int edge) {
+void SurfSimpli::AddBorderPenalty(int edge) { addBorderPenalty(inEdge(edge)); }
+
+void SurfSimpli::addBorderPenalty(int edge) {
     pristine_ = false;
     double p[4];
     borderPlane(edge, p);
@@ -226,7 +243,9 @@ void SurfSimpli::AddBorderPenalty(int edge) {
     }
 }
 
-void SurfSimpli::AddBorderPenaltyToPoint(int point, int edge) {
+void SurfSimpli::AddBorderPenaltyToPoint(int point, int edge) { addBorderPenaltyToPoint(inPt(point), inEdge(edge)); }
+
+void SurfSimpli::addBorderPenaltyToPoint(int point, int edge) {
     pristine_ = false;
     double p[4];
     borderPlane(edge, p);
@@ -241,7 +260,7 @@ void SurfSimpli::AddLockTerms() {
     pristine_ = false;
     for (const std::int32_t idx : selectedPts_) {
         if (idx < 0 || idx > PointCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
-        PointHot& P = pts_[static_cast<std::size_t>(idx)];
+        PointHot& P = pts_[static_cast<std::size_t>(inPt(idx))];
         const double x = P.xyz[0], y = P.xyz[1], z = P.xyz[2];
         P.s[0] += 1.0; // (1,1)
         P.s[4] += 1.0; // (2,2)
@@ -271,7 +290,7 @@ Quadric SurfSimpli::fullQuadric(const double s[10], const double u[3]) const {
 }
 
 Quadric SurfSimpli::EdgeQuadric(int edge) const {
-    const EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
+    const EdgeHot& E = edges_.at(static_cast<std::size_t>(inEdge(edge)));
     const PointHot& A = pts_[static_cast<std::size_t>(E.a)];
     const PointHot& B = pts_[static_cast<std::size_t>(E.b)];
     QSum q;
@@ -282,11 +301,11 @@ Quadric SurfSimpli::EdgeQuadric(int edge) const {
 void SurfSimpli::EvaluateEdgeQuadric(int edge) {
     if (edge < 0 || edge > EdgeCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     QSum q;
-    sumEdgeQuadric(edge, q); // nothing is stored: the sum is formed where it is used
+    sumEdgeQuadric(inEdge(edge), q); // nothing is stored: the sum is formed where it is used
 }
 
 double SurfSimpli::EdgeCostAt(int edge) const {
-    const EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
+    const EdgeHot& E = edges_.at(static_cast<std::size_t>(inEdge(edge)));
     const PointHot& A = pts_[static_cast<std::size_t>(E.a)];
     const PointHot& B = pts_[static_cast<std::size_t>(E.b)];
     QSum q; // added afresh, as MatrixADD would (a non-finite sum ends in a non-finite cost)
@@ -294,7 +313,9 @@ double SurfSimpli::EdgeCostAt(int edge) const {
     return fin(qm::cost(E.nc, q.s, q.u));
 }
 
-void SurfSimpli::PlaceAtBetterEnd(int edge) {
+void SurfSimpli::PlaceAtBetterEnd(int edge) { placeAtBetterEnd(inEdge(edge)); }
+
+void SurfSimpli::placeAtBetterEnd(int edge) {
     pristine_ = false;
     EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
     const PointHot& PA = pts_[static_cast<std::size_t>(E.a)];
@@ -340,7 +361,7 @@ void SurfSimpli::placeOptimal(int edge, const QSum& q) {
     const double y = div(f(f(-a23 * z) - a24), a22);
     const double x = div(f(f(f(-Q(1, 2) * y) - f(z * Q(1, 3))) - Q(1, 4)), Q(1, 1));
     if (!ok) {
-        PlaceAtBetterEnd(edge);
+        placeAtBetterEnd(edge);
         return;
     }
     EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
@@ -381,12 +402,13 @@ void SurfSimpli::placeOnSegment(int edge, const QSum& q) {
             }
         }
     }
-    PlaceAtBetterEnd(edge);
+    placeAtBetterEnd(edge);
 }
 
 void SurfSimpli::PlaceOptimal(int edge) {
     pristine_ = false;
     if (edge < 0 || edge > EdgeCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+    edge = inEdge(edge);
     QSum q;
     const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
     const PointHot& A = pts_[static_cast<std::size_t>(E.a)];
@@ -398,6 +420,7 @@ void SurfSimpli::PlaceOptimal(int edge) {
 void SurfSimpli::PlaceOnSegment(int edge) {
     pristine_ = false;
     if (edge < 0 || edge > EdgeCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+    edge = inEdge(edge);
     QSum q;
     const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
     const PointHot& A = pts_[static_cast<std::size_t>(E.a)];

@@ -71,10 +71,8 @@ void SurfSimpli::ExtractTriangles(int group) {
         if (progress_) progress_->setValue(0);
         notePeak();
         dropIndexes();
-        // the lists were grown one entry at a time: pack them before the copy is made
-        pTris_.compact();
-        pEdges_.compact();
-        eTris_.compact();
+        // the records in an order of their own, with the lists packed, before the copy is made
+        renumberForLocality();
         CopyGeomForRestore();
         triTotal_ = TriCount();
     });
@@ -123,8 +121,8 @@ bool SurfSimpli::GetFirstTriangle(double c1[9], double c2[9], double c3[9], int&
 
 bool SurfSimpli::GetNextTriangle(double c1[9], double c2[9], double c3[9], int& bitmapHandle, double& brightness,
                                  int color[3]) {
-    for (int t = std::max(outCursor_, 1); t <= TriCount(); ++t) {
-        const std::size_t ti = static_cast<std::size_t>(t);
+    for (int t = std::max(outCursor_, 1); t <= TriCount(); ++t) { // in the order of the design's indices
+        const std::size_t ti = static_cast<std::size_t>(inTri(t));
         const TriHot& T = tris_[ti];
         if (!T.valid) continue;
         double* out[3] = {c1, c2, c3};
