@@ -1,7 +1,7 @@
 // simplify_bench: the figures of docs/performance.md, "Simplification".
 //
 //   simplify_bench [--mesh FILE] [--subdivide N] [--keep 0.5,0.1] [--targets N,M] [--runs N] [--mode prod|ref]
-//                  [--faces N] [--plain] [--session]
+//                  [--faces N] [--plain] [--no-renumber] [--session]
 //
 // prod: the production SurfSimpli, N runs per target in this process (a fresh object each run),
 //       median wall and CPU time of Reduce (extraction, restart copy, loop and output included),
@@ -11,7 +11,8 @@
 // --session opens one SimplifySession and runs the targets one after the other, as the workbench
 // does on each click (a deeper target goes on from the last run); CPU time of each run.
 // --targets gives triangle counts instead of fractions; --plain runs the production without its
-// refusal cache (its candidate count is then that of the reference's scans).
+// refusal cache (its candidate count is then that of the reference's scans); --no-renumber keeps
+// the records in the order extraction makes them.
 // Every run goes through the in-memory engine, so the engine's own cost is not measured.
 #include "MemoryEngine.h"
 #include "MeshData.h"
@@ -37,12 +38,13 @@ namespace {
 // Time stamps (CPU) of the status texts: extraction, loop, output.
 struct PhaseClock final : simplify::SimplifyStatus {
     double extract = 0, loop = 0, output = 0, end = 0;
+    // Other texts (one or two a contraction) cost a comparison only: reading the process's
+    // clock is a system call.
     void setText(const std::string& t) override {
-        const double now = bench::processCpuMs();
-        if (t == "Extracting Triangles") extract = now;
-        else if (t == "Simplyfing") loop = now;
-        else if (t == "Building Output") output = now;
-        else if (t.empty()) end = now;
+        if (t == "Extracting Triangles") extract = bench::processCpuMs();
+        else if (t == "Simplyfing") loop = bench::processCpuMs();
+        else if (t == "Building Output") output = bench::processCpuMs();
+        else if (t.empty()) end = bench::processCpuMs();
     }
 };
 struct Quiet final : simplify::SimplifyHost {
@@ -57,7 +59,7 @@ int main(int argc, char** argv) {
     int runs = 5;
     std::size_t faces = 0;
     int subdivisions = 0;
-    bool plain = false, session = false;
+    bool plain = false, session = false, renumber = true;
     std::vector<int> targets;
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
@@ -68,6 +70,7 @@ int main(int argc, char** argv) {
         else if (a == "--faces") faces = static_cast<std::size_t>(std::stol(next()));
         else if (a == "--plain") plain = true;
         else if (a == "--session") session = true;
+        else if (a == "--no-renumber") renumber = false;
         else if (a == "--subdivide") subdivisions = std::stoi(next());
         else if (a == "--targets") {
             std::stringstream ss(next());
@@ -141,6 +144,7 @@ int main(int argc, char** argv) {
             s.SetHost(&host);
             s.ForceRestart = true;
             s.CacheRefusals = !plain;
+            s.RenumberRecords = renumber;
             PhaseClock phases;
             const double w0 = bench::wallMs(), c0 = bench::processCpuMs();
             try {

@@ -1,6 +1,8 @@
 // Indexed 4-ary min-heap of edges ordered by (cost, index): the production's replacement for
 // the linear scan of NextCheapestEdge. The order is the one the scan gives: strictly smaller
 // cost first, the lower index on equal costs (-0.0 and 0.0 are equal, as for the scan's `<`).
+// The index that breaks ties is the edge's index in the design (its order key, setOrder); the
+// heap itself is addressed by the model's own record numbers.
 // Only edges whose cost can ever be chosen are held (valid, cost >= -1e21, cost < 1e32; a NaN
 // cost fails both tests). A held key may be below the edge's cost when the cost rose since it
 // was set (see visitInOrder); never above it.
@@ -16,7 +18,14 @@ public:
     struct Entry {
         double cost;
         int edge;
+        int order = 0; // the tie-break: the edge's index in the design
     };
+
+    // The order key of each edge (indexed by edge; an edge beyond it is its own key).
+    void setOrder(const std::vector<std::int32_t>* order) { order_ = order; }
+    int orderOf(int edge) const {
+        return order_ && static_cast<std::size_t>(edge) < order_->size() ? (*order_)[static_cast<std::size_t>(edge)] : edge;
+    }
 
     void clear() {
         heap_.clear();
@@ -26,7 +35,10 @@ public:
     void build(std::vector<Entry> entries, int maxEdge) {
         heap_ = std::move(entries);
         pos_.assign(static_cast<std::size_t>(maxEdge) + 1, -1);
-        for (std::size_t i = 0; i < heap_.size(); ++i) pos_[static_cast<std::size_t>(heap_[i].edge)] = static_cast<int>(i);
+        for (std::size_t i = 0; i < heap_.size(); ++i) {
+            pos_[static_cast<std::size_t>(heap_[i].edge)] = static_cast<int>(i);
+            heap_[i].order = orderOf(heap_[i].edge);
+        }
         if (heap_.size() > 1)
             for (std::size_t i = (heap_.size() - 2) / kArity + 1; i-- > 0;) down(i);
     }
@@ -48,7 +60,7 @@ public:
         int& p = pos_[static_cast<std::size_t>(edge)];
         if (p < 0) {
             p = static_cast<int>(heap_.size());
-            heap_.push_back({cost, edge});
+            heap_.push_back({cost, edge, orderOf(edge)});
             up(heap_.size() - 1);
             return;
         }
@@ -86,12 +98,12 @@ public:
     int visitInOrder(TrueCost trueCost, Visit visit, std::vector<int>& stale) {
         if (heap_.empty()) return -1;
         frontier_.clear();
-        auto after = [](const Node& a, const Node& b) { return less(Entry{b.key, b.edge}, Entry{a.key, a.edge}); };
+        auto after = [](const Node& a, const Node& b) { return less(Entry{b.key, b.edge, b.order}, Entry{a.key, a.edge, a.order}); };
         auto push = [&](const Node& n) {
             frontier_.push_back(n);
             std::push_heap(frontier_.begin(), frontier_.end(), after);
         };
-        push(Node{heap_[0].cost, heap_[0].edge, 0});
+        push(Node{heap_[0].cost, heap_[0].edge, 0, heap_[0].order});
         while (!frontier_.empty()) {
             std::pop_heap(frontier_.begin(), frontier_.end(), after);
             const Node n = frontier_.back();
@@ -99,15 +111,15 @@ public:
             if (n.pos >= 0) {
                 const std::size_t i = static_cast<std::size_t>(n.pos);
                 for (std::size_t c = kArity * i + 1; c <= kArity * i + kArity && c < heap_.size(); ++c)
-                    push(Node{heap_[c].cost, heap_[c].edge, static_cast<int>(c)});
+                    push(Node{heap_[c].cost, heap_[c].edge, static_cast<int>(c), heap_[c].order});
                 const double cost = trueCost(n.edge);
-                if (less(Entry{n.key, n.edge}, Entry{cost, n.edge})) { // risen: visit it at its true cost
+                if (less(Entry{n.key, n.edge, n.order}, Entry{cost, n.edge, n.order})) { // risen: visit it at its true cost
                     stale.push_back(n.edge);
-                    push(Node{cost, n.edge, -1});
+                    push(Node{cost, n.edge, -1, n.order});
                     continue;
                 }
             }
-            if (visit(Entry{n.key, n.edge})) return n.edge;
+            if (visit(Entry{n.key, n.edge, n.order})) return n.edge;
         }
         return -1;
     }
@@ -115,7 +127,7 @@ public:
     std::size_t memoryBytes() const { return heap_.capacity() * sizeof(Entry) + pos_.capacity() * sizeof(int); }
 
     static bool less(const Entry& a, const Entry& b) {
-        return a.cost < b.cost || (!(b.cost < a.cost) && a.edge < b.edge);
+        return a.cost < b.cost || (!(b.cost < a.cost) && a.order < b.order);
     }
 
 private:
@@ -155,10 +167,12 @@ private:
         double key;
         int edge;
         int pos; // -1: an edge visited at its risen cost, not a heap slot
+        int order;
     };
     std::vector<Entry> heap_;
     std::vector<int> pos_;
     std::vector<Node> frontier_;
+    const std::vector<std::int32_t>* order_ = nullptr;
 };
 
 } // namespace simplify

@@ -87,6 +87,27 @@ public:
         dead_ = 0;
     }
 
+    // A packed pool whose list i holds the entries of this pool's list order[i], each mapped by f
+    // (renumbering records and the indices in their lists at once).
+    // Each list gets `slack` entries of room beyond its size.
+    template <class F> ListPool reordered(const std::vector<std::int32_t>& order, F f, std::uint32_t slack = 0) const {
+        ListPool r;
+        std::size_t total = 0;
+        for (const std::int32_t i : order) total += heads_[static_cast<std::size_t>(i)].size + slack;
+        r.heads_.resize(order.size());
+        r.data_.resize(total);
+        std::uint32_t off = 0;
+        for (std::size_t i = 0; i < order.size(); ++i) {
+            const Head& h = heads_[static_cast<std::size_t>(order[i])];
+            r.heads_[i] = Head{off, h.size, h.size + slack};
+            const std::int32_t* from = data_.data() + h.off;
+            std::int32_t* to = r.data_.data() + off;
+            for (std::uint32_t k = 0; k < h.size; ++k) to[k] = f(from[k]);
+            off += h.size + slack;
+        }
+        return r;
+    }
+
     std::size_t memoryBytes() const {
         return heads_.capacity() * sizeof(Head) + data_.capacity() * sizeof(std::int32_t);
     }

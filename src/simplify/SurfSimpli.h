@@ -12,7 +12,9 @@
 // tests/simplify/reference holds the literal implementation; the tests prove that both give the
 // same contractions and bit-identical output. docs/simplify.md records the open decisions.
 //
-// Indices are 1-based: slot 0 of every array exists and is never used.
+// Indices are 1-based: slot 0 of every array exists and is never used. They are the design's
+// indices (points, edges and triangles numbered as extraction makes them); inside, the records
+// are kept in an order of their own, for locality (see docs/simplify.md).
 #pragma once
 #include "simplify/EdgeHeap.h"
 #include "simplify/FlatIndex.h"
@@ -207,8 +209,8 @@ public:
     SimpPoint Point(int i) const;
     SimpEdge Edge(int i) const;
     SimpTri Tri(int i) const;
-    const double* PointCoords(int i) const { return pCoords_.at(static_cast<std::size_t>(i)).data(); }
-    bool PointValid(int i) const { return pValid_.at(static_cast<std::size_t>(i)) != 0; }
+    const double* PointCoords(int i) const { return pts_.at(static_cast<std::size_t>(inPt(i))).xyz; }
+    bool PointValid(int i) const { return pValid_.at(static_cast<std::size_t>(inPt(i))) != 0; }
     // The edge's Quadric: the sum of its ends' (the only form in which it is used).
     Quadric EdgeQuadric(int i) const;
     const double* OctantCentre() const { return octantCentre_; }
@@ -219,7 +221,7 @@ public:
     int TriTotal() const { return triTotal_; }
     int TriCurrent() const { return triCurrent_; }
     int SourceGroup() const { return sourceGroup_; }
-    int MinEdge() const { return minEdge_; }
+    int MinEdge() const { return exEdge(minEdge_); }
     double MinCost() const { return minCost_; }
     bool ContinueRun() const { return continueRun_; }
     // True when the last Reduce stopped because the host asked to cancel (no output was built).
@@ -227,8 +229,8 @@ public:
     // True when a contraction since the model was last set up cost more than 0.00 (rounded):
     // a zero-error run from the copy would have stopped before the state the model is in.
     bool CostlyContractionMade() const { return costlyContraction_; }
-    const std::vector<std::int32_t>& AffectedPoints() const { return affectedPts_; }
-    const std::vector<std::int32_t>& AffectedEdges() const { return affectedEdges_; }
+    const std::vector<std::int32_t>& AffectedPoints() const;
+    const std::vector<std::int32_t>& AffectedEdges() const;
     int TriCursor() const { return triCursor_; }
     int EdgeCursor() const { return edgeCursor_; }
     int PtCursor() const { return ptCursor_; }
@@ -249,11 +251,29 @@ public:
     // Remember refusals until something near the edge changes (on by default; the tests compare
     // both settings). See docs/simplify.md, "Refusal cache".
     bool CacheRefusals = true;
+    // Renumber the records for locality when a group is read (on by default; the design's
+    // indices stay at the interface either way, and the tests compare both settings).
+    bool RenumberRecords = true;
 
     // Bytes held by the model now (arrays, lists, the copy for restarting, indexes, heap), and the
     // most it held since it was made.
     std::size_t MemoryBytes() const;
     std::size_t PeakMemoryBytes() const { return std::max(peakBytes_, MemoryBytes()); }
+
+    // A point's position and quadric in two cache lines. The quadric is symmetric but for the
+    // lock terms, which change Quadric(1..3, 4) only: s holds the upper triangle as the sums of
+    // plane products give it, (1,1) (1,2) (1,3) (1,4) (2,2) (2,3) (2,4) (3,3) (3,4) (4,4), its
+    // (i, 4) entries standing for Quadric(4, i); u holds Quadric(1, 4), (2, 4), (3, 4) as they are.
+    struct alignas(64) PointHot {
+        double s[10];
+        double u[3];
+        double xyz[3];
+    };
+    // The sum of two points' quadrics, laid out as PointHot's.
+    struct alignas(16) QSum {
+        double s[10];
+        double u[3];
+    };
 
 private:
     using Vec3 = std::array<double, 3>;
@@ -275,8 +295,8 @@ private:
     struct Backup {
         bool made = false;
         std::vector<std::uint8_t> pValid;
-        std::vector<Vec3> pCoords;
-        std::vector<Quadric> pQ; // empty: all zero
+        std::vector<Vec3> pCoords;   // when every quadric is zero
+        std::vector<PointHot> pts;  // otherwise
         std::size_t points = 0;
         ListPool pTris, pEdges;
         struct EdgeEnds {
@@ -303,24 +323,56 @@ private:
     void showMessage(const std::string& text) {
         if (host_) host_->messageBox(text);
     }
+
+    // ---- the design's indices and the arrays' own order ----
+    // An index out of range maps to itself (the bounds check that follows raises as before).
+    static int mapIndex(const std::vector<std::int32_t>& m, int x) {
+        return x >= 0 && static_cast<std::size_t>(x) < m.size() ? m[static_cast<std::size_t>(x)] : x;
+    }
+    int inPt(int x) const { return mapIndex(ptOfExt_, x); }
+    int exPt(int i) const { return mapIndex(extOfPt_, i); }
+    int inEdge(int x) const { return mapIndex(edgeOfExt_, x); }
+    int exEdge(int i) const { return mapIndex(extOfEdge_, i); }
+    int inTri(int x) const { return mapIndex(triOfExt_, x); }
+    int exTri(int i) const { return mapIndex(extOfTri_, i); }
+    static std::vector<std::int32_t> mapList(const std::vector<std::int32_t>& m, const std::int32_t* from, const std::int32_t* to);
+    void pushIdentity(std::vector<std::int32_t>& ext, std::vector<std::int32_t>& in);
+    void renumberForLocality();
+
+    // The work of the public operations on the arrays' own record numbers.
+    int bucketPoint(const double coords[3], int tri);
+    int addEdgeOfTri(int pA, int pB, int tri);
+    int selectEdge();
+    bool wouldDegenerate(int edge);
+    bool wouldFlipNormal(int edge);
+    bool keepsManifold(int edge);
+    void interpolateTexCoords(const double newCoords[3], int kept, int gone);
+    void removeTriOfEdge(int tri, int edge);
+    void mergeEdgeTris(int e1, int e2);
+    void repointTriEdges(int from, int to);
+    void collectAffected(int kept);
+    void evaluatePlanes(int kept);
+    void buildPointQuadric(int point);
+    int countValidTris(int edge) const;
+    bool hasBitmapBorder(int edge) const;
+    bool hasTexSeam(int edge) const;
+    bool hasColorBorder(int edge) const;
+    void addBorderPenalty(int edge);
+    void addBorderPenaltyToPoint(int point, int edge);
+    void placeAtBetterEnd(int edge);
     std::size_t newPoint(const double coords[3]);
     std::size_t newEdge(int pA, int pB);
-    // the sixteen products aa, ab, ..., dd of a plane, added term by term
-    static void addProducts(Quadric& q, const double p[4]) {
-        for (int i = 0; i < 4; ++i)
-            for (int j = 0; j < 4; ++j) q[static_cast<std::size_t>(i * 4 + j)] += p[i] * p[j];
-    }
+    Quadric fullQuadric(const double s[10], const double u[3]) const;
     void borderPlane(int edge, double p[4]) const;
     void cornerUV(int tri, int point, double uv[2]) const;
     void setCornerUV(int tri, int point, const double uv[2]);
     bool edgeHasTri(int edge, int tri) const { return eTris_.contains(static_cast<std::size_t>(edge), tri); }
     // The sum of the ends' quadrics; raises Overflow when a term is not finite (as MatrixADD).
-    void sumEdgeQuadric(int edge, Quadric& q) const;
+    void sumEdgeQuadric(int edge, QSum& q) const;
     // Placement and cost of an edge given its quadric sum q.
-    void evaluateEdge(int edge, const Quadric& q);
-    void placeOptimal(int edge, const Quadric& q);
-    void placeOnSegment(int edge, const Quadric& q);
-    double costAt(const EdgeHot& E, const Quadric& q) const;
+    void evaluateEdge(int edge, const QSum& q);
+    void placeOptimal(int edge, const QSum& q);
+    void placeOnSegment(int edge, const QSum& q);
     // Calls test(triangle, corners) for each valid triangle of either end that is not on the edge,
     // with the ends replaced by NewCoords; true as soon as a test answers true.
     template <class Test> bool anyMovedTri(int edge, Test test) const;
@@ -347,8 +399,7 @@ private:
 
     // points
     std::vector<std::uint8_t> pValid_;
-    std::vector<Vec3> pCoords_;
-    std::vector<Quadric> pQ_;
+    std::vector<PointHot> pts_;
     std::vector<double> pBright_;
     std::vector<Vec3> pNormal_;
     ListPool pTris_, pEdges_;
@@ -361,6 +412,9 @@ private:
     std::vector<std::int32_t> tBitmap_;
     std::vector<double> tBright_;
     std::vector<std::array<std::int32_t, 3>> tColor_;
+    // record number of each design index, and back (slot 0 to 0)
+    std::vector<std::int32_t> ptOfExt_, extOfPt_, edgeOfExt_, extOfEdge_, triOfExt_, extOfTri_;
+    mutable std::vector<std::int32_t> affectedPtsExt_, affectedEdgesExt_;
 
     double octantCentre_[3] = {0, 0, 0};
     std::array<std::vector<SimpBucketEntry>, 8> buckets_;

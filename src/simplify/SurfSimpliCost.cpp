@@ -8,7 +8,9 @@
 #include "simplify/SurfSimpli.h"
 
 #include "base/VexilError.h"
+#include "simplify/QuadricMath.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace simplify {
@@ -27,33 +29,43 @@ void SurfSimpli::BuildAllQuadrics() {
     for (int p = 1; p <= PointCount(); ++p) {
         const std::size_t pi = static_cast<std::size_t>(p);
         if (!pValid_[pi]) continue;
-        Quadric& Q = pQ_[pi];
-        for (const std::int32_t* t = pTris_.begin(pi); t != pTris_.end(pi); ++t)
-            addProducts(Q, tris_[static_cast<std::size_t>(*t)].plane);
+        PointHot& P = pts_[pi];
+        qm::Acc q;
+        q.load(P.s, P.u);
+        for (const std::int32_t* t = pTris_.begin(pi); t != pTris_.end(pi); ++t) q.add(tris_[static_cast<std::size_t>(*t)].plane);
+        q.store(P.s, P.u);
     }
 }
 
-void SurfSimpli::BuildPointQuadric(int point) {
+void SurfSimpli::BuildPointQuadric(int point) { buildPointQuadric(inPt(point)); }
+
+void SurfSimpli::buildPointQuadric(int point) {
     pristine_ = false;
     const std::size_t pi = static_cast<std::size_t>(point);
     if (pi >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     // Triangles that have gone are dropped from the list as it is read; the order of the others stays.
-    Quadric q = pQ_[pi];
+    PointHot& P = pts_[pi];
+    qm::Acc q;
+    q.load(P.s, P.u);
     pTris_.filter(pi, [&](std::int32_t t) {
         const TriHot& T = tris_[static_cast<std::size_t>(t)];
         if (!T.valid) return false;
-        addProducts(q, T.plane);
+        q.add(T.plane);
         return true;
     });
-    pQ_[pi] = q;
+    q.store(P.s, P.u);
 }
 
 void SurfSimpli::ClearPointQuadric(int point) {
     pristine_ = false;
-    pQ_.at(static_cast<std::size_t>(point)).fill(0.0);
+    PointHot& P = pts_.at(static_cast<std::size_t>(inPt(point)));
+    std::fill(std::begin(P.s), std::end(P.s), 0.0);
+    std::fill(std::begin(P.u), std::end(P.u), 0.0);
 }
 
-int SurfSimpli::CountValidTris(int edge) const {
+int SurfSimpli::CountValidTris(int edge) const { return countValidTris(inEdge(edge)); }
+
+int SurfSimpli::countValidTris(int edge) const {
     const std::size_t e = static_cast<std::size_t>(edge);
     if (e >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     int n = 0;
@@ -85,7 +97,11 @@ void SurfSimpli::setCornerUV(int tri, int point, const double uv[2]) {
         }
 }
 
-bool SurfSimpli::HasBitmapBorder(int edge) const {
+bool SurfSimpli::HasBitmapBorder(int edge) const { return hasBitmapBorder(inEdge(edge)); }
+bool SurfSimpli::HasTexSeam(int edge) const { return hasTexSeam(inEdge(edge)); }
+bool SurfSimpli::HasColorBorder(int edge) const { return hasColorBorder(inEdge(edge)); }
+
+bool SurfSimpli::hasBitmapBorder(int edge) const {
     const std::size_t e = static_cast<std::size_t>(edge);
     if (e >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     bool first = true;
@@ -103,7 +119,7 @@ bool SurfSimpli::HasBitmapBorder(int edge) const {
     return false;
 }
 
-bool SurfSimpli::HasTexSeam(int edge) const {
+bool SurfSimpli::hasTexSeam(int edge) const {
     const std::size_t e = static_cast<std::size_t>(edge);
     if (e >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     if (eTris_.size(e) < 2) return false;
@@ -118,7 +134,7 @@ bool SurfSimpli::HasTexSeam(int edge) const {
     return a1[0] != a2[0] || a1[1] != a2[1] || b1[0] != b2[0] || b1[1] != b2[1];
 }
 
-bool SurfSimpli::HasColorBorder(int edge) const {
+bool SurfSimpli::hasColorBorder(int edge) const {
     const std::size_t e = static_cast<std::size_t>(edge);
     if (e >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     bool result = false;
@@ -137,24 +153,30 @@ bool SurfSimpli::HasColorBorder(int edge) const {
     return result;
 }
 
+// Which edges are borders reads only triangles; the penalties go to the ends' quadrics in the
+// order of the design's edge indices, as the documented loop adds them (a sum's order fixes
+// its bits, and the first penalty that raises is the same one).
 void SurfSimpli::MarkBorderEdges() {
     pristine_ = false;
+    std::vector<std::int32_t> borders;
     for (int e = 1; e <= EdgeCount(); ++e) {
         EdgeHot& E = edges_[static_cast<std::size_t>(e)];
         if (!E.valid) continue;
         E.border = false;
-        const int n = CountValidTris(e);
+        const int n = countValidTris(e);
         bool border;
         if (n == 1) border = true;
         else if (geomOnly_) border = false;
-        else if (HasBitmapBorder(e)) border = true;
-        else if (protectTexSeams_ && HasTexSeam(e)) border = true;
-        else if (protectColorBorders_ && HasColorBorder(e)) border = true;
+        else if (hasBitmapBorder(e)) border = true;
+        else if (protectTexSeams_ && hasTexSeam(e)) border = true;
+        else if (protectColorBorders_ && hasColorBorder(e)) border = true;
         else border = false;
-        if (border) {
-            E.border = true;
-            AddBorderPenalty(e);
-        }
+        if (border) borders.push_back(e);
+    }
+    std::sort(borders.begin(), borders.end(), [&](std::int32_t a, std::int32_t b) { return exEdge(a) < exEdge(b); });
+    for (const std::int32_t e : borders) {
+        edges_[static_cast<std::size_t>(e)].border = true;
+        addBorderPenalty(e);
     }
 }
 
@@ -169,13 +191,13 @@ void SurfSimpli::borderPlane(int edge, double p[4]) const {
             tri = static_cast<std::size_t>(*t);
             break;
         }
-    const double* A = pCoords_[static_cast<std::size_t>(E.a)].data();
-    const double* B = pCoords_[static_cast<std::size_t>(E.b)].data();
+    const double* A = pts_[static_cast<std::size_t>(E.a)].xyz;
+    const double* B = pts_[static_cast<std::size_t>(E.b)].xyz;
     double C[3] = {0, 0, 0};
     const TriHot& T = tris_[tri];
     for (int k = 0; k < 3; ++k)
         if (T.pts[k] != E.a && T.pts[k] != E.b) {
-            const double* c = pCoords_[static_cast<std::size_t>(T.pts[k])].data();
+            const double* c = pts_[static_cast<std::size_t>(T.pts[k])].xyz;
             C[0] = c[0];
             C[1] = c[1];
             C[2] = c[2];
@@ -205,98 +227,108 @@ void SurfSimpli::borderPlane(int edge, double p[4]) const {
     p[3] = 2.0 * d;
 }
 
-void SurfSimpli::AddBorderPenalty(int edge) {
+void SurfSimpli::AddBorderPenalty(int edge) { addBorderPenalty(inEdge(edge)); }
+
+void SurfSimpli::addBorderPenalty(int edge) {
     pristine_ = false;
     double p[4];
     borderPlane(edge, p);
     const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
-    addProducts(pQ_[static_cast<std::size_t>(E.a)], p);
-    addProducts(pQ_[static_cast<std::size_t>(E.b)], p);
+    for (const std::int32_t end : {E.a, E.b}) {
+        PointHot& P = pts_[static_cast<std::size_t>(end)];
+        qm::Acc q;
+        q.load(P.s, P.u);
+        q.add(p);
+        q.store(P.s, P.u);
+    }
 }
 
-void SurfSimpli::AddBorderPenaltyToPoint(int point, int edge) {
+void SurfSimpli::AddBorderPenaltyToPoint(int point, int edge) { addBorderPenaltyToPoint(inPt(point), inEdge(edge)); }
+
+void SurfSimpli::addBorderPenaltyToPoint(int point, int edge) {
     pristine_ = false;
     double p[4];
     borderPlane(edge, p);
-    addProducts(pQ_.at(static_cast<std::size_t>(point)), p);
+    PointHot& P = pts_.at(static_cast<std::size_t>(point));
+    qm::Acc q;
+    q.load(P.s, P.u);
+    q.add(p);
+    q.store(P.s, P.u);
 }
 
 void SurfSimpli::AddLockTerms() {
     pristine_ = false;
     for (const std::int32_t idx : selectedPts_) {
         if (idx < 0 || idx > PointCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
-        const std::size_t pi = static_cast<std::size_t>(idx);
-        Quadric& Q = pQ_[pi];
-        const double x = pCoords_[pi][0], y = pCoords_[pi][1], z = pCoords_[pi][2];
-        Q[qi(1, 1)] += 1.0;
-        Q[qi(2, 2)] += 1.0;
-        Q[qi(3, 3)] += 1.0;
-        Q[qi(1, 4)] -= x;
-        Q[qi(2, 4)] -= y;
-        Q[qi(3, 4)] -= z;
-        Q[qi(4, 4)] += x * x + y * y + z * z;
+        PointHot& P = pts_[static_cast<std::size_t>(inPt(idx))];
+        const double x = P.xyz[0], y = P.xyz[1], z = P.xyz[2];
+        P.s[0] += 1.0; // (1,1)
+        P.s[4] += 1.0; // (2,2)
+        P.s[7] += 1.0; // (3,3)
+        P.u[0] -= x;   // (1,4): the lower (4,1) is not changed
+        P.u[1] -= y;
+        P.u[2] -= z;
+        P.s[9] += x * x + y * y + z * z; // (4,4)
     }
 }
 
-void SurfSimpli::sumEdgeQuadric(int edge, Quadric& q) const {
+void SurfSimpli::sumEdgeQuadric(int edge, QSum& q) const {
     const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
-    const double* a = pQ_[static_cast<std::size_t>(E.a)].data();
-    const double* b = pQ_[static_cast<std::size_t>(E.b)].data();
-    // probe is NaN exactly when some term is not finite (x * 0 is 0 for every finite x)
-    double probe = 0.0;
-    for (std::size_t k = 0; k < 16; ++k) {
-        q[k] = a[k] + b[k];
-        probe += q[k] * 0.0;
-    }
-    if (probe != probe) vexil::raiseOverflow(); // MatrixADD raises on a non-finite sum
+    const PointHot& A = pts_[static_cast<std::size_t>(E.a)];
+    const PointHot& B = pts_[static_cast<std::size_t>(E.b)];
+    if (!qm::sum(A.s, A.u, B.s, B.u, q.s, q.u)) vexil::raiseOverflow(); // MatrixADD raises on a non-finite sum
+}
+
+// The sixteen entries from the stored thirteen (see PointHot).
+Quadric SurfSimpli::fullQuadric(const double s[10], const double u[3]) const {
+    static constexpr int kIndex[4][4] = {{0, 1, 2, 3}, {1, 4, 5, 6}, {2, 5, 7, 8}, {3, 6, 8, 9}};
+    Quadric q;
+    for (int i = 1; i <= 4; ++i)
+        for (int j = 1; j <= 4; ++j)
+            q[static_cast<std::size_t>(qi(i, j))] = (j == 4 && i < 4) ? u[i - 1] : s[kIndex[i - 1][j - 1]];
+    return q;
 }
 
 Quadric SurfSimpli::EdgeQuadric(int edge) const {
-    const EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
-    const Quadric& a = pQ_[static_cast<std::size_t>(E.a)];
-    const Quadric& b = pQ_[static_cast<std::size_t>(E.b)];
-    Quadric q;
-    for (std::size_t k = 0; k < 16; ++k) q[k] = a[k] + b[k];
-    return q;
+    const EdgeHot& E = edges_.at(static_cast<std::size_t>(inEdge(edge)));
+    const PointHot& A = pts_[static_cast<std::size_t>(E.a)];
+    const PointHot& B = pts_[static_cast<std::size_t>(E.b)];
+    QSum q;
+    qm::sum(A.s, A.u, B.s, B.u, q.s, q.u);
+    return fullQuadric(q.s, q.u);
 }
 
 void SurfSimpli::EvaluateEdgeQuadric(int edge) {
     if (edge < 0 || edge > EdgeCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
-    Quadric q;
-    sumEdgeQuadric(edge, q); // nothing is stored: the sum is formed where it is used
-}
-
-double SurfSimpli::costAt(const EdgeHot& E, const Quadric& q) const {
-    const double v[4] = {E.nc[0], E.nc[1], E.nc[2], 1.0};
-    // v^T Q v, as MatrixTranspose and two MatrixMultiply sum it: each sum from 0, k upward.
-    // Any non-finite intermediate makes the result non-finite, so one test stands for the
-    // library's test of each term.
-    double cost = 0.0;
-    for (int j = 0; j < 4; ++j) {
-        double r = 0.0;
-        for (int k = 0; k < 4; ++k) r += v[k] * q[static_cast<std::size_t>(k * 4 + j)];
-        cost += r * v[j];
-    }
-    return fin(cost);
+    QSum q;
+    sumEdgeQuadric(inEdge(edge), q); // nothing is stored: the sum is formed where it is used
 }
 
 double SurfSimpli::EdgeCostAt(int edge) const {
-    const EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
-    const Quadric q = EdgeQuadric(edge); // added afresh, as MatrixADD would (a non-finite sum ends in a non-finite cost)
-    return costAt(E, q);
+    const EdgeHot& E = edges_.at(static_cast<std::size_t>(inEdge(edge)));
+    const PointHot& A = pts_[static_cast<std::size_t>(E.a)];
+    const PointHot& B = pts_[static_cast<std::size_t>(E.b)];
+    QSum q; // added afresh, as MatrixADD would (a non-finite sum ends in a non-finite cost)
+    qm::sum(A.s, A.u, B.s, B.u, q.s, q.u);
+    return fin(qm::cost(E.nc, q.s, q.u));
 }
 
-void SurfSimpli::PlaceAtBetterEnd(int edge) {
+void SurfSimpli::PlaceAtBetterEnd(int edge) { placeAtBetterEnd(inEdge(edge)); }
+
+void SurfSimpli::placeAtBetterEnd(int edge) {
     pristine_ = false;
     EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
-    const Vec3 A = pCoords_[static_cast<std::size_t>(E.a)];
-    const Vec3 B = pCoords_[static_cast<std::size_t>(E.b)];
-    const Quadric q = EdgeQuadric(edge);
+    const PointHot& PA = pts_[static_cast<std::size_t>(E.a)];
+    const PointHot& PB = pts_[static_cast<std::size_t>(E.b)];
+    const Vec3 A{PA.xyz[0], PA.xyz[1], PA.xyz[2]};
+    const Vec3 B{PB.xyz[0], PB.xyz[1], PB.xyz[2]};
+    QSum q;
+    qm::sum(PA.s, PA.u, PB.s, PB.u, q.s, q.u);
     for (int k = 0; k < 3; ++k) E.nc[k] = A[static_cast<std::size_t>(k)];
-    const double c1 = costAt(E, q);
+    const double c1 = fin(qm::cost(E.nc, q.s, q.u));
     if (c1 == 0.0) return;
     for (int k = 0; k < 3; ++k) E.nc[k] = B[static_cast<std::size_t>(k)];
-    const double c2 = costAt(E, q);
+    const double c2 = fin(qm::cost(E.nc, q.s, q.u));
     if (c1 < c2)
         for (int k = 0; k < 3; ++k) E.nc[k] = A[static_cast<std::size_t>(k)];
 }
@@ -304,7 +336,7 @@ void SurfSimpli::PlaceAtBetterEnd(int edge) {
 // Elimination without pivoting. Every value and divisor is tested as the library tests it; a
 // failed test means the fallback to the better end (no later step has side effects, so testing
 // them all and deciding once gives the same answer as stopping at the first failure).
-void SurfSimpli::placeOptimal(int edge, const Quadric& q) {
+void SurfSimpli::placeOptimal(int edge, const QSum& q) {
     bool ok = true;
     auto f = [&ok](double v) {
         ok &= std::isfinite(v);
@@ -314,7 +346,8 @@ void SurfSimpli::placeOptimal(int edge, const Quadric& q) {
         ok &= b != 0.0;
         return f(a / b);
     };
-    auto Q = [&](int r, int c) { return q[static_cast<std::size_t>(qi(r, c))]; };
+    // the upper triangle of rows 1 to 3 (see PointHot)
+    auto Q = [&](int r, int c) { return c == 4 ? q.u[r - 1] : q.s[r == 1 ? c - 1 : r == 2 ? c + 2 : c + 4]; };
     const double k1 = div(Q(1, 2), Q(1, 1));
     const double k2 = div(Q(1, 3), Q(1, 1));
     const double m = f(k1 * Q(1, 3));
@@ -328,7 +361,7 @@ void SurfSimpli::placeOptimal(int edge, const Quadric& q) {
     const double y = div(f(f(-a23 * z) - a24), a22);
     const double x = div(f(f(f(-Q(1, 2) * y) - f(z * Q(1, 3))) - Q(1, 4)), Q(1, 1));
     if (!ok) {
-        PlaceAtBetterEnd(edge);
+        placeAtBetterEnd(edge);
         return;
     }
     EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
@@ -340,12 +373,12 @@ void SurfSimpli::placeOptimal(int edge, const Quadric& q) {
 // The settled formula; a zero divisor or a non-finite term falls back to the better end. The
 // terms are tested together once the division is done: no later value can hide an earlier
 // non-finite one except a division, which is tested before it is made.
-void SurfSimpli::placeOnSegment(int edge, const Quadric& q) {
+void SurfSimpli::placeOnSegment(int edge, const QSum& q) {
     EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
-    const double* A = pCoords_[static_cast<std::size_t>(E.a)].data();
-    const double* B = pCoords_[static_cast<std::size_t>(E.b)].data();
-    const double q11 = q[0], q12 = q[1], q13 = q[2], q14 = q[3], q22 = q[5], q23 = q[6], q24 = q[7], q33 = q[10],
-                 q34 = q[11];
+    const double* A = pts_[static_cast<std::size_t>(E.a)].xyz;
+    const double* B = pts_[static_cast<std::size_t>(E.b)].xyz;
+    const double q11 = q.s[0], q12 = q.s[1], q13 = q.s[2], q14 = q.u[0], q22 = q.s[4], q23 = q.s[5], q24 = q.u[1],
+                 q33 = q.s[7], q34 = q.u[2];
     const double p0 = A[0], p1 = A[1], p2 = A[2];
     const double d0 = B[0] - A[0], d1 = B[1] - A[1], d2 = B[2] - A[2];
     const double N = q11 * p0 * d0 + q12 * (d1 * p0 + d0 * p1) + q13 * (d2 * p0 + d0 * p2) + q14 * d0 + q22 * p1 * d1 +
@@ -369,31 +402,43 @@ void SurfSimpli::placeOnSegment(int edge, const Quadric& q) {
             }
         }
     }
-    PlaceAtBetterEnd(edge);
+    placeAtBetterEnd(edge);
 }
 
 void SurfSimpli::PlaceOptimal(int edge) {
     pristine_ = false;
     if (edge < 0 || edge > EdgeCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
-    placeOptimal(edge, EdgeQuadric(edge));
+    edge = inEdge(edge);
+    QSum q;
+    const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
+    const PointHot& A = pts_[static_cast<std::size_t>(E.a)];
+    const PointHot& B = pts_[static_cast<std::size_t>(E.b)];
+    qm::sum(A.s, A.u, B.s, B.u, q.s, q.u);
+    placeOptimal(edge, q);
 }
 
 void SurfSimpli::PlaceOnSegment(int edge) {
     pristine_ = false;
     if (edge < 0 || edge > EdgeCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
-    placeOnSegment(edge, EdgeQuadric(edge));
+    edge = inEdge(edge);
+    QSum q;
+    const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
+    const PointHot& A = pts_[static_cast<std::size_t>(E.a)];
+    const PointHot& B = pts_[static_cast<std::size_t>(E.b)];
+    qm::sum(A.s, A.u, B.s, B.u, q.s, q.u);
+    placeOnSegment(edge, q);
 }
 
-void SurfSimpli::evaluateEdge(int edge, const Quadric& q) {
+void SurfSimpli::evaluateEdge(int edge, const QSum& q) {
     if (geomOnly_) placeOptimal(edge, q);
     else placeOnSegment(edge, q);
     EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
-    E.cost = costAt(E, q);
+    E.cost = fin(qm::cost(E.nc, q.s, q.u));
 }
 
 void SurfSimpli::EvaluateAllEdges() {
     pristine_ = false;
-    Quadric q;
+    QSum q;
     for (int e = 1; e <= EdgeCount(); ++e) {
         if (!edges_[static_cast<std::size_t>(e)].valid) continue;
         sumEdgeQuadric(e, q);
@@ -404,18 +449,18 @@ void SurfSimpli::EvaluateAllEdges() {
 
 void SurfSimpli::EvaluateAffectedEdges() {
     pristine_ = false;
-    alignas(64) Quadric q;
+    QSum q;
     const std::size_t n = affectedEdges_.size();
     // The records of a neighbourhood lie anywhere in the arrays: ask for the next edges' ends
     // and heap slots ahead of their turn.
     auto ahead = [&](std::size_t i) {
         const EdgeHot& E = edges_[static_cast<std::size_t>(affectedEdges_[i])];
-        __builtin_prefetch(pQ_[static_cast<std::size_t>(E.a)].data());
-        __builtin_prefetch(pQ_[static_cast<std::size_t>(E.a)].data() + 8);
-        __builtin_prefetch(pQ_[static_cast<std::size_t>(E.b)].data());
-        __builtin_prefetch(pQ_[static_cast<std::size_t>(E.b)].data() + 8);
-        __builtin_prefetch(&pCoords_[static_cast<std::size_t>(E.a)]);
-        __builtin_prefetch(&pCoords_[static_cast<std::size_t>(E.b)]);
+        const double* a = pts_[static_cast<std::size_t>(E.a)].s;
+        const double* b = pts_[static_cast<std::size_t>(E.b)].s;
+        __builtin_prefetch(a);
+        __builtin_prefetch(a + 8);
+        __builtin_prefetch(b);
+        __builtin_prefetch(b + 8);
         heap_.prefetch(affectedEdges_[i]);
     };
     for (std::size_t i = 0; i < n && i < 3; ++i) __builtin_prefetch(&edges_[static_cast<std::size_t>(affectedEdges_[i])]);

@@ -9,19 +9,19 @@ namespace simplify {
 
 void SurfSimpli::project(int point, double& x, double& y, bool& ok) const {
     ok = canvas_ && point >= 0 && point <= PointCount() &&
-         canvas_->project(pCoords_[static_cast<std::size_t>(point)].data(), x, y);
+         canvas_->project(pts_[static_cast<std::size_t>(point)].xyz, x, y);
 }
 
 void SurfSimpli::DisplayPoint(int point, SimpPen pen) {
     double x, y;
     bool ok;
-    project(point, x, y, ok);
+    project(inPt(point), x, y, ok);
     if (ok) canvas_->drawCircle(pen, x, y, 4.0);
 }
 
 void SurfSimpli::DisplayEdge(int edge, SimpPen pen) {
     if (!canvas_ || edge < 1 || edge > EdgeCount()) return;
-    const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
+    const EdgeHot& E = edges_[static_cast<std::size_t>(inEdge(edge))];
     double x1, y1, x2, y2;
     bool ok1, ok2;
     project(E.a, x1, y1, ok1);
@@ -31,7 +31,7 @@ void SurfSimpli::DisplayEdge(int edge, SimpPen pen) {
 
 void SurfSimpli::DisplayTri(int tri, SimpPen pen) {
     if (!canvas_ || tri < 1 || tri > TriCount()) return;
-    const TriHot& T = tris_[static_cast<std::size_t>(tri)];
+    const TriHot& T = tris_[static_cast<std::size_t>(inTri(tri))];
     double x[3], y[3];
     bool ok[3];
     for (int k = 0; k < 3; ++k) project(T.pts[k], x[k], y[k], ok[k]);
@@ -44,23 +44,23 @@ void SurfSimpli::DisplayTri(int tri, SimpPen pen) {
 void SurfSimpli::DisplayTriAndAssEdges(int tri) {
     if (tri < 1 || tri > TriCount()) return;
     DisplayTri(tri, SimpPen::White1);
-    for (const int e : tris_[static_cast<std::size_t>(tri)].edges) DisplayEdge(e, SimpPen::Red2);
+    for (const int e : tris_[static_cast<std::size_t>(inTri(tri))].edges) DisplayEdge(exEdge(e), SimpPen::Red2);
 }
 
 void SurfSimpli::DisplayEdgeAndAssTris(int edge) {
     if (edge < 1 || edge > EdgeCount()) return;
-    for (const int t : eTris_.copy(static_cast<std::size_t>(edge))) DisplayTri(t, SimpPen::Blue1);
+    for (const int t : eTris_.copy(static_cast<std::size_t>(inEdge(edge)))) DisplayTri(exTri(t), SimpPen::Blue1);
     DisplayEdge(edge, SimpPen::Red2);
 }
 
 void SurfSimpli::Pt_DisplayAssociatedEdges(int point) {
     if (point < 1 || point > PointCount()) return;
-    for (const int e : pEdges_.copy(static_cast<std::size_t>(point))) DisplayEdge(e, SimpPen::Green2);
+    for (const int e : pEdges_.copy(static_cast<std::size_t>(inPt(point)))) DisplayEdge(exEdge(e), SimpPen::Green2);
 }
 
 void SurfSimpli::Pt_DisplayAssociatedTris(int point) {
     if (point < 1 || point > PointCount()) return;
-    for (const int t : pTris_.copy(static_cast<std::size_t>(point))) DisplayTri(t, SimpPen::Blue1);
+    for (const int t : pTris_.copy(static_cast<std::size_t>(inPt(point)))) DisplayTri(exTri(t), SimpPen::Blue1);
 }
 
 void SurfSimpli::DisplayPtAssEdgsAndAssTris(int point) {
@@ -69,22 +69,22 @@ void SurfSimpli::DisplayPtAssEdgsAndAssTris(int point) {
     DisplayPoint(point, SimpPen::Yellow2);
 }
 
-void SurfSimpli::DisplayMinCostEdge() { DisplayEdge(minEdge_, SimpPen::Yellow2); }
+void SurfSimpli::DisplayMinCostEdge() { DisplayEdge(exEdge(minEdge_), SimpPen::Yellow2); }
 
 void SurfSimpli::DrawAllBorderEdges() {
     for (int e = 1; e <= EdgeCount(); ++e) {
-        const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
+        const EdgeHot& E = edges_[static_cast<std::size_t>(inEdge(e))];
         if (E.valid && E.border) DisplayEdge(e, SimpPen::Red1);
     }
 }
 
 void SurfSimpli::DisplayAffectedEdges() {
-    for (const int e : affectedEdges_) DisplayEdge(e, SimpPen::Blue2);
+    for (const int e : affectedEdges_) DisplayEdge(exEdge(e), SimpPen::Blue2);
 }
 
 void SurfSimpli::DrawSelectedPts() {
     for (const int p : selectedPts_)
-        if (p >= 1 && p <= PointCount() && pValid_[static_cast<std::size_t>(p)]) DisplayPoint(p, SimpPen::Red2);
+        if (p >= 1 && p <= PointCount() && pValid_[static_cast<std::size_t>(inPt(p))]) DisplayPoint(p, SimpPen::Red2);
 }
 
 void SurfSimpli::SelectMultiplePoints(double x1, double y1, double x2, double y2, bool ignoreBackFaced,
@@ -94,16 +94,16 @@ void SurfSimpli::SelectMultiplePoints(double x1, double y1, double x2, double y2
     selectedMark_.clear();
     if (mode == SelectMode::Replace) selectedPts_.clear();
     for (int p = 1; p <= PointCount(); ++p) {
-        const std::size_t pi = static_cast<std::size_t>(p);
+        const std::size_t pi = static_cast<std::size_t>(inPt(p));
         if (!pValid_[pi]) continue;
         double x, y;
         bool ok;
-        project(p, x, y, ok);
+        project(static_cast<int>(pi), x, y, ok);
         if (!ok || x < left || x > right || y < top || y > bottom) continue;
         if (ignoreBackFaced && cameraLocation) {
             // faces away: the vertex normal points away from the camera
             const Vec3& n = pNormal_[pi];
-            const Vec3& c = pCoords_[pi];
+            const double* c = pts_[pi].xyz;
             const double d = n[0] * (cameraLocation[0] - c[0]) + n[1] * (cameraLocation[1] - c[1]) +
                              n[2] * (cameraLocation[2] - c[2]);
             if (d < 0) continue;

@@ -29,8 +29,7 @@ void SurfSimpli::ExtractTriangles(int group) {
         edges_.reserve(edges);
         eTris_.reserve(edges, edges * 2 + 64);
         pValid_.reserve(points);
-        pCoords_.reserve(points);
-        pQ_.reserve(points);
+        pts_.reserve(points);
         pBright_.reserve(points);
         pNormal_.reserve(points);
         pTris_.reserve(points, points * 8);
@@ -72,10 +71,8 @@ void SurfSimpli::ExtractTriangles(int group) {
         if (progress_) progress_->setValue(0);
         notePeak();
         dropIndexes();
-        // the lists were grown one entry at a time: pack them before the copy is made
-        pTris_.compact();
-        pEdges_.compact();
-        eTris_.compact();
+        // the records in an order of their own, with the lists packed, before the copy is made
+        renumberForLocality();
         CopyGeomForRestore();
         triTotal_ = TriCount();
     });
@@ -124,8 +121,8 @@ bool SurfSimpli::GetFirstTriangle(double c1[9], double c2[9], double c3[9], int&
 
 bool SurfSimpli::GetNextTriangle(double c1[9], double c2[9], double c3[9], int& bitmapHandle, double& brightness,
                                  int color[3]) {
-    for (int t = std::max(outCursor_, 1); t <= TriCount(); ++t) {
-        const std::size_t ti = static_cast<std::size_t>(t);
+    for (int t = std::max(outCursor_, 1); t <= TriCount(); ++t) { // in the order of the design's indices
+        const std::size_t ti = static_cast<std::size_t>(inTri(t));
         const TriHot& T = tris_[ti];
         if (!T.valid) continue;
         double* out[3] = {c1, c2, c3};
@@ -133,9 +130,9 @@ bool SurfSimpli::GetNextTriangle(double c1[9], double c2[9], double c3[9], int& 
             const std::size_t p = static_cast<std::size_t>(T.pts[k]);
             if (p >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
             double* o = out[k];
-            o[0] = pCoords_[p][0]; // VectorCopy
-            o[1] = pCoords_[p][1];
-            o[2] = pCoords_[p][2];
+            o[0] = pts_[p].xyz[0]; // VectorCopy
+            o[1] = pts_[p].xyz[1];
+            o[2] = pts_[p].xyz[2];
             o[3] = tUV_[ti][static_cast<std::size_t>(k * 2)];
             o[4] = tUV_[ti][static_cast<std::size_t>(k * 2 + 1)];
             o[5] = pBright_[p];

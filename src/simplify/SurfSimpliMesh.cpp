@@ -57,41 +57,49 @@ void SurfSimpli::SetOptions(bool protectTexSeams, bool geomOnly, bool lockSelect
 
 // ---- the records as copies ----
 
+std::vector<std::int32_t> SurfSimpli::mapList(const std::vector<std::int32_t>& m, const std::int32_t* from,
+                                              const std::int32_t* to) {
+    std::vector<std::int32_t> out;
+    out.reserve(static_cast<std::size_t>(to - from));
+    for (; from != to; ++from) out.push_back(mapIndex(m, *from));
+    return out;
+}
+
 SimpPoint SurfSimpli::Point(int i) const {
-    const std::size_t p = static_cast<std::size_t>(i);
+    const std::size_t p = static_cast<std::size_t>(inPt(i));
     SimpPoint P;
     P.Valid = pValid_.at(p) != 0;
-    for (int k = 0; k < 3; ++k) P.Coords[k] = pCoords_[p][static_cast<std::size_t>(k)];
-    P.AssTris = pTris_.copy(p);
-    P.AssEdges = pEdges_.copy(p);
-    P.Q = pQ_[p];
+    for (int k = 0; k < 3; ++k) P.Coords[k] = pts_[p].xyz[k];
+    P.AssTris = mapList(extOfTri_, pTris_.begin(p), pTris_.end(p));
+    P.AssEdges = mapList(extOfEdge_, pEdges_.begin(p), pEdges_.end(p));
+    P.Q = fullQuadric(pts_[p].s, pts_[p].u);
     P.VertBrightness = pBright_[p];
     for (int k = 0; k < 3; ++k) P.VertNormal[k] = pNormal_[p][static_cast<std::size_t>(k)];
     return P;
 }
 
 SimpEdge SurfSimpli::Edge(int i) const {
-    const std::size_t e = static_cast<std::size_t>(i);
+    const std::size_t e = static_cast<std::size_t>(inEdge(i));
     const EdgeHot& H = edges_.at(e);
     SimpEdge E;
     E.Valid = H.valid;
     E.IsBorder = H.border;
-    E.PtA = H.a;
-    E.PtB = H.b;
-    E.AssTris = eTris_.copy(e);
+    E.PtA = exPt(H.a);
+    E.PtB = exPt(H.b);
+    E.AssTris = mapList(extOfTri_, eTris_.begin(e), eTris_.end(e));
     for (int k = 0; k < 3; ++k) E.NewCoords[k] = H.nc[k];
     E.Cost = H.cost;
     return E;
 }
 
 SimpTri SurfSimpli::Tri(int i) const {
-    const std::size_t t = static_cast<std::size_t>(i);
+    const std::size_t t = static_cast<std::size_t>(inTri(i));
     const TriHot& H = tris_.at(t);
     SimpTri T;
     T.Valid = H.valid;
     for (int k = 0; k < 3; ++k) {
-        T.Pts[k] = H.pts[k];
-        T.Edges[k] = H.edges[k];
+        T.Pts[k] = exPt(H.pts[k]);
+        T.Edges[k] = exEdge(H.edges[k]);
         T.TexUV[k][0] = tUV_[t][static_cast<std::size_t>(k * 2)];
         T.TexUV[k][1] = tUV_[t][static_cast<std::size_t>(k * 2 + 1)];
         T.TriColor[k] = tColor_[t][static_cast<std::size_t>(k)];
@@ -104,10 +112,17 @@ SimpTri SurfSimpli::Tri(int i) const {
 
 // ---- building ----
 
+// A record made after the renumbering keeps its design index (the counts are equal).
+void SurfSimpli::pushIdentity(std::vector<std::int32_t>& ext, std::vector<std::int32_t>& in) {
+    const auto n = static_cast<std::int32_t>(ext.size());
+    ext.push_back(n);
+    in.push_back(n);
+}
+
 std::size_t SurfSimpli::newPoint(const double coords[3]) {
+    pushIdentity(extOfPt_, ptOfExt_);
     pValid_.push_back(1);
-    pCoords_.push_back(Vec3{coords[0], coords[1], coords[2]});
-    pQ_.push_back(Quadric{});
+    pts_.push_back(PointHot{{}, {}, {coords[0], coords[1], coords[2]}});
     pBright_.push_back(0.0);
     pNormal_.push_back(Vec3{0, 0, 0});
     pTris_.addList();
@@ -116,6 +131,7 @@ std::size_t SurfSimpli::newPoint(const double coords[3]) {
 }
 
 std::size_t SurfSimpli::newEdge(int pA, int pB) {
+    pushIdentity(extOfEdge_, edgeOfExt_);
     edges_.push_back(EdgeHot{pA, pB, 0.0, {0, 0, 0}, true, false});
     eTris_.addList();
     return edges_.size() - 1;
@@ -134,6 +150,7 @@ void SurfSimpli::AddTriangle(const double c1[9], const double c2[9], const doubl
                              int bitmapHandle, double brightness, const int color[3]) {
     pristine_ = false;
     copyColdForRestore();
+    pushIdentity(extOfTri_, triOfExt_);
     tris_.push_back(TriHot{});
     tUV_.push_back({});
     tBitmap_.push_back(bitmapHandle);
@@ -144,16 +161,16 @@ void SurfSimpli::AddTriangle(const double c1[9], const double c2[9], const doubl
     tris_[ti].valid = true;
     const double* corners[3] = {c1, c2, c3};
     for (int k = 0; k < 3; ++k) {
-        const int p = BucketPoint(corners[k], t);
+        const int p = bucketPoint(corners[k], t);
         tris_[ti].pts[k] = p;
         tUV_[ti][static_cast<std::size_t>(k * 2)] = corners[k][3];
         tUV_[ti][static_cast<std::size_t>(k * 2 + 1)] = corners[k][4];
     }
     for (int k = 0; k < 4; ++k) tris_[ti].plane[k] = plane[k];
     const int p1 = tris_[ti].pts[0], p2 = tris_[ti].pts[1], p3 = tris_[ti].pts[2];
-    const int e1 = AddEdgeOfTri(p1, p2, t);
-    const int e2 = AddEdgeOfTri(p2, p3, t);
-    const int e3 = AddEdgeOfTri(p3, p1, t);
+    const int e1 = addEdgeOfTri(p1, p2, t);
+    const int e2 = addEdgeOfTri(p2, p3, t);
+    const int e3 = addEdgeOfTri(p3, p1, t);
     tris_[ti].edges[0] = e1;
     tris_[ti].edges[1] = e2;
     tris_[ti].edges[2] = e3;
@@ -164,7 +181,9 @@ void SurfSimpli::AddTriangle(const double c1[9], const double c2[9], const doubl
     }
 }
 
-int SurfSimpli::BucketPoint(const double coords[3], int tri) {
+int SurfSimpli::BucketPoint(const double coords[3], int tri) { return exPt(bucketPoint(coords, inTri(tri))); }
+
+int SurfSimpli::bucketPoint(const double coords[3], int tri) {
     pristine_ = false;
     if (pointIndexDirty_) rebuildPointIndex();
     const int octant = octantOf(coords, octantCentre_);
@@ -180,14 +199,16 @@ int SurfSimpli::BucketPoint(const double coords[3], int tri) {
     const int p = static_cast<int>(newPoint(coords));
     pTris_.push(static_cast<std::size_t>(p), tri);
     SimpBucketEntry entry;
-    entry.Point = p;
+    entry.Point = exPt(p);
     for (int k = 0; k < 3; ++k) entry.Coords[k] = coords[k];
     buckets_[static_cast<std::size_t>(octant)].push_back(entry);
     if (hashable) pointIndex_.emplace(key, p);
     return p;
 }
 
-int SurfSimpli::AddEdgeOfTri(int pA, int pB, int tri) {
+int SurfSimpli::AddEdgeOfTri(int pA, int pB, int tri) { return exEdge(addEdgeOfTri(inPt(pA), inPt(pB), inTri(tri))); }
+
+int SurfSimpli::addEdgeOfTri(int pA, int pB, int tri) {
     pristine_ = false;
     if (edgeIndexDirty_) rebuildEdgeIndex();
     const std::uint64_t key = edgeKey(pA, pB);
@@ -213,7 +234,7 @@ void SurfSimpli::rebuildPointIndex() {
     for (int o = 0; o < 8; ++o)
         for (const SimpBucketEntry& b : buckets_[static_cast<std::size_t>(o)]) {
             if (std::isnan(b.Coords[0]) || std::isnan(b.Coords[1]) || std::isnan(b.Coords[2])) continue;
-            pointIndex_.emplace(PointKey{keyBits(b.Coords[0]), keyBits(b.Coords[1]), keyBits(b.Coords[2]), o}, b.Point);
+            pointIndex_.emplace(PointKey{keyBits(b.Coords[0]), keyBits(b.Coords[1]), keyBits(b.Coords[2]), o}, inPt(b.Point));
         }
     pointIndexDirty_ = false;
 }
@@ -223,7 +244,8 @@ void SurfSimpli::rebuildPointIndex() {
 void SurfSimpli::rebuildEdgeIndex() {
     edgeIndex_.clear();
     edgeIndex_.reserve(edges_.size());
-    for (int e = 1; e <= EdgeCount(); ++e) {
+    for (int x = 1; x <= EdgeCount(); ++x) {
+        const int e = inEdge(x);
         const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
         edgeIndex_.emplace(edgeKey(E.a, E.b), e);
     }
@@ -241,11 +263,12 @@ void SurfSimpli::dropIndexes() {
 
 // ---- walks ----
 
+// The walks go in the order of the design's indices; cursors hold those indices.
 namespace {
 template <class Valid>
 int walk(int n, int from, int step, int& cursor, Valid valid) {
     for (int i = from; i >= 1 && i <= n; i += step)
-        if (valid(static_cast<std::size_t>(i))) {
+        if (valid(i)) {
             cursor = i;
             return i;
         }
@@ -253,41 +276,51 @@ int walk(int n, int from, int step, int& cursor, Valid valid) {
 }
 } // namespace
 
-int SurfSimpli::GetFirstValidTri() { return walk(TriCount(), 1, 1, triCursor_, [&](std::size_t i) { return tris_[i].valid; }); }
+int SurfSimpli::GetFirstValidTri() { return walk(TriCount(), 1, 1, triCursor_, [&](int x) { return tris_[static_cast<std::size_t>(inTri(x))].valid; }); }
 int SurfSimpli::GetNextValidTri() {
-    return walk(TriCount(), triCursor_ + 1, 1, triCursor_, [&](std::size_t i) { return tris_[i].valid; });
+    return walk(TriCount(), triCursor_ + 1, 1, triCursor_, [&](int x) { return tris_[static_cast<std::size_t>(inTri(x))].valid; });
 }
 int SurfSimpli::GetPrevValidTri() {
-    return walk(TriCount(), triCursor_ - 1, -1, triCursor_, [&](std::size_t i) { return tris_[i].valid; });
+    return walk(TriCount(), triCursor_ - 1, -1, triCursor_, [&](int x) { return tris_[static_cast<std::size_t>(inTri(x))].valid; });
 }
 int SurfSimpli::GetFirstValidEdge() {
-    return walk(EdgeCount(), 1, 1, edgeCursor_, [&](std::size_t i) { return edges_[i].valid; });
+    return walk(EdgeCount(), 1, 1, edgeCursor_, [&](int x) { return edges_[static_cast<std::size_t>(inEdge(x))].valid; });
 }
 int SurfSimpli::GetNextValidEdge() {
-    return walk(EdgeCount(), edgeCursor_ + 1, 1, edgeCursor_, [&](std::size_t i) { return edges_[i].valid; });
+    return walk(EdgeCount(), edgeCursor_ + 1, 1, edgeCursor_, [&](int x) { return edges_[static_cast<std::size_t>(inEdge(x))].valid; });
 }
 int SurfSimpli::GetPrevValidEdge() {
-    return walk(EdgeCount(), edgeCursor_ - 1, -1, edgeCursor_, [&](std::size_t i) { return edges_[i].valid; });
+    return walk(EdgeCount(), edgeCursor_ - 1, -1, edgeCursor_, [&](int x) { return edges_[static_cast<std::size_t>(inEdge(x))].valid; });
 }
-int SurfSimpli::GetFirstValidPt() { return walk(PointCount(), 1, 1, ptCursor_, [&](std::size_t i) { return pValid_[i] != 0; }); }
+int SurfSimpli::GetFirstValidPt() { return walk(PointCount(), 1, 1, ptCursor_, [&](int x) { return pValid_[static_cast<std::size_t>(inPt(x))] != 0; }); }
 int SurfSimpli::GetNextValidPt() {
-    return walk(PointCount(), ptCursor_ + 1, 1, ptCursor_, [&](std::size_t i) { return pValid_[i] != 0; });
+    return walk(PointCount(), ptCursor_ + 1, 1, ptCursor_, [&](int x) { return pValid_[static_cast<std::size_t>(inPt(x))] != 0; });
 }
 int SurfSimpli::GetPrevValidPt() {
-    return walk(PointCount(), ptCursor_ - 1, -1, ptCursor_, [&](std::size_t i) { return pValid_[i] != 0; });
+    return walk(PointCount(), ptCursor_ - 1, -1, ptCursor_, [&](int x) { return pValid_[static_cast<std::size_t>(inPt(x))] != 0; });
 }
 
 double SurfSimpli::GetEdgCost(int edge) const {
     if (edge < 0 || edge > EdgeCount()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
-    return edges_[static_cast<std::size_t>(edge)].cost;
+    return edges_[static_cast<std::size_t>(inEdge(edge))].cost;
+}
+
+const std::vector<std::int32_t>& SurfSimpli::AffectedPoints() const {
+    affectedPtsExt_ = mapList(extOfPt_, affectedPts_.data(), affectedPts_.data() + affectedPts_.size());
+    return affectedPtsExt_;
+}
+
+const std::vector<std::int32_t>& SurfSimpli::AffectedEdges() const {
+    affectedEdgesExt_ = mapList(extOfEdge_, affectedEdges_.data(), affectedEdges_.data() + affectedEdges_.size());
+    return affectedEdgesExt_;
 }
 
 // ---- life cycle ----
 
 void SurfSimpli::clearArrays() {
+    for (auto* m : {&ptOfExt_, &extOfPt_, &edgeOfExt_, &extOfEdge_, &triOfExt_, &extOfTri_}) m->assign(1, 0);
     pValid_.assign(1, 0);
-    pCoords_.assign(1, Vec3{0, 0, 0});
-    pQ_.assign(1, Quadric{});
+    pts_.assign(1, PointHot{});
     pBright_.assign(1, 0.0);
     pNormal_.assign(1, Vec3{0, 0, 0});
     pTris_.clear();
@@ -329,12 +362,18 @@ void SurfSimpli::CopyGeomForRestore() {
     b.made = true;
     b.points = pValid_.size();
     b.pValid = pValid_;
-    b.pCoords = pCoords_;
-    const bool zeroQ = std::all_of(pQ_.begin(), pQ_.end(), [](const Quadric& q) {
-        return std::all_of(q.begin(), q.end(), [](double v) { return std::bit_cast<std::uint64_t>(v) == 0; });
+    auto zero = [](double v) { return std::bit_cast<std::uint64_t>(v) == 0; };
+    const bool zeroQ = std::all_of(pts_.begin(), pts_.end(), [&](const PointHot& q) {
+        return std::all_of(std::begin(q.s), std::end(q.s), zero) && std::all_of(std::begin(q.u), std::end(q.u), zero);
     });
-    if (zeroQ) b.pQ.clear();
-    else b.pQ = pQ_;
+    b.pCoords.clear();
+    b.pts.clear();
+    if (zeroQ) {
+        b.pCoords.reserve(pts_.size());
+        for (const PointHot& q : pts_) b.pCoords.push_back(Vec3{q.xyz[0], q.xyz[1], q.xyz[2]});
+    } else {
+        b.pts = pts_;
+    }
     b.pTris = pTris_;
     b.pEdges = pEdges_;
     const bool placed = std::any_of(edges_.begin(), edges_.end(), [](const EdgeHot& e) {
@@ -374,9 +413,12 @@ void SurfSimpli::RestoreGeomFromCopy() {
     }
     const Backup& b = backup_;
     pValid_ = b.pValid;
-    pCoords_ = b.pCoords;
-    if (b.pQ.empty()) pQ_.assign(b.points, Quadric{});
-    else pQ_ = b.pQ;
+    if (b.pts.empty()) {
+        pts_.resize(b.pCoords.size());
+        for (std::size_t i = 0; i < b.pCoords.size(); ++i) pts_[i] = PointHot{{}, {}, {b.pCoords[i][0], b.pCoords[i][1], b.pCoords[i][2]}};
+    } else {
+        pts_ = b.pts;
+    }
     pBright_.resize(b.points);
     pNormal_.resize(b.points);
     if (b.coldCopied) {
@@ -400,6 +442,11 @@ void SurfSimpli::RestoreGeomFromCopy() {
     tBitmap_.resize(tris_.size());
     tBright_.resize(tris_.size());
     tColor_.resize(tris_.size());
+    // records made after the copy had their design indices; the rest keep their numbering
+    for (auto* m : {&ptOfExt_, &extOfPt_}) m->resize(pValid_.size());
+    for (auto* m : {&edgeOfExt_, &extOfEdge_}) m->resize(edges_.size());
+    for (auto* m : {&triOfExt_, &extOfTri_}) m->resize(tris_.size());
+    selectedMark_.clear();
     pristine_ = true;
     edgeIndexDirty_ = true;
     heapDirty_ = true;
@@ -420,7 +467,7 @@ void SurfSimpli::RemoveSelectedPt(std::int32_t point) {
 void SurfSimpli::markSelected() {
     selectedMark_.assign(pValid_.size(), 0);
     for (const std::int32_t p : selectedPts_)
-        if (p >= 0 && static_cast<std::size_t>(p) < selectedMark_.size()) selectedMark_[static_cast<std::size_t>(p)] = 1;
+        if (p >= 0 && static_cast<std::size_t>(p) < selectedMark_.size()) selectedMark_[static_cast<std::size_t>(inPt(p))] = 1;
 }
 
 bool SurfSimpli::selectedFast(int point) const {
@@ -429,14 +476,15 @@ bool SurfSimpli::selectedFast(int point) const {
 }
 
 std::size_t SurfSimpli::MemoryBytes() const {
-    std::size_t n = bytes(pValid_) + bytes(pCoords_) + bytes(pQ_) + bytes(pBright_) + bytes(pNormal_) +
+    std::size_t n = bytes(pValid_) + bytes(pts_) + bytes(pBright_) + bytes(pNormal_) +
                     pTris_.memoryBytes() + pEdges_.memoryBytes() + bytes(edges_) + eTris_.memoryBytes() + bytes(tris_) +
                     bytes(tUV_) + bytes(tBitmap_) + bytes(tBright_) + bytes(tColor_);
     const Backup& b = backup_;
-    n += bytes(b.pValid) + bytes(b.pCoords) + bytes(b.pQ) + b.pTris.memoryBytes() + b.pEdges.memoryBytes() +
+    n += bytes(b.pValid) + bytes(b.pCoords) + bytes(b.pts) + b.pTris.memoryBytes() + b.pEdges.memoryBytes() +
          bytes(b.edges) + bytes(b.edgeEnds) + b.eTris.memoryBytes() + bytes(b.tris) + bytes(b.tUV) + bytes(b.pBright) + bytes(b.pNormal);
     for (const auto& bucket : buckets_) n += bytes(bucket);
     n += pointIndex_.memoryBytes() + edgeIndex_.memoryBytes() + heap_.memoryBytes();
+    n += bytes(ptOfExt_) + bytes(extOfPt_) + bytes(edgeOfExt_) + bytes(extOfEdge_) + bytes(triOfExt_) + bytes(extOfTri_);
     n += bytes(ptStamp_) + bytes(edgeStamp_) + bytes(selectedMark_) + bytes(ptChanged_) +
          refusals_.size() * (sizeof(Refusal) + 2 * sizeof(void*)) + refusals_.bucket_count() * sizeof(void*) +
          bytes(parked_) + bytes(affectedPts_) + bytes(affectedEdges_);

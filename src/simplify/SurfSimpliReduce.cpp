@@ -2,6 +2,7 @@
 #include "simplify/SurfSimpli.h"
 
 #include "base/VexilError.h"
+#include "simplify/QuadricMath.h"
 
 #include <algorithm>
 #include <cmath>
@@ -85,7 +86,7 @@ void SurfSimpli::SimplifyLoop(int target) {
         EvaluateAllEdges();
         minCost_ = kFloor;
         minEdge_ = 0;
-        minEdge_ = SelectContractibleEdge();
+        minEdge_ = selectEdge();
         if (minEdge_ == -1) {
             showMessage(msg(messages_.cantSimplify, "Can't simplify further!"));
             return;
@@ -113,7 +114,7 @@ void SurfSimpli::SimplifyLoop(int target) {
         }
         minCost_ = kFloor;
         minEdge_ = 0;
-        minEdge_ = SelectContractibleEdge();
+        minEdge_ = selectEdge();
         if (minEdge_ == -1) {
             showMessage(msg(messages_.cantSimplify, "Can't simplify further!"));
             break;
@@ -130,7 +131,7 @@ int SurfSimpli::ContractEdge() {
     if (edge < 1 || edge > EdgeCount()) return 0; // e.g. -1 after "Can't simplify further!"
     const std::size_t ei = static_cast<std::size_t>(edge);
     if (!edges_[ei].valid) return 0;
-    if (TraceContractions) ContractionTrace.push_back(edge);
+    if (TraceContractions) ContractionTrace.push_back(exEdge(edge));
     int kept = edges_[ei].a, gone = edges_[ei].b;
     if (selectedMark_.size() != pValid_.size()) markSelected();
     if (selectedFast(gone)) std::swap(kept, gone);
@@ -149,22 +150,26 @@ int SurfSimpli::ContractEdge() {
     }
     if (!geomOnly_) {
         const double nc[3] = {edges_[ei].nc[0], edges_[ei].nc[1], edges_[ei].nc[2]};
-        InterpolateTexCoords(nc, kept, gone);
+        interpolateTexCoords(nc, kept, gone);
     }
     edges_[ei].valid = false;
     if (!heapDirty_) {
         heap_.remove(edge);
         clearPark(ei);
     }
-    for (int c = 0; c < 3; ++c) pCoords_[k][static_cast<std::size_t>(c)] = edges_[ei].nc[c];
+    for (int c = 0; c < 3; ++c) pts_[k].xyz[c] = edges_[ei].nc[c];
     int removed = 0;
     for (std::uint32_t i = 0; i < eTris_.size(ei); ++i) {
         const int t = eTris_.at(ei, i);
         if (!tris_[static_cast<std::size_t>(t)].valid) continue;
-        RemoveTriOfEdge(t, edge);
+        removeTriOfEdge(t, edge);
         ++removed;
     }
     // merge the lists (kept == gone only for an edge from a point to itself: nothing to add then)
+    // the kept point's lists lose the dead entries first (nothing reads them; the merged lists
+    // are the same, and need less room)
+    pTris_.filter(k, [&](std::int32_t t) { return tris_[static_cast<std::size_t>(t)].valid; });
+    pEdges_.filter(k, [&](std::int32_t e) { return edges_[static_cast<std::size_t>(e)].valid; });
     if (kept != gone) {
         for (std::uint32_t i = 0; i < pTris_.size(g); ++i) {
             const std::int32_t t = pTris_.at(g, i);
@@ -191,21 +196,18 @@ int SurfSimpli::ContractEdge() {
     }
     pValid_[g] = 0;
     edgeIndexDirty_ = true;
-    // the kept point's lists lose the dead entries (nothing reads them)
-    pTris_.filter(k, [&](std::int32_t t) { return tris_[static_cast<std::size_t>(t)].valid; });
-    pEdges_.filter(k, [&](std::int32_t e) { return edges_[static_cast<std::size_t>(e)].valid; });
 
-    CollectAffected(kept);
+    collectAffected(kept);
     // The neighbourhood's triangles lie anywhere in the array: have them all on their way in
     // before the planes and quadrics read them one by one.
     for (const std::int32_t p : affectedPts_) {
         const std::size_t pi = static_cast<std::size_t>(p);
         for (const std::int32_t* t = pTris_.begin(pi); t != pTris_.end(pi); ++t)
             __builtin_prefetch(&tris_[static_cast<std::size_t>(*t)]);
-        __builtin_prefetch(pQ_[pi].data());
-        __builtin_prefetch(pQ_[pi].data() + 8);
+        __builtin_prefetch(pts_[pi].s);
+        __builtin_prefetch(pts_[pi].s + 8);
     }
-    EvaluatePlaneOfAffectedTris(kept);
+    evaluatePlanes(kept);
     // Each affected point's quadric afresh: its valid triangles' planes, then its borders'
     // penalties, in list order (ClearPointQuadric, BuildPointQuadric, AddBorderPenaltyToPoint
     // point by point; a point's sum reads no other point's quadric, and only the penalties can
@@ -213,21 +215,21 @@ int SurfSimpli::ContractEdge() {
     for (const std::int32_t p : affectedPts_) {
         touchPoint(p);
         const std::size_t pi = static_cast<std::size_t>(p);
-        alignas(64) Quadric q{};
+        qm::Acc q;
         pTris_.filter(pi, [&](std::int32_t t) {
             const TriHot& T = tris_[static_cast<std::size_t>(t)];
             if (!T.valid) return false;
-            addProducts(q, T.plane);
+            q.add(T.plane);
             return true;
         });
-        pQ_[pi] = q;
+        q.store(pts_[pi].s, pts_[pi].u);
     }
     for (const std::int32_t p : affectedPts_) {
         const std::size_t pi = static_cast<std::size_t>(p);
         for (std::uint32_t i = 0; i < pEdges_.size(pi); ++i) {
             const std::int32_t e = pEdges_.at(pi, i);
             const EdgeHot& X = edges_[static_cast<std::size_t>(e)];
-            if (X.valid && X.border) AddBorderPenaltyToPoint(p, e);
+            if (X.valid && X.border) addBorderPenaltyToPoint(p, e);
         }
     }
     if (lockSelected_) AddLockTerms();
@@ -235,7 +237,16 @@ int SurfSimpli::ContractEdge() {
     return removed;
 }
 
-void SurfSimpli::RemoveTriOfEdge(int tri, int edge) {
+void SurfSimpli::RemoveTriOfEdge(int tri, int edge) { removeTriOfEdge(inTri(tri), inEdge(edge)); }
+void SurfSimpli::MergeEdgeTris(int e1, int e2) { mergeEdgeTris(inEdge(e1), inEdge(e2)); }
+void SurfSimpli::RepointTriEdges(int from, int to) { repointTriEdges(inEdge(from), inEdge(to)); }
+void SurfSimpli::CollectAffected(int kept) { collectAffected(inPt(kept)); }
+void SurfSimpli::EvaluatePlaneOfAffectedTris(int kept) { evaluatePlanes(inPt(kept)); }
+void SurfSimpli::InterpolateTexCoords(const double newCoords[3], int kept, int gone) {
+    interpolateTexCoords(newCoords, inPt(kept), inPt(gone));
+}
+
+void SurfSimpli::removeTriOfEdge(int tri, int edge) {
     pristine_ = false;
     TriHot& T = tris_.at(static_cast<std::size_t>(tri));
     T.valid = false;
@@ -246,8 +257,8 @@ void SurfSimpli::RemoveTriOfEdge(int tri, int edge) {
         else if (e2 == 0) e2 = T.edges[k];
     }
     if (e1 == 0 || e2 == 0) return; // a triangle without two other sides: see docs/simplify.md
-    MergeEdgeTris(e1, e2);
-    RepointTriEdges(e2, e1);
+    mergeEdgeTris(e1, e2);
+    repointTriEdges(e2, e1);
     EdgeHot& E2 = edges_[static_cast<std::size_t>(e2)];
     if (E2.border) edges_[static_cast<std::size_t>(e1)].border = true;
     E2.valid = false;
@@ -257,7 +268,7 @@ void SurfSimpli::RemoveTriOfEdge(int tri, int edge) {
     }
 }
 
-void SurfSimpli::MergeEdgeTris(int e1, int e2) {
+void SurfSimpli::mergeEdgeTris(int e1, int e2) {
     pristine_ = false;
     const std::size_t a = static_cast<std::size_t>(e1), b = static_cast<std::size_t>(e2);
     if (a >= edges_.size() || b >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
@@ -274,7 +285,7 @@ void SurfSimpli::MergeEdgeTris(int e1, int e2) {
     }
 }
 
-void SurfSimpli::RepointTriEdges(int from, int to) {
+void SurfSimpli::repointTriEdges(int from, int to) {
     pristine_ = false;
     const std::size_t f = static_cast<std::size_t>(from);
     if (f >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
@@ -289,7 +300,7 @@ void SurfSimpli::RepointTriEdges(int from, int to) {
     }
 }
 
-void SurfSimpli::CollectAffected(int kept) {
+void SurfSimpli::collectAffected(int kept) {
     pristine_ = false;
     affectedPts_.clear();
     affectedEdges_.clear();
@@ -333,16 +344,16 @@ void SurfSimpli::CollectAffected(int kept) {
     }
 }
 
-void SurfSimpli::EvaluatePlaneOfAffectedTris(int kept) {
+void SurfSimpli::evaluatePlanes(int kept) {
     pristine_ = false;
     const std::size_t k = static_cast<std::size_t>(kept);
     if (k >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     for (const std::int32_t* t = pTris_.begin(k); t != pTris_.end(k); ++t) {
         TriHot& T = tris_[static_cast<std::size_t>(*t)];
         if (!T.valid) continue;
-        const double* c1 = pCoords_[static_cast<std::size_t>(T.pts[0])].data();
-        const double* c2 = pCoords_[static_cast<std::size_t>(T.pts[1])].data();
-        const double* c3 = pCoords_[static_cast<std::size_t>(T.pts[2])].data();
+        const double* c1 = pts_[static_cast<std::size_t>(T.pts[0])].xyz;
+        const double* c2 = pts_[static_cast<std::size_t>(T.pts[1])].xyz;
+        const double* c3 = pts_[static_cast<std::size_t>(T.pts[2])].xyz;
         const double x1 = c1[0], y1 = c1[1], z1 = c1[2];
         const double x2 = c2[0], y2 = c2[1], z2 = c2[2];
         const double x3 = c3[0], y3 = c3[1], z3 = c3[2];
@@ -363,12 +374,12 @@ void SurfSimpli::EvaluatePlaneOfAffectedTris(int kept) {
     }
 }
 
-void SurfSimpli::InterpolateTexCoords(const double newCoords[3], int kept, int gone) {
+void SurfSimpli::interpolateTexCoords(const double newCoords[3], int kept, int gone) {
     pristine_ = false;
     const std::size_t ei = static_cast<std::size_t>(minEdge_ >= 0 ? minEdge_ : 0);
     if (ei >= edges_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
-    const double* K = pCoords_.at(static_cast<std::size_t>(kept)).data();
-    const double* G = pCoords_.at(static_cast<std::size_t>(gone)).data();
+    const double* K = pts_.at(static_cast<std::size_t>(kept)).xyz;
+    const double* G = pts_.at(static_cast<std::size_t>(gone)).xyz;
     auto distance = [](const double* a, const double* b) { // Maths::Distance over three elements
         double sum = 0.0;
         for (int i = 0; i < 3; ++i) sum = fin(sum + fin((a[i] - b[i]) * (a[i] - b[i])));

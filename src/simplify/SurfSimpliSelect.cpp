@@ -21,12 +21,13 @@ constexpr double kFloor = -1e21;  // MinCost before each fresh selection
 
 bool SurfSimpli::eligible(const EdgeHot& E) { return E.valid && E.cost >= kFloor && E.cost < kNoCost; }
 
+// Edges are scanned in the order of the design's indices, which the answer and the arguments are.
 int SurfSimpli::NextCheapestEdge(int after, const std::vector<int>& excluded) {
     double best = kNoCost;
     int chosen = 1;
     const double floor = minCost_;
     for (int i = 1; i <= EdgeCount(); ++i) {
-        const EdgeHot& E = edges_[static_cast<std::size_t>(i)];
+        const EdgeHot& E = edges_[static_cast<std::size_t>(inEdge(i))];
         if (!E.valid) continue;
         if (std::find(excluded.begin(), excluded.end(), i) != excluded.end()) continue;
         if (E.cost < best && E.cost >= floor && i != after) {
@@ -46,6 +47,7 @@ void SurfSimpli::rebuildHeap() {
         const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
         if (eligible(E)) entries.push_back({E.cost, e});
     }
+    heap_.setOrder(&extOfEdge_); // ties go to the lower design index
     heap_.build(std::move(entries), EdgeCount());
     heapDirty_ = false;
     clearRefusals();
@@ -71,7 +73,9 @@ void SurfSimpli::heapUpdate(int edge, double oldCost) {
 // A refused edge is parked out of the heap until a contraction touches one of its ends (its
 // refusal cannot change before), so later selections do not visit it again. A failed
 // selection leaves MinCost at the cost of the last chosen-able edge in that order, as the scans do.
-int SurfSimpli::SelectContractibleEdge() {
+int SurfSimpli::SelectContractibleEdge() { return exEdge(selectEdge()); }
+
+int SurfSimpli::selectEdge() {
     if (heapDirty_) rebuildHeap();
     ++SelectionCount;
     toPark_.clear();
@@ -86,7 +90,7 @@ int SurfSimpli::SelectContractibleEdge() {
                 toPark_.push_back(top.edge);
                 return false;
             }
-            const bool ok = !WouldDegenerate(top.edge) && !WouldFlipNormal(top.edge) && KeepsManifold(top.edge);
+            const bool ok = !wouldDegenerate(top.edge) && !wouldFlipNormal(top.edge) && keepsManifold(top.edge);
             if (!ok && CacheRefusals) {
                 const EdgeHot& E = edges_[static_cast<std::size_t>(top.edge)];
                 refusals_[top.edge] = Refusal{contractions_, E.a, E.b};
@@ -110,12 +114,14 @@ int SurfSimpli::SelectContractibleEdge() {
         ++ptParked_[static_cast<std::size_t>(r.b)];
     }
     if (result == -1 && CacheRefusals) {
-        // every chosen-able edge was refused: the scans' last candidate is the greatest in order
+        // every chosen-able edge was refused: the scans' last candidate is the greatest in
+        // (cost, design index) order
         int last = 0;
         for (int e = 1; e <= EdgeCount(); ++e) {
             const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
             if (!eligible(E)) continue;
-            if (last == 0 || !(E.cost < edges_[static_cast<std::size_t>(last)].cost)) last = e;
+            const double lastCost = edges_[static_cast<std::size_t>(last)].cost;
+            if (last == 0 || lastCost < E.cost || (!(E.cost < lastCost) && exEdge(last) < exEdge(e))) last = e;
         }
         if (last != 0) minCost_ = edges_[static_cast<std::size_t>(last)].cost;
     }
@@ -181,14 +187,18 @@ template <class Test> bool SurfSimpli::anyMovedTri(int edge, Test test) const {
             if (!T.valid || edgeHasTri(edge, *t)) continue;
             const double* c[3];
             for (int k = 0; k < 3; ++k)
-                c[k] = (T.pts[k] == E.a || T.pts[k] == E.b) ? E.nc : pCoords_[static_cast<std::size_t>(T.pts[k])].data();
+                c[k] = (T.pts[k] == E.a || T.pts[k] == E.b) ? E.nc : pts_[static_cast<std::size_t>(T.pts[k])].xyz;
             if (test(T, c)) return true;
         }
     }
     return false;
 }
 
-bool SurfSimpli::WouldDegenerate(int edge) {
+bool SurfSimpli::WouldDegenerate(int edge) { return wouldDegenerate(inEdge(edge)); }
+bool SurfSimpli::WouldFlipNormal(int edge) { return wouldFlipNormal(inEdge(edge)); }
+bool SurfSimpli::KeepsManifold(int edge) { return keepsManifold(inEdge(edge)); }
+
+bool SurfSimpli::wouldDegenerate(int edge) {
     return anyMovedTri(edge, [](const TriHot&, const double* const* c) {
         const double s1[3] = {fin(c[1][0] - c[0][0]), fin(c[1][1] - c[0][1]), fin(c[1][2] - c[0][2])};
         const double s2[3] = {fin(c[2][0] - c[0][0]), fin(c[2][1] - c[0][1]), fin(c[2][2] - c[0][2])};
@@ -199,7 +209,7 @@ bool SurfSimpli::WouldDegenerate(int edge) {
     });
 }
 
-bool SurfSimpli::WouldFlipNormal(int edge) {
+bool SurfSimpli::wouldFlipNormal(int edge) {
     return anyMovedTri(edge, [](const TriHot& T, const double* const* c) {
         // PlaneFromPoints, as the maths library writes it
         const double x1 = c[0][0], y1 = c[0][1], z1 = c[0][2];
@@ -227,7 +237,7 @@ bool SurfSimpli::WouldFlipNormal(int edge) {
     });
 }
 
-bool SurfSimpli::KeepsManifold(int edge) {
+bool SurfSimpli::keepsManifold(int edge) {
     const std::size_t ei = static_cast<std::size_t>(edge);
     const EdgeHot& E = edges_.at(ei);
     // Triangles are counted only when the edge has exactly two entries; otherwise every count
