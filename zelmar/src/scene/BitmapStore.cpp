@@ -231,4 +231,25 @@ void unload(Bitmap& b) {
     w.destroyBitmap(b);
 }
 
+namespace {
+std::vector<MissingFile>& missingList() {
+    static std::vector<MissingFile> list;
+    return list;
+}
+} // namespace
+
+void noteMissing(const std::string& file, const std::string& reason) {
+    for (const MissingFile& m : missingList())
+        if (m.file == file) return;
+    missingList().push_back({file, reason});
+}
+
+void clearMissing() {
+    missingList().clear();
+}
+
+const std::vector<MissingFile>& missing() {
+    return missingList();
+}
+
 } // namespace zelmar::bitmaps
