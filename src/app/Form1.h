@@ -52,6 +52,8 @@ class trwCamTrackBK;
 class trwLight;
 class formTip;
 class CreatePanel;
+class PolygonSurfacePanel;
+class TexturePanel;
 
 class frmPicWins;
 
@@ -281,6 +283,8 @@ public:
     trwLight* LightTree = nullptr;
     QTreeWidget* trwModel = nullptr;
     QTreeWidget* trwTextures = nullptr;
+    TexturePanel* frmTexture = nullptr;             // the Texture tab (holds trwTextures)
+    PolygonSurfacePanel* frmPolSurface = nullptr;   // the polygon panel of the Edit Group tab (holds cmbPolFilter)
     QComboBox *cmbObj = nullptr, *cmbObjEditGeom = nullptr, *cmbNewObjType = nullptr, *cmbTrackPoint = nullptr,
               *cmbPolFilter = nullptr;
     QLabel* lblSelectedGrpName = nullptr;
@@ -313,6 +317,12 @@ public:
     void UpdateTransformGizmo(int button, int x, int y) override;
     // frmTransformParameters for kind 0 move, 1 rotate, 2 scale.
     void ShowTransformParameters(int kind);
+
+    // ---- the materials (Form1_Materials.cpp) ---------------------------------------------------------
+    void mnuGrpProperties_Click();
+    void PopulateTextureTree() override;
+    void UnloadTextureMapping() override;
+    void RefreshTextureMapping() override;
 
     // ---- DocumentHost ------------------------------------------------------------------------------
     ActionUndoRedo_Stack& UndoStack() override;

@@ -6,6 +6,7 @@
 #include "frame/Locale.h"
 #include "frame/Preferences.h"
 #include "Form1_Gizmo.h"
+#include "Form1_Materials.h"
 #include "Form1_Selection.h"
 
 #include <QLabel>
@@ -44,8 +45,10 @@ void Form1::CreateSharedObjects() {
     m_gridDensity = ReadGridDensity();
     InstallSelection(*this);
     InstallGizmos(*this);
+    InstallMaterials(*this);
 }
 void Form1::ReleaseSharedObjects() {
+    ReleaseMaterials();
     ReleaseGizmos();
     ReleaseSelection();
 }

@@ -9,6 +9,8 @@
 #include "document/WorkspaceTrees.h"
 #include "document/WorldDocument.h"
 #include "view/frmPicWins.h"
+#include "materials/PolygonSurfacePanel.h"
+#include "materials/TexturePanel.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -68,7 +70,13 @@ class Form1SelectionHost : public SelectionHost {
     }
     void ShowGroupPanel(int) override {
         m_f.SetCmbObjItems({GetLocaleString(322), GetLocaleString(323), GetLocaleString(324)}, 0);
+        if (m_f.frmPolSurface) m_f.frmPolSurface->UpdateEditGeomTabBasedOnPolsSelected();
     }
+    void UpdateEditGeomTabBasedOnPolsSelected() override {
+        if (m_f.frmPolSurface) m_f.frmPolSurface->UpdateEditGeomTabBasedOnPolsSelected();
+        m_f.RefreshTextureMapping();
+    }
+    bool TextureMappingUp() override { return m_f.frmTexture && m_f.frmTexture->TextureMapping(); }
     void UpdateStatusBar() override {
         if (m_f.Document()) m_f.Document()->UpdateStatusBar();
     }

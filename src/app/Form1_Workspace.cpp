@@ -13,6 +13,8 @@
 #include "document/WorkspaceTrees.h"
 #include "document/WorldDocument.h"
 #include "builders/CreatePanel.h"
+#include "materials/PolygonSurfacePanel.h"
+#include "materials/TexturePanel.h"
 #include "undo/ActionUndoRedo_Stack.h"
 
 #include <QApplication>
@@ -102,8 +104,9 @@ void Form1::buildWorkspace() {
         spnExtBvl[size_t(i)] = new Spinner(edit);
         spnExtBvl[size_t(i)]->setObjectName(QStringLiteral("spnExtBvl%1").arg(i));
     }
-    cmbPolFilter = new QComboBox(edit);
-    cmbPolFilter->setObjectName(QStringLiteral("cmbPolFilter"));
+    // The polygon panel holds the filter, the rotated flag, the light diminution and the colours (src/materials).
+    frmPolSurface = new PolygonSurfacePanel(edit);
+    cmbPolFilter = frmPolSurface->cmbPolFilter;
     tlbrCut = new QToolBar(edit);
     tlbrCut->setObjectName(QStringLiteral("tlbrCut"));
     QAction* cut = tlbrCut->addAction(QStringLiteral(" Cut    "));
@@ -114,7 +117,7 @@ void Form1::buildWorkspace() {
     form->addRow(frmCreate);
     form->addRow(spnExtBvl[0]);
     form->addRow(spnExtBvl[1]);
-    form->addRow(cmbPolFilter);
+    form->addRow(frmPolSurface);
     form->addRow(tlbrCut);
     static_cast<QVBoxLayout*>(edit->layout())->addLayout(form);
     static_cast<QVBoxLayout*>(edit->layout())->addStretch(1);
@@ -152,10 +155,10 @@ void Form1::buildWorkspace() {
 
     // 5: Texture.
     QWidget* texture = page("frmTexture");
-    trwTextures = new QTreeWidget(texture);
-    trwTextures->setObjectName(QStringLiteral("trwTextures"));
-    trwTextures->setHeaderHidden(true);
-    texture->layout()->addWidget(trwTextures);
+    // The texture list, its preview and the planar mapper (src/materials).
+    frmTexture = new TexturePanel(texture);
+    trwTextures = frmTexture->trwTextures;
+    texture->layout()->addWidget(frmTexture);
 
     // The Edit Group tab holds more controls than a small window has room for: it scrolls rather than make
     // the window taller.
@@ -213,9 +216,7 @@ void Form1::cmbTrackPoint_InitialSetup() {
 }
 
 void Form1::cmbPolFilter_InitialSetup() {
-    cmbPolFilter->clear();
-    for (int id : {365, 362, 363, 364, 366, 367, 368, 369, 370}) cmbPolFilter->addItem(GetLocaleString(id));
-    cmbPolFilter->setCurrentIndex(0);
+    frmPolSurface->cmbPolFilter_InitialSetup();
 }
 
 void Form1::cmbNewObjType_InitialSetup() {

@@ -31,7 +31,7 @@ void ActionApplyTextureToGrp::SetPolygons(const std::vector<int>& polygons) {
         ZELMAR_polygon_get_color(p, f.colour.data());
         f.bitmap = ZELMAR_polygon_get_bitmap_handle(p);
         f.animation = ZELMAR_polygon_get_animation(p);
-        f.frame = f.animation ? ZELMAR_polygon_get_animation_frame(p) : 0;
+        f.frame = ZELMAR_polygon_get_animation_frame(p);
         m_old.push_back(f);
     }
 }
@@ -43,10 +43,8 @@ void ActionApplyTextureToGrp::Undo() {
         const OldFill& f = m_old[i];
         ZELMAR_polygon_set_color_fill(p, f.colour[0], f.colour[1], f.colour[2]);
         if (f.bitmap && ZELMAR_bitmap_is_bitmap(f.bitmap)) ZELMAR_polygon_set_bitmap_fill(p, f.bitmap);
-        if (f.animation) {
-            ZELMAR_polygon_set_animation(p, f.animation);
-            if (f.frame && ZELMAR_polygon_get_animation(p) == f.animation) ZELMAR_polygon_set_animation_frame(p, f.frame);
-        }
+        if (f.animation) ZELMAR_polygon_set_animation(p, f.animation);
+        if (ZELMAR_polygon_get_animation_frame(p) != f.frame) ZELMAR_polygon_set_animation_frame(p, f.frame);
     }
     refreshPanel();
 }

@@ -36,7 +36,7 @@ constexpr int kPreviewHeight = 150;
 } // namespace
 
 TexturePanel::TexturePanel(QWidget* parent) : QWidget(parent) {
-    setObjectName(QStringLiteral("frmTexture"));
+    setObjectName(QStringLiteral("TexturePanel"));
     auto* col = new QVBoxLayout(this);
     col->setContentsMargins(0, 0, 0, 0);
     col->setSpacing(4);
