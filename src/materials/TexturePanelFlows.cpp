@@ -4,6 +4,7 @@
 
 #include "BitmapFiles.h"
 #include "MaterialsHost.h"
+#include "MaterialsUi.h"
 #include "SurfaceCommands.h"
 #include "formAnimation.h"
 #include "frame/Dialogs.h"
@@ -132,7 +133,7 @@ void TexturePanel::mnuTextureDelete_Click() {
         m_nodes.remove(key);
         delete node;
         ClearPreview();
-        if (m_editor) m_editor->BitmapsChanged();
+        if (frmTextureMapping* editor = materialsUi().editor) editor->BitmapsChanged();
     } else {
         const int animation = key.mid(9).toInt();
         RemoveAnimFrmAllPolsUsingIt(animation);
@@ -213,7 +214,7 @@ void TexturePanel::mnuTextureUpdate_Click() {
     node->setData(0, KeyRole, newKey);
     m_nodes.insert(newKey, node);
     PreviewBitmap(fresh);
-    if (m_editor) m_editor->BitmapsChanged();
+    if (frmTextureMapping* editor = materialsUi().editor) editor->BitmapsChanged();
     materialsHost().UpdateCameras();
 }
 

@@ -169,7 +169,9 @@ void frmTextureMapping::SetMousePtr(const QString& name) {
 // ---- the bitmap ------------------------------------------------------------------------------------------
 
 void frmTextureMapping::syncGroup() {
-    if (Sel().CurrSelEntityType != 1 || Sel().CurrSelEntity != m_group) BitmapsChanged();
+    // Another group became current, or the bitmap shown has gone (deleted, updated): the list follows.
+    const bool groupChanged = Sel().CurrSelEntityType != 1 || Sel().CurrSelEntity != m_group;
+    if (groupChanged || (m_bitmap && !ZELMAR_bitmap_is_bitmap(m_bitmap))) BitmapsChanged();
 }
 
 void frmTextureMapping::cmbTextures_Populate() {
