@@ -449,6 +449,12 @@ void formAnimation::dragEnterEvent(QDragEnterEvent* e) {
     if (e->mimeData()->hasUrls()) e->acceptProposedAction();
 }
 
+void formAnimation::trwAnim_OLEDragDrop(const QList<QUrl>& files, QPoint pos) {
+    if (QTreeWidgetItem* target = trwAnim->itemAt(pos)) trwAnim->setCurrentItem(target);
+    for (const QUrl& url : files)
+        if (url.isLocalFile()) InsertMap(url.toLocalFile());
+}
+
 void formAnimation::dropEvent(QDropEvent* e) {
     handleEvent("formAnimation", "trwAnim_OLEDragDrop", [&] {
         for (const QUrl& url : e->mimeData()->urls())
@@ -468,8 +474,9 @@ bool formAnimation::eventFilter(QObject* obj, QEvent* e) {
             }
         } else if (e->type() == QEvent::Drop) {
             auto* d = static_cast<QDropEvent*>(e);
-            if (QTreeWidgetItem* target = trwAnim->itemAt(d->position().toPoint())) trwAnim->setCurrentItem(target);
-            dropEvent(d);
+            handleEvent("formAnimation", "trwAnim_OLEDragDrop",
+                        [&] { trwAnim_OLEDragDrop(d->mimeData()->urls(), d->position().toPoint()); });
+            d->acceptProposedAction();
             return true;
         }
     }

@@ -13,6 +13,7 @@ class QLineEdit;
 class QPushButton;
 class QTreeWidget;
 class QTreeWidgetItem;
+class QUrl;
 
 namespace vexil {
 
@@ -68,6 +69,8 @@ class formAnimation : public QDialog {
     void chkTransparent_Click();
     void txtFrmTime_Validate();
     void trwAnim_NodeClick(QTreeWidgetItem* node);
+    // Files dropped on the tree at a position of its viewport: InsertMap for each, where they land.
+    void trwAnim_OLEDragDrop(const QList<QUrl>& files, QPoint pos);
     void TrnsFrmEnable(bool enabled);
     void TimeFrmEnable(bool enabled);
     static QString GetNewAnimName();
