@@ -18,6 +18,8 @@ class ActionChngTextureCoords : public Action {
     void SetPtsChangedToGiven(std::vector<PointOfPolygon> points);
     void ExtractIniCoordsLoc() { read(m_initial); }
     void ExtractFnlCoordsLoc() { read(m_final); }
+    // The final coordinates when the caller knows them already (one per point, in order).
+    void SetFnlCoords(std::vector<std::array<double, 2>> uvs) { m_final = std::move(uvs); }
     void Undo() override { write(m_initial); }
     void Redo() override { write(m_final); }
     const std::vector<PointOfPolygon>& Points() const { return m_points; }

@@ -63,10 +63,17 @@ void BufferFill(QImage& img, int x0, int y0, int x1, int y1, QRgb colour) {
 void BufferBox(QImage& img, int x0, int y0, int x1, int y1, QRgb colour) {
     if (x0 > x1) std::swap(x0, x1);
     if (y0 > y1) std::swap(y0, y1);
-    BufferFill(img, x0, y0, x1, y0, colour);
-    BufferFill(img, x0, y1, x1, y1, colour);
-    BufferFill(img, x0, y0, x0, y1, colour);
-    BufferFill(img, x1, y0, x1, y1, colour);
+    const int w = img.width(), h = img.height();
+    if (x1 < 0 || y1 < 0 || x0 >= w || y0 >= h) return;
+    const qsizetype stride = img.bytesPerLine() / 4;
+    QRgb* bits = reinterpret_cast<QRgb*>(img.bits());
+    const int cx0 = std::max(x0, 0), cx1 = std::min(x1, w - 1), cy0 = std::max(y0, 0), cy1 = std::min(y1, h - 1);
+    if (y0 >= 0) std::fill(bits + y0 * stride + cx0, bits + y0 * stride + cx1 + 1, colour);
+    if (y1 < h) std::fill(bits + y1 * stride + cx0, bits + y1 * stride + cx1 + 1, colour);
+    for (int y = cy0; y <= cy1; ++y) {
+        if (x0 >= 0) bits[y * stride + x0] = colour;
+        if (x1 < w) bits[y * stride + x1] = colour;
+    }
 }
 
 } // namespace vexil

@@ -69,32 +69,38 @@ MappingAxes PlanarMappingAxes(int option, const std::vector<int>& polygons) {
     });
 }
 
-void PlanarMap(int option, const std::vector<int>& polygons) {
-    propagate("PlanarMapper", "PlanarMap", [&] {
+std::vector<std::array<double, 2>> PlanarMapPoints(int option, const std::vector<int>& polygons,
+                                                   const std::vector<PointOfPolygon>& points) {
+    return propagate("PlanarMapper", "PlanarMap", [&] {
         const MappingAxes m = PlanarMappingAxes(option, polygons);
         const double lu = std::sqrt(dot(m.u, m.u)), lv = std::sqrt(dot(m.v, m.v));
         double minU = 9e300, minV = 9e300, maxU = -9e300, maxV = -9e300;
-        for (int p : polygons)
-            for (int pt = ZELMAR_polygon_get_first_point(p); pt; pt = ZELMAR_point_get_next_point(pt)) {
-                V3 xyz;
-                ZELMAR_point_get_xyz(pt, xyz.data());
-                const V3 q = onPlane(xyz, m.n);
-                const double uv[2] = {checkedDiv(dot(q, m.u), lu), checkedDiv(dot(q, m.v), lv)};
-                ZELMAR_point_set_bitmap_xy(pt, uv);
-                minU = std::min(minU, uv[0]), maxU = std::max(maxU, uv[0]);
-                minV = std::min(minV, uv[1]), maxV = std::max(maxV, uv[1]);
-            }
-        if (polygons.empty()) return;
+        std::vector<std::array<double, 2>> uvs(points.size());
+        // First pass: the scalar projections. They are kept here rather than written and read back: the
+        // second pass gives every point its final pair, and a failure leaves the points untouched.
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            V3 xyz;
+            ZELMAR_point_get_xyz(points[i].point, xyz.data());
+            const V3 q = onPlane(xyz, m.n);
+            std::array<double, 2>& uv = uvs[i];
+            uv = {checkedDiv(dot(q, m.u), lu), checkedDiv(dot(q, m.v), lv)};
+            minU = std::min(minU, uv[0]), maxU = std::max(maxU, uv[0]);
+            minV = std::min(minV, uv[1]), maxV = std::max(maxV, uv[1]);
+        }
+        if (points.empty()) return uvs;
+        // Second pass: one range for both directions keeps the bitmap's proportions on the surface.
         const double range = std::max(maxU - minU, maxV - minV);
-        for (int p : polygons)
-            for (int pt = ZELMAR_polygon_get_first_point(p); pt; pt = ZELMAR_point_get_next_point(pt)) {
-                double uv[2];
-                ZELMAR_point_get_bitmap_xy(pt, uv);
-                uv[0] = checkedDiv(uv[0] - minU, range);
-                uv[1] = checkedDiv(uv[1] - minV, range);
-                ZELMAR_point_set_bitmap_xy(pt, uv);
-            }
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            std::array<double, 2>& uv = uvs[i];
+            uv = {checkedDiv(uv[0] - minU, range), checkedDiv(uv[1] - minV, range)};
+            ZELMAR_point_set_bitmap_xy(points[i].point, uv.data());
+        }
+        return uvs;
     });
+}
+
+void PlanarMap(int option, const std::vector<int>& polygons) {
+    PlanarMapPoints(option, polygons, PointsOfPolygons(polygons));
 }
 
 } // namespace vexil

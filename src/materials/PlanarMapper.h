@@ -3,6 +3,8 @@
 //
 // Options (opnNormal): 0, 1, 2 the plane normal X, Y, Z; 3 the averaged normal of the polygons.
 #pragma once
+#include "PolygonLists.h"
+
 #include <array>
 #include <vector>
 
@@ -20,5 +22,9 @@ MappingAxes PlanarMappingAxes(int option, const std::vector<int>& polygons);
 // range for both directions so that the larger extent runs 0 to 1. All points on one spot give a range of
 // 0, which raises a division failure (the coordinates are then those of the first pass).
 void PlanarMap(int option, const std::vector<int>& polygons);
+// The same on points already listed (the points of `polygons`, in ring order); answers each point's final
+// (u, v), so that the caller need not read them back.
+std::vector<std::array<double, 2>> PlanarMapPoints(int option, const std::vector<int>& polygons,
+                                                   const std::vector<PointOfPolygon>& points);
 
 } // namespace vexil

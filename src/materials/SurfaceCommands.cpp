@@ -154,10 +154,11 @@ void PlanarMapSelection(int option) {
         auto* a = make<ActionChngTextureCoords>(ref, AT_ActionChngTextureCoords);
         a->SetPtsChangedToCurrSel();
         a->ExtractIniCoordsLoc();
+        std::vector<std::array<double, 2>> uvs;
         try {
-            PlanarMap(option, SelectedPolygons());
+            uvs = PlanarMapPoints(option, SelectedPolygons(), a->Points());
         } catch (...) {
-            a->Undo(); // the first pass wrote coordinates already: the world stays as it was
+            a->Undo(); // whatever was written goes back: the world stays as it was
             throw;
         }
         materialsHost().UpdateCameras();
@@ -165,7 +166,7 @@ void PlanarMapSelection(int option) {
             editor->ResetSelections();
             editor->SetupWithNewZoom();
         }
-        a->ExtractFnlCoordsLoc();
+        a->SetFnlCoords(std::move(uvs));
         push(ref);
     });
 }

@@ -19,7 +19,7 @@ TextureMapPicture::TextureMapPicture(frmTextureMapping* form) : QWidget(form), m
 
 void TextureMapPicture::paintEvent(QPaintEvent*) {
     QPainter p(this);
-    const QImage& buffer = m_form->BackBuffer();
+    const QImage& buffer = m_form->BackBuffer(); // drawn now if a repaint is pending
     if (buffer.size() == size()) p.drawImage(0, 0, buffer); // the one block copy
     else p.fillRect(rect(), Qt::white);
 }

@@ -284,6 +284,7 @@ void frmTextureMapping::UvOf(double x, double y, double& u, double& v) const {
 }
 
 void frmTextureMapping::Redraw() {
+    syncGroup();
     PicMain_Paint();
 }
 

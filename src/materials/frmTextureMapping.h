@@ -109,8 +109,10 @@ class frmTextureMapping : public QWidget {
     void Form_KeyDown(int key, Qt::KeyboardModifiers modifiers, bool autoRepeat);
 
     // ---- drawing -----------------------------------------------------------------------------------------
+    // Asks for a repaint: the back buffer is drawn again once, when the picture paints (or is asked for).
     void PicMain_Paint();
-    const QImage& BackBuffer() const { return m_buffer; }
+    // The back buffer, drawn first if a repaint is pending.
+    const QImage& BackBuffer();
     // The rubber band being drawn (empty when none).
     QRect Band() const { return m_band; }
 
@@ -133,12 +135,14 @@ class frmTextureMapping : public QWidget {
     void recordSelection(ActionRef& ref, bool old);
     bool rectSelect(const QRect& r, std::vector<PointOfPolygon>& hits) const;
     void syncGroup();
+    void render();
 
     int m_bitmap = 0;
     int m_group = 0;
     ActionRef m_change; // the coordinates change being made
     QImage m_buffer, m_background;
     bool m_backgroundValid = false;
+    bool m_bufferDirty = true;
     QRect m_band;
     int m_bandMode = 0; // 1 adding (Ctrl), 2 removing (Shift), 0 fresh
     QSize m_boxSize;

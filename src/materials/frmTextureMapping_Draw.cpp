@@ -10,6 +10,7 @@
 
 #include <QPainter>
 #include <cmath>
+#include <cstring>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
@@ -23,7 +24,19 @@ const QRgb kSelectedPolygon = qRgb(255, 255, 0);
 } // namespace
 
 void frmTextureMapping::PicMain_Paint() {
+    m_bufferDirty = true;
+    PicMain->update();
+}
+
+const QImage& frmTextureMapping::BackBuffer() {
+    if (m_bufferDirty) render();
+    return m_buffer;
+}
+
+void frmTextureMapping::render() {
+    m_bufferDirty = false;
     syncGroup();
+    m_bufferDirty = false; // syncGroup may have asked again
     const QSize box = PicMain->size();
     if (m_buffer.size() != box) m_buffer = QImage(box, QImage::Format_RGB32);
     if (!m_backgroundValid || m_background.size() != box) {
@@ -31,14 +44,14 @@ void frmTextureMapping::PicMain_Paint() {
         DrawImg(m_background);
         m_backgroundValid = true;
     }
-    m_buffer = m_background.copy();
+    // The background into the buffer, without a new allocation.
+    std::memcpy(m_buffer.bits(), m_background.constBits(), std::size_t(m_buffer.sizeInBytes()));
     DrawMapCoor(m_buffer);
     DrawSelectedPts(m_buffer);
     if (!m_band.isNull()) {
         const QRgb c = m_bandMode == 1 ? qRgb(0, 255, 0) : m_bandMode == 2 ? qRgb(0, 0, 255) : qRgb(0, 255, 255);
         BufferBox(m_buffer, m_band.left(), m_band.top(), m_band.right(), m_band.bottom(), c);
     }
-    PicMain->update();
 }
 
 void frmTextureMapping::DrawImg(QImage& into) {
