@@ -207,6 +207,8 @@ void Form1::buildStatusBar() {
 
 void Form1::tabWorkspace_Click(int index) {
     if (m_document) m_document->tabWorkspace_Click(index);
+    // The Texture tab has no enabling rule of its own: it works whatever is selected.
+    if (index == TabTexture && WorldOpen()) EnableWorkspaceTab(TabTexture);
 }
 
 void Form1::cmbTrackPoint_InitialSetup() {

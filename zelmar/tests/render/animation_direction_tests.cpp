@@ -108,4 +108,23 @@ TEST_F(AnimationDirection, AnEmptyDirectionBorrowsTheNearestOneTowardsTheFront) 
     EXPECT_EQ(centre(cameraAt(170)), frontColour);
 }
 
+TEST_F(AnimationDirection, AFramesTransparentColourLetsTheBackgroundThroughOnATrueColourBitmap) {
+    // The frame's bitmap is opaque itself; the frame was added with the colour of its dark bars as its
+    // transparent index, so those texels are clear when it plays.
+    Bitmap* b = bitmap("bars", 32, 32, kFrames[2]);
+    ZELMAR_animation_add_bitmap(anim, 1, b->handle);
+    world().animation(anim)->frames[0][0].transparentIndex = 0x20 + 256 * 0x20 + 65536 * 0x20;
+    play();
+    const std::vector<uint8_t> img = renderImage(cameraAt(0));
+    int clear = 0, bars = 0;
+    for (int y = 0; y < 48; ++y)
+        for (int x = 0; x < 64; ++x) {
+            const std::array<int, 3> p = pixelAt(img, x, y);
+            bars += p == std::array<int, 3>{0x20, 0x20, 0x20};
+            clear += p == std::array<int, 3>{0, 0, 0};
+        }
+    EXPECT_EQ(bars, 0);
+    EXPECT_GT(clear, 20 * 48); // the background around and through the sprite
+}
+
 } // namespace
