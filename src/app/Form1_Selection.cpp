@@ -272,6 +272,7 @@ void Form1::WorldChanged() {
 
 void Form1::ClearWorldState() {
     if (g_model) g_model->ClearWorldState();
+    if (frmTexture) frmTexture->trwTextures_Reset(); // tmrAnimPreview, imgTexture, and no stale handles
 }
 
 // ---- ViewportHost -------------------------------------------------------------------------------

@@ -167,7 +167,13 @@ void Form1::buildWorkspace() {
     editScroll->setFrameShape(QFrame::NoFrame);
     editScroll->setWidgetResizable(true);
     editScroll->setWidget(edit);
-    for (QWidget* w : {groups, static_cast<QWidget*>(editScroll), cam, light, gallery, texture})
+    // The Texture tab too: its preview and buttons must not make the window taller.
+    auto* textureScroll = new QScrollArea(tabWorkspace);
+    textureScroll->setObjectName(QStringLiteral("frmTextureScroll"));
+    textureScroll->setFrameShape(QFrame::NoFrame);
+    textureScroll->setWidgetResizable(true);
+    textureScroll->setWidget(texture);
+    for (QWidget* w : {groups, static_cast<QWidget*>(editScroll), cam, light, gallery, static_cast<QWidget*>(textureScroll)})
         tabWorkspace->addTab(w, QString());
     connect(tabWorkspace, &QTabWidget::currentChanged, this, [this](int index) {
         handleEvent("Form1", "tabWorkspace_Click", [&] { tabWorkspace_Click(index); });

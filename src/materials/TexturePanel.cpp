@@ -224,7 +224,19 @@ QTreeWidgetItem* TexturePanel::AddAnimationNode(int animation) {
     return n;
 }
 
+void TexturePanel::trwTextures_Reset() {
+    tmrAnimPreview->stop();
+    m_nodes.clear();
+    trwTextures->clear();
+    m_mapRoot = m_animRoot = nullptr;
+    trwTextures_Populate(false);
+}
+
 void TexturePanel::trwTextures_Populate() {
+    trwTextures_Populate(true);
+}
+
+void TexturePanel::trwTextures_Populate(bool withEntities) {
     tmrAnimPreview->stop();
     trwTextures->setUpdatesEnabled(false);
     trwTextures->clear();
@@ -240,6 +252,12 @@ void TexturePanel::trwTextures_Populate() {
     setImage(m_animRoot, QStringLiteral("Folder"));
     m_nodes.insert(QStringLiteral("ANIMATION"), m_animRoot);
 
+    if (!withEntities) {
+        trwTextures->setUpdatesEnabled(true);
+        ClearPreview();
+        enableButtons(false, false);
+        return;
+    }
     for (int b = ZELMAR_bitmap_get_first_bitmap(); b; b = ZELMAR_bitmap_get_next(b))
         if (IsListedBitmapName(EntityName(b))) AddBitmapNode(b);
     // Files the world named but that could not be read: listed, marked, never applied.

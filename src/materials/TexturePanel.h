@@ -54,6 +54,8 @@ class TexturePanel : public QWidget {
 
     // ---- the tree -------------------------------------------------------------------------------------
     void trwTextures_Populate();
+    // The world unloaded: the preview timer stops, the picture clears, the two roots stay empty.
+    void trwTextures_Reset();
     void trwTextures_NodeClick(QTreeWidgetItem* node);
     void trwTextures_Collapse(QTreeWidgetItem* node);
     void trwTextures_Expand(QTreeWidgetItem* node);
@@ -97,6 +99,7 @@ class TexturePanel : public QWidget {
     int PreviewFrame() const { return m_animFrame; }
 
   private:
+    void trwTextures_Populate(bool withEntities);
     void enableButtons(bool apply, bool update);
     void setImage(QTreeWidgetItem* node, const QString& image);
     void placePreview(const QImage& img);

@@ -232,9 +232,10 @@ void unload(Bitmap& b) {
 }
 
 namespace {
+// Never destroyed: the world (a static too) empties it while the program ends.
 std::vector<MissingFile>& missingList() {
-    static std::vector<MissingFile> list;
-    return list;
+    static auto* list = new std::vector<MissingFile>;
+    return *list;
 }
 } // namespace
 
