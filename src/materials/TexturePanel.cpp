@@ -209,7 +209,10 @@ QTreeWidgetItem* TexturePanel::AddBitmapNode(int bitmap) {
     if (!file.isEmpty()) name = QFileInfo(file).completeBaseName();
     n->setText(0, name);
     n->setData(0, KeyRole, key);
-    setImage(n, QStringLiteral("Texture"));
+    // A bitmap whose file has gone from the disk since it was loaded is marked, not hidden.
+    const bool gone = !file.isEmpty() && FileBehindBitmap(bitmap).isEmpty();
+    setImage(n, gone ? QStringLiteral("Texture Missing") : QStringLiteral("Texture"));
+    if (gone) n->setToolTip(0, GetLocaleString(609) + QStringLiteral(" ") + file);
     m_nodes.insert(key, n);
     return n;
 }
@@ -357,10 +360,16 @@ void TexturePanel::placePreview(const QImage& img) {
 
 bool TexturePanel::PreviewBitmap(int bitmap) {
     const QString file = FileBehindBitmap(bitmap);
+    QTreeWidgetItem* node = Node(QStringLiteral("Map") + QString::number(bitmap));
     if (file.isEmpty()) {
         ClearPreview();
+        if (node && ZELMAR_bitmap_get_file(bitmap)[0]) setImage(node, QStringLiteral("Texture Missing"));
         dialogs().msgBox(GetLocaleString(609), MsgOKOnly, MsgInformation);
         return false;
+    }
+    if (node && NodeImage(node) != QLatin1String("Texture")) {
+        setImage(node, QStringLiteral("Texture")); // back on disk
+        node->setToolTip(0, QString());
     }
     const QImage img = BitmapView(bitmap);
     placePreview(img);

@@ -116,11 +116,20 @@ TEST_F(TextureList, NodeClicksPreviewAndEnableTheButtons) {
     EXPECT_FALSE(panel->cmdTextureUpdate->isEnabled());
     EXPECT_TRUE(panel->lblTextureDim->text().isEmpty());
 
-    // The file behind a bitmap gone: "File not found!" and no picture.
+    // The file behind a bitmap gone: "File not found!", no picture, and the node marked.
     QFile::remove(file("small.bmp"));
     click(mapNode(small));
     EXPECT_EQ(dialogs.last("msgBox")->text, GetLocaleString(609));
     EXPECT_FALSE(panel->imgTexture->isVisible());
+    EXPECT_EQ(TexturePanel::NodeImage(mapNode(small)), QStringLiteral("Texture Missing"));
+    panel->trwTextures_Populate();
+    EXPECT_EQ(TexturePanel::NodeImage(mapNode(small)), QStringLiteral("Texture Missing"));
+    EXPECT_EQ(TexturePanel::NodeImage(mapNode(big)), QStringLiteral("Texture"));
+    // A world unloaded leaves the two roots, empty.
+    panel->trwTextures_Reset();
+    EXPECT_EQ(panel->trwTextures->topLevelItemCount(), 2);
+    EXPECT_EQ(node(QStringLiteral("MAP"))->childCount(), 0);
+    EXPECT_FALSE(mapNode(big));
 }
 
 TEST_F(TextureList, PreviewPlacementKeepsTheAspectAndNeverEnlarges) {
