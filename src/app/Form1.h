@@ -53,6 +53,8 @@ class trwLight;
 class formTip;
 class CreatePanel;
 class frmEditGeom;
+class PolygonSurfacePanel;
+class TexturePanel;
 
 class frmPicWins;
 
@@ -282,6 +284,8 @@ public:
     trwLight* LightTree = nullptr;
     QTreeWidget* trwModel = nullptr;
     QTreeWidget* trwTextures = nullptr;
+    TexturePanel* frmTexture = nullptr;             // the Texture tab (holds trwTextures)
+    PolygonSurfacePanel* frmPolSurface = nullptr;   // the polygon panel of the Edit Group tab (holds cmbPolFilter)
     QComboBox *cmbObj = nullptr, *cmbObjEditGeom = nullptr, *cmbNewObjType = nullptr, *cmbTrackPoint = nullptr,
               *cmbPolFilter = nullptr;
     QLabel* lblSelectedGrpName = nullptr;
@@ -333,6 +337,12 @@ public:
     void ScaleSceneLights(int index) override;
     // Markers of the saved cameras and lights (load, add).
     void RefreshMarkers() override;
+
+    // ---- the materials (Form1_Materials.cpp) ---------------------------------------------------------
+    void mnuGrpProperties_Click();
+    void PopulateTextureTree() override;
+    void UnloadTextureMapping() override;
+    void RefreshTextureMapping() override;
 
     // ---- DocumentHost ------------------------------------------------------------------------------
     ActionUndoRedo_Stack& UndoStack() override;

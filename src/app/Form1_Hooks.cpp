@@ -7,6 +7,7 @@
 #include "frame/Preferences.h"
 #include "Form1_Gizmo.h"
 #include "Form1_Lighting.h"
+#include "Form1_Materials.h"
 #include "Form1_Selection.h"
 #include "Form1_Tracks.h"
 #include "modelling/ModellingActions.h"
@@ -37,8 +38,10 @@ void Form1::CreateSharedObjects() {
     InstallGizmos(*this);
     InstallModellingActions();
     InstallWorkbench(*this);
+    InstallMaterials(*this);
 }
 void Form1::ReleaseSharedObjects() {
+    ReleaseMaterials();
     ReleaseWorkbench();
     ReleaseGizmos();
     ReleaseTracks();

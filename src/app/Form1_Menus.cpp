@@ -15,6 +15,8 @@
 #include "library/formTip.h"
 #include "undo/ActionUndoRedo_Stack.h"
 #include "view/frmPicWins.h"
+#include "materials/PolygonSurfacePanel.h"
+#include "materials/TexturePanel.h"
 
 #include <QComboBox>
 #include <QDesktopServices>
@@ -278,7 +280,8 @@ void Form1::ApplyLanguage() {
     refill(cmbObjEditGeom, {325, 329});
     refill(cmbTrackPoint, {349, 325});
     refill(cmbNewObjType, {351, 403, 352, 353, 404, 354});
-    refill(cmbPolFilter, {365, 362, 363, 364, 366, 367, 368, 369, 370});
+    if (frmPolSurface) frmPolSurface->ApplyLanguage();
+    if (frmTexture) frmTexture->ApplyLanguage();
     // The viewport labels keep their views; their texts come from the table.
     if (frmPicWins) frmPicWins->ApplyLanguage();
 }

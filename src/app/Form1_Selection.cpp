@@ -14,12 +14,12 @@
 #include "document/WorldDocument.h"
 #include "view/frmPicWins.h"
 #include "modelling/frmEditGeom.h"
-
-#include <QLineEdit>
-#include <QCheckBox>
-#include <zelmar/zelmar.h>
+#include "materials/PolygonSurfacePanel.h"
+#include "materials/TexturePanel.h"
 
 #include <QAction>
+#include <QCheckBox>
+#include <QLineEdit>
 #include <zelmar/zelmar.h>
 #include <QComboBox>
 #include <QLabel>
@@ -78,7 +78,9 @@ class Form1SelectionHost : public SelectionHost {
     }
     void ShowGroupPanel(int) override {
         m_f.SetCmbObjItems({GetLocaleString(322), GetLocaleString(323), GetLocaleString(324)}, 0);
+        if (m_f.frmPolSurface) m_f.frmPolSurface->UpdateEditGeomTabBasedOnPolsSelected();
     }
+    bool TextureMappingUp() override { return m_f.frmTexture && m_f.frmTexture->TextureMapping(); }
     void UpdateStatusBar() override {
         if (m_f.Document()) m_f.Document()->UpdateStatusBar();
     }
@@ -125,6 +127,8 @@ class Form1SelectionHost : public SelectionHost {
         if (n == 1) text = QString::fromLocal8Bit(ZELMAR_polygon_get_name(Sel().SelPols[1]));
         else if (n > 1) text = QString::number(n) + GetLocaleString(390); // " Pols selected"
         m_f.EditGeomPanel->txtSelPolName->setText(text);
+        if (m_f.frmPolSurface) m_f.frmPolSurface->UpdateEditGeomTabBasedOnPolsSelected();
+        m_f.RefreshTextureMapping();
     }
     bool IgnoreBackFacedForPtSel() override {
         return m_f.EditGeomPanel && m_f.EditGeomPanel->chkIgnoreBackFacedForPtSel->isChecked();
@@ -335,6 +339,7 @@ void Form1::ClearWorldState() {
     if (g_model) g_model->ClearWorldState();
     if (FormTracks()) FormTracks()->ClearWorldState();
     if (FormLighting()) FormLighting()->ResetMarkers();
+    if (frmTexture) frmTexture->trwTextures_Reset(); // tmrAnimPreview, imgTexture, and no stale handles
 }
 
 // ---- ViewportHost -------------------------------------------------------------------------------

@@ -14,6 +14,8 @@
 #include "document/WorldDocument.h"
 #include "builders/CreatePanel.h"
 #include "modelling/frmEditGeom.h"
+#include "materials/PolygonSurfacePanel.h"
+#include "materials/TexturePanel.h"
 #include "undo/ActionUndoRedo_Stack.h"
 
 #include <QApplication>
@@ -100,18 +102,23 @@ void Form1::buildWorkspace() {
             handleEvent("Form1", "mnuStandardGroups_Click", [&] { mnuStandardGroups_Click(k); });
         });
     // The Edit Geometry panel holds the point and polygon commands, the extrude and bevel spinners and the
-    // cut button (src/modelling).
+    // cut button (src/modelling); the polygon panel the filter, the rotated flag, the light diminution and
+    // the colours (src/materials).
     EditGeomPanel = new frmEditGeom(edit);
     for (int i = 0; i < 2; ++i)
         spnExtBvl[size_t(i)] = EditGeomPanel->spnExtBvl[size_t(i)];
     tlbrCut = EditGeomPanel->tlbrCut;
-    cmbPolFilter = new QComboBox(edit);
-    cmbPolFilter->setObjectName(QStringLiteral("cmbPolFilter"));
+    frmPolSurface = new PolygonSurfacePanel(edit);
+    cmbPolFilter = frmPolSurface->cmbPolFilter;
+    // One box names the selected polygon: the polygon frame's of Edit Geometry.
+    frmPolSurface->lblSelPolName->hide();
+    frmPolSurface->txtSelPolName->hide();
+    frmPolSurface->txtSelPolName->setObjectName(QStringLiteral("txtSelPolNameSurface"));
     form->addRow(cmbObj);
     form->addRow(cmbObjEditGeom);
     form->addRow(frmCreate);
     form->addRow(EditGeomPanel);
-    form->addRow(cmbPolFilter);
+    form->addRow(frmPolSurface);
     static_cast<QVBoxLayout*>(edit->layout())->addLayout(form);
     static_cast<QVBoxLayout*>(edit->layout())->addStretch(1);
     connect(cmbObj, &QComboBox::currentIndexChanged, this, [this] { handleEvent("Form1", "cmbObj_Change", [&] { cmbObj_Change(); }); });
@@ -148,10 +155,10 @@ void Form1::buildWorkspace() {
 
     // 5: Texture.
     QWidget* texture = page("frmTexture");
-    trwTextures = new QTreeWidget(texture);
-    trwTextures->setObjectName(QStringLiteral("trwTextures"));
-    trwTextures->setHeaderHidden(true);
-    texture->layout()->addWidget(trwTextures);
+    // The texture list, its preview and the planar mapper (src/materials).
+    frmTexture = new TexturePanel(texture);
+    trwTextures = frmTexture->trwTextures;
+    texture->layout()->addWidget(frmTexture);
 
     // The Edit Group tab holds more controls than a small window has room for: it scrolls rather than make
     // the window taller.
@@ -160,7 +167,13 @@ void Form1::buildWorkspace() {
     editScroll->setFrameShape(QFrame::NoFrame);
     editScroll->setWidgetResizable(true);
     editScroll->setWidget(edit);
-    for (QWidget* w : {groups, static_cast<QWidget*>(editScroll), cam, light, gallery, texture})
+    // The Texture tab too: its preview and buttons must not make the window taller.
+    auto* textureScroll = new QScrollArea(tabWorkspace);
+    textureScroll->setObjectName(QStringLiteral("frmTextureScroll"));
+    textureScroll->setFrameShape(QFrame::NoFrame);
+    textureScroll->setWidgetResizable(true);
+    textureScroll->setWidget(texture);
+    for (QWidget* w : {groups, static_cast<QWidget*>(editScroll), cam, light, gallery, static_cast<QWidget*>(textureScroll)})
         tabWorkspace->addTab(w, QString());
     connect(tabWorkspace, &QTabWidget::currentChanged, this, [this](int index) {
         handleEvent("Form1", "tabWorkspace_Click", [&] { tabWorkspace_Click(index); });
@@ -200,6 +213,8 @@ void Form1::buildStatusBar() {
 
 void Form1::tabWorkspace_Click(int index) {
     if (m_document) m_document->tabWorkspace_Click(index);
+    // The Texture tab has no enabling rule of its own: it works whatever is selected.
+    if (index == TabTexture && WorldOpen()) EnableWorkspaceTab(TabTexture);
 }
 
 void Form1::cmbTrackPoint_InitialSetup() {
@@ -209,9 +224,7 @@ void Form1::cmbTrackPoint_InitialSetup() {
 }
 
 void Form1::cmbPolFilter_InitialSetup() {
-    cmbPolFilter->clear();
-    for (int id : {365, 362, 363, 364, 366, 367, 368, 369, 370}) cmbPolFilter->addItem(GetLocaleString(id));
-    cmbPolFilter->setCurrentIndex(0);
+    frmPolSurface->cmbPolFilter_InitialSetup();
 }
 
 void Form1::cmbNewObjType_InitialSetup() {

@@ -190,9 +190,12 @@ void TracksController::DeleteCamera(int camera) {
 }
 
 void TracksController::EditChase() {
-    const SelectionState& s = Sel();
-    if (s.CurrSelEntityType == 0) return;
-    ChaseTarget target{s.CurrSelEntityType, s.CurrSelEntity};
+    EditChaseOf(Sel().CurrSelEntityType, Sel().CurrSelEntity);
+}
+
+void TracksController::EditChaseOf(int type, int handle) {
+    if (type == 0 || handle == 0) return;
+    ChaseTarget target{type, handle};
     formCamChaseParams form(target, [this](int g) { m_host.GroupDynamicChanged(g); }, m_host.DialogParent());
     dialogs().exec(form);
 }

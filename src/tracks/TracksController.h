@@ -54,8 +54,9 @@ class TracksController {
     void FakeDeleteCamera(int camera);
     void UnDeleteCamera(int camera);
     void DeleteCameraPermanently(int camera);
-    // The chase dialog for the current camera or group.
+    // The chase dialog for the current camera or group, or for the given entity (type 1 group, 2 camera).
     void EditChase();
+    void EditChaseOf(int type, int handle);
 
     // ---- tracks --------------------------------------------------------------------------------------
     TrackTools& Tracks() { return m_tracks; }

@@ -1,8 +1,10 @@
-// Bitmaps: loading .bmp and .jpg files, palette and transparent colour queries.
+// Bitmaps: loading .bmp, .jpg, .png and .tga files, palette and transparent colour queries.
 #include "api/EntityArgs.h"
 #include "scene/BitmapStore.h"
 
 #include <zelmar/zelmar.h>
+
+#include <new>
 
 using namespace zelmar;
 using namespace zelmar::api;
@@ -12,7 +14,12 @@ extern "C" {
 int ZELMAR_bitmap_load(const char* file, int transparent_index) {
     if (!nameArg(file, "bitmap_load")) return 0;
     std::string error;
-    Bitmap* b = bitmaps::load(file, transparent_index, error);
+    Bitmap* b = nullptr;
+    try {
+        b = bitmaps::load(file, transparent_index, error);
+    } catch (const std::bad_alloc&) {
+        error = std::string(file) + ": not enough memory for its pixels";
+    }
     if (!b) {
         setLastError("bitmap_load: " + error);
         return 0;
@@ -128,6 +135,25 @@ int ZELMAR_bitmap_resample(int bitmap, int width, int height) {
     if (bitmaps::resample(*b, width, height, error)) return 1;
     setLastError("bitmap_resample: " + error);
     return 0;
+}
+
+const char* ZELMAR_bitmap_get_file(int bitmap) {
+    const Bitmap* b = bitmapArg(bitmap, "bitmap_get_file");
+    return b ? b->path.c_str() : "";
+}
+
+int ZELMAR_bitmap_get_number_of_missing(void) {
+    return static_cast<int>(bitmaps::missing().size());
+}
+
+const char* ZELMAR_bitmap_get_missing_file(int index) {
+    const auto& m = bitmaps::missing();
+    return index >= 0 && size_t(index) < m.size() ? m[size_t(index)].file.c_str() : "";
+}
+
+const char* ZELMAR_bitmap_get_missing_reason(int index) {
+    const auto& m = bitmaps::missing();
+    return index >= 0 && size_t(index) < m.size() ? m[size_t(index)].reason.c_str() : "";
 }
 
 } // extern "C"

@@ -15,6 +15,8 @@
 #define STB_IMAGE_IMPLEMENTATION
 #define STBI_ONLY_BMP
 #define STBI_ONLY_JPEG
+#define STBI_ONLY_PNG
+#define STBI_ONLY_TGA
 #define STBI_NO_STDIO
 #define STBI_MAX_DIMENSIONS 16384
 #define STB_IMAGE_WRITE_STATIC
@@ -278,12 +280,56 @@ void writeBmp8(const Image& img, std::vector<uint8_t>& out) {
     }
 }
 
+// A .tga has no signature: its 18-byte header must describe an image stb can read (colour-mapped,
+// true-colour or grey, plain or run-length) with a size, a pixel depth and a colour map that make sense.
+bool tgaHeaderSane(const uint8_t* d, size_t size) {
+    if (size < 18) return false;
+    const uint8_t mapType = d[1], type = d[2], depth = d[16];
+    const uint32_t mapLength = le16(d + 5), mapDepth = d[7];
+    const uint32_t width = le16(d + 12), height = le16(d + 14);
+    if (mapType > 1 || width == 0 || height == 0) return false;
+    const uint8_t base = type > 8 ? type - 8 : type;
+    if (base != 1 && base != 2 && base != 3) return false;
+    if (base == 1) {
+        if (mapType != 1 || mapLength == 0 || (depth != 8 && depth != 16)) return false;
+        if (mapDepth != 15 && mapDepth != 16 && mapDepth != 24 && mapDepth != 32) return false;
+    } else if (base == 2) {
+        if (depth != 15 && depth != 16 && depth != 24 && depth != 32) return false;
+    } else if (depth != 8 && depth != 16) {
+        return false;
+    }
+    return true;
+}
+
+// A .tga whose pixels are cut short (stb reads zeros past the end): the plain rows, or the
+// run-length packets walked, must fit in the bytes. Empty when nothing is wrong.
+std::string tgaProblem(const uint8_t* d, size_t size) {
+    const size_t idLength = d[0], mapLength = le16(d + 5), mapEntry = (size_t(d[7]) + 7) / 8;
+    const size_t pixelBytes = (size_t(d[16]) + 7) / 8;
+    const size_t pixels = size_t(le16(d + 12)) * le16(d + 14);
+    size_t pos = 18 + idLength + (d[1] ? mapLength * mapEntry : 0);
+    if (pos > size) return "truncated .tga header";
+    if (d[2] < 8) return pos + pixels * pixelBytes > size ? "truncated .tga pixel data" : "";
+    for (size_t done = 0; done < pixels;) {
+        if (pos >= size) return "truncated .tga pixel data";
+        const uint8_t packet = d[pos++];
+        const size_t count = size_t(packet & 0x7F) + 1;
+        pos += packet & 0x80 ? pixelBytes : count * pixelBytes;
+        if (pos > size) return "truncated .tga pixel data";
+        done += count;
+    }
+    return "";
+}
+
 } // namespace
 
 Format sniff(const uint8_t* data, size_t size) {
     if (!data) return Format::Unknown;
     if (size >= 2 && data[0] == 'B' && data[1] == 'M') return Format::Bmp;
     if (size >= 3 && data[0] == 0xFF && data[1] == 0xD8 && data[2] == 0xFF) return Format::Jpeg;
+    static const uint8_t png[8] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+    if (size >= 8 && std::memcmp(data, png, 8) == 0) return Format::Png;
+    if (tgaHeaderSane(data, size)) return Format::Tga;
     return Format::Unknown;
 }
 
@@ -291,6 +337,8 @@ Format formatForPath(const std::string& path) {
     const std::string ext = lower(std::filesystem::path(path).extension().string());
     if (ext == ".bmp") return Format::Bmp;
     if (ext == ".jpg" || ext == ".jpeg") return Format::Jpeg;
+    if (ext == ".png") return Format::Png;
+    if (ext == ".tga") return Format::Tga;
     return Format::Unknown;
 }
 
@@ -302,7 +350,7 @@ bool decodeMemory(const uint8_t* data, size_t size, Image& out, std::string& err
     }
     const Format f = sniff(data, size);
     if (f == Format::Unknown) {
-        error = "not a .bmp or .jpg image";
+        error = "not a .bmp, .jpg, .png or .tga image";
         return false;
     }
     if (size > size_t(INT32_MAX)) {
@@ -312,6 +360,12 @@ bool decodeMemory(const uint8_t* data, size_t size, Image& out, std::string& err
     if (f == Format::Jpeg && !jpegHuffmanTablesSane(data, size)) {
         error = "cannot decode image: corrupt JPEG (bad Huffman table)";
         return false;
+    }
+    if (f == Format::Tga) {
+        if (std::string problem = tgaProblem(data, size); !problem.empty()) {
+            error = "cannot decode image: " + problem;
+            return false;
+        }
     }
     if (f == Format::Bmp) {
         if (std::string problem = bmpProblem(data, size); !problem.empty()) {
@@ -411,6 +465,29 @@ bool encodeJpeg(const Image& img, int quality, std::vector<uint8_t>& out, std::s
     return true;
 }
 
+bool encodePng(const Image& img, std::vector<uint8_t>& out, std::string& error) {
+    if (!checkImage(img, error)) return false;
+    out.clear();
+    const std::vector<uint8_t> rgb = toRgb(img);
+    if (!stbi_write_png_to_func(appendBytes, &out, img.width, img.height, 3, rgb.data(), img.width * 3)) {
+        error = "cannot encode .png";
+        return false;
+    }
+    return true;
+}
+
+bool encodeTga(const Image& img, std::vector<uint8_t>& out, std::string& error) {
+    if (!checkImage(img, error)) return false;
+    out.clear();
+    const std::vector<uint8_t> rgb = toRgb(img);
+    stbi_write_tga_with_rle = 0;
+    if (!stbi_write_tga_to_func(appendBytes, &out, img.width, img.height, 3, rgb.data())) {
+        error = "cannot encode .tga";
+        return false;
+    }
+    return true;
+}
+
 bool encodeFile(const Image& img, const std::string& path, std::string& error, int jpegQuality) {
     std::vector<uint8_t> bytes;
     switch (formatForPath(path)) {
@@ -420,8 +497,14 @@ bool encodeFile(const Image& img, const std::string& path, std::string& error, i
     case Format::Jpeg:
         if (!encodeJpeg(img, jpegQuality, bytes, error)) return false;
         break;
+    case Format::Png:
+        if (!encodePng(img, bytes, error)) return false;
+        break;
+    case Format::Tga:
+        if (!encodeTga(img, bytes, error)) return false;
+        break;
     default:
-        error = "unsupported image file type (only .bmp and .jpg): " + path;
+        error = "unsupported image file type (only .bmp, .jpg, .png and .tga): " + path;
         return false;
     }
     return io::writeFileAtomically(

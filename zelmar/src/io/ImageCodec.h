@@ -1,4 +1,5 @@
-// Reading and writing the two image kinds the engine supports: .bmp and .jpg.
+// Reading and writing the image kinds the engine supports: .bmp and .jpg, and beside them
+// .png and .tga (read and written; a world saves such a bitmap under its own extension).
 // Decoding is stb's; a paletted .bmp also keeps its palette and per-pixel indices so
 // that transparent indices and palette queries mean what they meant in the file.
 // Nothing here throws: every failure answers false with a readable text in `error`.
@@ -20,7 +21,7 @@ struct Image {
     int paletteSize() const { return static_cast<int>(palette.size() / 3); }
 };
 
-enum class Format { Unknown, Bmp, Jpeg };
+enum class Format { Unknown, Bmp, Jpeg, Png, Tga };
 
 // Largest width or height accepted from a file; protects against absurd headers.
 constexpr int kMaxDimension = 16384;
@@ -28,7 +29,7 @@ constexpr int kMaxDimension = 16384;
 // is refused with a clear text instead of claiming gigabytes.
 constexpr uint64_t kMaxPixels = uint64_t(1) << 26;
 
-// The kind of the bytes, by their signature.
+// The kind of the bytes, by their signature (a .tga has none: its header is checked for sense).
 Format sniff(const uint8_t* data, size_t size);
 // The kind a file name asks for, by its extension (case-insensitive).
 Format formatForPath(const std::string& path);
@@ -40,7 +41,10 @@ bool decodeFile(const std::string& path, Image& out, std::string& error);
 bool encodeBmp(const Image& img, std::vector<uint8_t>& out, std::string& error);
 // .jpg with quality 1..100 (out-of-range values are clamped).
 bool encodeJpeg(const Image& img, int quality, std::vector<uint8_t>& out, std::string& error);
-// By the file's extension (.bmp or .jpg/.jpeg). Written as io/AtomicFile writes, so a
+// .png (lossless, 24-bit) and .tga (uncompressed 24-bit).
+bool encodePng(const Image& img, std::vector<uint8_t>& out, std::string& error);
+bool encodeTga(const Image& img, std::vector<uint8_t>& out, std::string& error);
+// By the file's extension (.bmp, .jpg/.jpeg, .png or .tga). Written as io/AtomicFile writes, so a
 // failed write never leaves a half-written image nor a scratch file.
 bool encodeFile(const Image& img, const std::string& path, std::string& error, int jpegQuality = 90);
 

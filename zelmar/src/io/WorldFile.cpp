@@ -140,6 +140,8 @@ bool loadWorld(World& w, const std::string& path, const std::string& bitmapsFold
         outcome.warning = text + " (its polygons keep a colour fill)";
     }
     if (replace) w.clear();
+    for (size_t i = 0, k = 0; i < images.found.size(); ++i)
+        if (!images.found[i]) bitmaps::noteMissing(d.bitmaps[i].file, k < images.problems.size() ? images.problems[k++] : "");
     outcome.built = build(w, d, images);
     return true;
 }

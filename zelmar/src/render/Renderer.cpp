@@ -10,6 +10,7 @@
 #include "scene/Walks.h"
 #include "scene/World.h"
 #include <algorithm>
+#include <array>
 #include <cfloat>
 #include <cmath>
 #include <cstring>
@@ -50,7 +51,9 @@ struct FrameData {
     bool fog = false;
     double fogIntensity = 0;
     std::unordered_map<Handle, const Texture*> bitmaps;
-    std::unordered_map<Handle, const Texture*> animations;
+    // The frame showing now in each of the five view directions (an empty direction shows its
+    // nearest neighbour's).
+    std::unordered_map<Handle, std::array<const Texture*, Animation::kViewDirections>> animations;
     std::vector<ActiveLight> lights;
     std::vector<std::vector<const ActiveLight*>> lightSets;
     // Clip planes in camera space, k0*depth + k1*left + k2*up + k3 >= 0: [0] near, [1..4]
@@ -258,6 +261,31 @@ const Texture* lookup(const std::unordered_map<Handle, const Texture*>& m, Handl
     return it == m.end() ? nullptr : it->second;
 }
 
+// The view direction (0 front .. 4 back) from which the camera sees a polygon: the angle between its
+// front normal and the way to the eye, in sectors of 45 degrees centred on 0, 45, 90, 135 and 180.
+int viewDirection(const View& view, const PackedPolygon& pp) {
+    const double* n = pp.normal;
+    double to[3];
+    if (view.perspective) {
+        for (int i = 0; i < 3; ++i)
+            to[i] = view.eye[i] - (pp.box[i] + pp.box[i + 3]) / 2;
+    } else {
+        for (int i = 0; i < 3; ++i)
+            to[i] = -view.axis[0][i];
+    }
+    const double len = std::sqrt(to[0] * to[0] + to[1] * to[1] + to[2] * to[2]);
+    const double nlen = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
+    if (!(len > 0) || !(nlen > 0)) return 0;
+    const double c = std::clamp((n[0] * to[0] + n[1] * to[1] + n[2] * to[2]) / (len * nlen), -1.0, 1.0);
+    const double degrees = std::acos(c) * 180.0 / 3.14159265358979323846;
+    return std::min(4, static_cast<int>((degrees + 22.5) / 45.0));
+}
+
+const Texture* animationTexture(const FrameData& fd, const PackedPolygon& pp) {
+    auto it = fd.animations.find(pp.animation);
+    return it == fd.animations.end() ? nullptr : it->second[static_cast<size_t>(viewDirection(fd.view, pp))];
+}
+
 void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const PackedPolygon& pp,
                     int lightSet, bool inside) {
     if (pp.disabled || pp.triCount == 0) return;
@@ -275,7 +303,7 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
     }
     const Texture* tex = nullptr;
     if (!fd.colorFill) {
-        tex = pp.animation ? lookup(fd.animations, pp.animation) : nullptr;
+        tex = pp.animation ? animationTexture(fd, pp) : nullptr;
         if (!tex) tex = lookup(fd.bitmaps, pp.bitmap);
     }
     const Texture* tex2 = lookup(fd.bitmaps, pp.secondBitmap);
@@ -371,24 +399,41 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
     }
 }
 
-const Texture* animationFrame(const Animation& a) {
-    const std::vector<Animation::Frame>* frames = nullptr;
-    for (const auto& f : a.frames)
-        if (!f.empty()) {
-            frames = &f;
-            break;
-        }
-    if (!frames) return nullptr;
+// The frame of one direction's frames that the animation clock points at; null for none.
+const Texture* animationFrame(const std::vector<Animation::Frame>& frames) {
+    if (frames.empty()) return nullptr;
     int64_t total = 0;
-    for (const auto& f : *frames)
+    for (const auto& f : frames)
         total += std::max<int32_t>(f.time, 1) * 10;
     int64_t t = animationClockMs() % std::max<int64_t>(total, 1);
-    for (const auto& f : *frames) {
+    for (const auto& f : frames) {
         const int64_t d = std::max<int32_t>(f.time, 1) * 10;
         if (t < d) return preparedTexture(f.bitmap, f.transparentIndex);
         t -= d;
     }
-    return preparedTexture(frames->back().bitmap, frames->back().transparentIndex);
+    return preparedTexture(frames.back().bitmap, frames.back().transparentIndex);
+}
+
+// Each direction's current frame; a direction without frames borrows from the nearest direction
+// that has some (the one nearer the front on a tie). False when no direction has a frame.
+bool animationFrames(const Animation& a, std::array<const Texture*, Animation::kViewDirections>& out) {
+    constexpr int n = Animation::kViewDirections;
+    std::array<const Texture*, n> own{};
+    bool any = false;
+    for (int d = 0; d < n; ++d) {
+        own[static_cast<size_t>(d)] = animationFrame(a.frames[d]);
+        any = any || own[static_cast<size_t>(d)];
+    }
+    if (!any) return false;
+    for (int d = 0; d < n; ++d) {
+        const Texture* t = nullptr;
+        for (int step = 0; !t && step < n; ++step) {
+            if (d - step >= 0) t = own[static_cast<size_t>(d - step)];
+            if (!t && d + step < n) t = own[static_cast<size_t>(d + step)];
+        }
+        out[static_cast<size_t>(d)] = t;
+    }
+    return true;
 }
 
 void fillBackground(const Target& t, const FrameData& fd, int y0, int y1, const Texture* bg,
@@ -439,7 +484,7 @@ void drawWireframe(Target& t, const FrameData& fd, const std::vector<Segment>& s
             if (pp.disabled) continue;
             uint32_t color = 0xFF000000u | pp.color[0] | (pp.color[1] << 8) | (pp.color[2] << 16);
             if (!fd.colorFill) {
-                const Texture* tex = pp.animation ? lookup(fd.animations, pp.animation) : nullptr;
+                const Texture* tex = pp.animation ? animationTexture(fd, pp) : nullptr;
                 if (!tex) tex = lookup(fd.bitmaps, pp.bitmap);
                 if (tex) color = tex->mean;
             }
@@ -481,8 +526,10 @@ bool renderFrame(Target& target, const Camera& camera, bool clear, std::string& 
     World& w = world();
     for (const Bitmap* b : w.list<Bitmap>())
         if (const Texture* t = preparedTexture(b->handle)) fd.bitmaps.emplace(b->handle, t);
-    for (const Animation* a : w.list<Animation>())
-        if (const Texture* t = animationFrame(*a)) fd.animations.emplace(a->handle, t);
+    for (const Animation* a : w.list<Animation>()) {
+        std::array<const Texture*, Animation::kViewDirections> frames{};
+        if (animationFrames(*a, frames)) fd.animations.emplace(a->handle, frames);
+    }
 
     fd.lights = gatherLights();
     SceneCache& cache = sceneCache();

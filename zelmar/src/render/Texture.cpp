@@ -31,7 +31,16 @@ void prepare(const Bitmap& b, int index, Texture& t) {
     std::memcpy(t.texels.data(), b.rgba.data(), n * 4);
     const int ti = index >= 0 ? index : b.transparentIndex;
     const bool byIndex = ti >= 0 && b.indices.size() == n;
-    const bool byRgb = !byIndex && index < 0 && b.transparentRgb[0] >= 0;
+    // A true-colour bitmap keys on a colour: its own, or the packed colour of the index asked for
+    // (an animation frame keeps the index it was added with).
+    int key[3] = {b.transparentRgb[0], b.transparentRgb[1], b.transparentRgb[2]};
+    bool byRgb = false;
+    if (!byIndex && index >= 0 && index <= 0xFFFFFF) {
+        key[0] = index & 0xFF, key[1] = (index >> 8) & 0xFF, key[2] = (index >> 16) & 0xFF;
+        byRgb = b.indices.empty();
+    } else if (!byIndex && index < 0) {
+        byRgb = b.transparentRgb[0] >= 0;
+    }
     t.transparent = false;
     uint64_t sum[3] = {0, 0, 0};
     size_t opaque = 0;
@@ -41,9 +50,8 @@ void prepare(const Bitmap& b, int index, Texture& t) {
         if (byIndex)
             clear = b.indices[i] == ti;
         else if (byRgb)
-            clear = static_cast<int>(c & 0xFF) == b.transparentRgb[0] &&
-                    static_cast<int>((c >> 8) & 0xFF) == b.transparentRgb[1] &&
-                    static_cast<int>((c >> 16) & 0xFF) == b.transparentRgb[2];
+            clear = static_cast<int>(c & 0xFF) == key[0] && static_cast<int>((c >> 8) & 0xFF) == key[1] &&
+                    static_cast<int>((c >> 16) & 0xFF) == key[2];
         if (clear) {
             c = 0;
             t.transparent = true;

@@ -231,4 +231,26 @@ void unload(Bitmap& b) {
     w.destroyBitmap(b);
 }
 
+namespace {
+// Never destroyed: the world (a static too) empties it while the program ends.
+std::vector<MissingFile>& missingList() {
+    static auto* list = new std::vector<MissingFile>;
+    return *list;
+}
+} // namespace
+
+void noteMissing(const std::string& file, const std::string& reason) {
+    for (const MissingFile& m : missingList())
+        if (m.file == file) return;
+    missingList().push_back({file, reason});
+}
+
+void clearMissing() {
+    missingList().clear();
+}
+
+const std::vector<MissingFile>& missing() {
+    return missingList();
+}
+
 } // namespace zelmar::bitmaps

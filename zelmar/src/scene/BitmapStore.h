@@ -9,6 +9,7 @@
 #include "scene/Entities.h"
 
 #include <string>
+#include <vector>
 
 namespace zelmar::bitmaps {
 
@@ -46,5 +47,15 @@ int polygonsUsing(Handle bitmap);
 void unload(Bitmap& b);
 
 std::string absolutePath(const std::string& file);
+
+// Bitmap files that a world being loaded or added named but that could not be read (missing or
+// corrupt), so that the editor can list them rather than let them vanish. Emptied with the world.
+struct MissingFile {
+    std::string file;   // as the world file names it
+    std::string reason; // why it could not be read
+};
+void noteMissing(const std::string& file, const std::string& reason);
+void clearMissing();
+const std::vector<MissingFile>& missing();
 
 } // namespace zelmar::bitmaps

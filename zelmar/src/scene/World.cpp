@@ -1,4 +1,5 @@
 #include "scene/World.h"
+#include "scene/BitmapStore.h"
 #include <algorithm>
 #include <cstdint>
 #include <new>
@@ -657,6 +658,7 @@ void World::clear() {
         destroyAnimation(*animations_.back());
     while (!bitmaps_.empty())
         destroyBitmap(*bitmaps_.back());
+    bitmaps::clearMissing();
     polygonPool_.trim();
     for (auto& pool : ringPools_)
         pool->trim();
