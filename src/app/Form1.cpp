@@ -164,8 +164,8 @@ void Form1::Form_Load() {
         InitialiseSpinners();
         // 20.
         for (int i = 0; i < 4; ++i) {
-            GridDisplay[size_t(i)] = Prefs().StartUpGrid != 1;
-            GridSnap[size_t(i)] = Prefs().StartUpGridSnap != 1;
+            SetGridDisplay(i, Prefs().StartUpGrid != 1);
+            SetGridSnap(i, Prefs().StartUpGridSnap != 1);
         }
         // 21.
         ZELMAR_light_calcualte_vertices_normals_automatically(1002);

@@ -210,8 +210,13 @@ public:
     int LayerGlobalA = 0, LayerGlobalB = 0, LayerGlobalC = 0; // Form_Load step 16
     bool ShowGizmoFlag = false;          // Form_Load step 17
     QPoint IKeyMousePos;                 // the I key's stored mouse position
-    std::array<bool, 4> GridDisplay{};   // Form_Load step 20
-    std::array<bool, 4> GridSnap{};
+    // The grid flags of viewport i (Form_Load step 20 sets them); they live in the viewports' grids.
+    bool GridDisplay(int index) const;
+    bool GridSnap(int index) const;
+    void SetGridDisplay(int index, bool visible);
+    void SetGridSnap(int index, bool on);
+    // The Grid and Grid Snap buttons show the active viewport's grid.
+    void SyncGridButtons();
     std::array<QPen, 12> Pens;           // white 1; red 1, 2; green 1, 2; blue 1, 2; yellow 1, 2; grey 1; black 1, 1
     bool PensCreated = false;
 
@@ -385,7 +390,7 @@ public:
     void DrawSelectedTrackPts(int index, QPainter& p) override;
     void DrawMultiSelection(int index, QPainter& p, bool wireframe) override;
     int ChooseViewCamera() override;
-    // Pushes Form1's mirrors (ActiveWin, ViewHasFocus, ToolMode, GridDisplay, GridSnap, density) to the views.
+    // Pushes Form1's mirrors (ActiveWin, ViewHasFocus, ToolMode) to the views.
     void SyncViewState();
 
 protected:

@@ -96,7 +96,31 @@ WeldTableT::Rec* WeldTableT::findSet(const double p[3]) const {
     return best;
 }
 
-void WeldTableT::EnterPolygon(int polygon) {
+void WeldTableT::file(Rec* r, const Key& k) {
+    r->key = k;
+    m_cells[k].push_back(r);
+}
+
+void WeldTableT::unfile(Rec* r) {
+    auto cell = m_cells.find(r->key);
+    if (cell == m_cells.end()) return;
+    auto& v = cell->second;
+    v.erase(std::remove(v.begin(), v.end(), r), v.end());
+    if (v.empty()) m_cells.erase(cell);
+}
+
+void WeldTableT::refile() {
+    for (const auto& r : m_sets) {
+        double first[3] = {0, 0, 0};
+        ZELMAR_point_get_xyz(r->set.Point(1), first);
+        const Key k = keyOf(first);
+        if (k == r->key) continue;
+        unfile(r.get());
+        file(r.get(), k);
+    }
+}
+
+void WeldTableT::enter(int polygon) {
     for (int pt = ZELMAR_polygon_get_first_point(polygon); pt != 0; pt = ZELMAR_point_get_next_point(pt)) {
         double xyz[3] = {0, 0, 0};
         ZELMAR_point_get_xyz(pt, xyz);
@@ -110,20 +134,25 @@ void WeldTableT::EnterPolygon(int polygon) {
         auto rec = std::make_unique<Rec>();
         rec->set.AddPt(pt, polygon);
         rec->slot = Count() + 1;
-        rec->key = keyOf(xyz);
-        m_cells[rec->key].push_back(rec.get());
+        file(rec.get(), keyOf(xyz));
         m_setOfPoint[pt] = rec.get();
         m_sets.push_back(std::move(rec));
     }
 }
 
+void WeldTableT::EnterPolygon(int polygon) {
+    refile();
+    enter(polygon);
+}
+
+void WeldTableT::EnterPolygons(const std::vector<int>& polygons) {
+    refile();
+    for (int p : polygons)
+        enter(p);
+}
+
 void WeldTableT::drop(Rec* r) {
-    auto cell = m_cells.find(r->key);
-    if (cell != m_cells.end()) {
-        auto& v = cell->second;
-        v.erase(std::remove(v.begin(), v.end(), r), v.end());
-        if (v.empty()) m_cells.erase(cell);
-    }
+    unfile(r);
     const int slot = r->slot;
     m_sets.erase(m_sets.begin() + (slot - 1));
     for (int i = slot - 1; i < Count(); ++i)
@@ -142,8 +171,9 @@ void WeldTableT::LeavePolygon(int polygon) {
 }
 
 void WeldTableT::EnterGroup(int group) {
+    refile();
     for (int pol = ZELMAR_group_get_first_polygon(group); pol != 0; pol = ZELMAR_group_get_next_polygon(pol))
-        EnterPolygon(pol);
+        enter(pol);
 }
 
 void WeldTableT::Clear() {

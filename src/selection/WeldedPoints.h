@@ -1,6 +1,10 @@
 // Coincident points of the group under edit. Points of neighbouring polygons that share a location are
 // kept in one WeldedPoints set so that tools move touching corners together. The table is one per
 // program (WeldTable, WeldTableCount), 1-based, with a fixed capacity.
+//
+// Sets are found by where their first point is now, not where it was when the set began: points move
+// (gizmo drags, typed transforms, undo and redo) without telling the table, so every entry re-files the
+// sets whose first point has left its cell before it looks anything up.
 #pragma once
 #include <array>
 #include <cstddef>
@@ -44,6 +48,8 @@ class WeldTableT {
     // Leaving a polygon: each of its points leaves its set; an emptied set is dropped and later sets shift
     // down one slot.
     void LeavePolygon(int polygon);
+    // Several polygons at once (one re-filing for all of them).
+    void EnterPolygons(const std::vector<int>& polygons);
     // Every polygon of the group's subtree, in walk order.
     void EnterGroup(int group);
     void Clear();
@@ -59,10 +65,15 @@ class WeldTableT {
     struct Rec {
         WeldedPoints set;
         int slot = 0; // index in the table, from 1
-        Key key{};    // cell of the location the set began at
+        Key key{};    // the cell the set is filed under: that of its first point's location at the last re-filing
     };
     static Key keyOf(const double p[3]);
     Rec* findSet(const double p[3]) const;
+    void enter(int polygon);
+    void file(Rec* r, const Key& k);
+    void unfile(Rec* r);
+    // Files every set under the cell of its first point's current location.
+    void refile();
     void drop(Rec* r);
 
     std::vector<std::unique_ptr<Rec>> m_sets; // slot i - 1 holds set i
