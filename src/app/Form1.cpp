@@ -17,7 +17,11 @@
 
 #include <zelmar/zelmar.h>
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QScreen>
@@ -48,6 +52,7 @@ Form1::Form1(QWidget* parent) : QMainWindow(parent) {
     buildWorkspace();
     buildViewports();
     buildStatusBar();
+    ConnectPendingCommands();
     installKeyPreview();
     Form_Initialize();
 }
@@ -73,6 +78,10 @@ void Form1::Form_Initialize() {
 
 void Form1::RepositionMeAccordingToLastUsedPos() {
     propagate("Form1", "RepositionMeAccordingToLastUsedPos", [&] {
+        // The first start (no placement stored) fills the screen; later starts take the placement of the
+        // last normal close, maximised again if the window was.
+        const bool firstStart = GetSetting(SecSettings, QStringLiteral("MainWidth")).isEmpty();
+        m_startMaximised = firstStart || ToBool(GetSetting(SecSettings, QStringLiteral("MainMaximized"), BoolText(false)));
         const double left = ToDouble(GetSetting(SecSettings, QStringLiteral("MainLeft"), QStringLiteral("1000")));
         const double top = ToDouble(GetSetting(SecSettings, QStringLiteral("MainTop"), QStringLiteral("1000")));
         const double width = ToDouble(GetSetting(SecSettings, QStringLiteral("MainWidth"), QStringLiteral("6500")));
@@ -88,8 +97,24 @@ void Form1::RepositionMeAccordingToLastUsedPos() {
 void Form1::Show() {
     if (!m_loaded) Form_Load();
     if (m_unloaded) return;
-    show();
+    if (m_startMaximised && !isVisible()) {
+        // Without a window manager nothing would size a maximised window: the screen's free area first.
+        if (const QScreen* s = screen()) setGeometry(s->availableGeometry());
+        showMaximized();
+    } else {
+        show();
+    }
     Form_Activate();
+    ShowPendingTip();
+}
+
+void Form1::ShowPendingTip() {
+    // The tip of Form_Load step 22 opens once the window is up, in front of it.
+    if (!m_tipPending || !TipForm) return;
+    m_tipPending = false;
+    TipForm->show();
+    TipForm->raise();
+    TipForm->activateWindow();
 }
 
 void Form1::Form_Load() {
@@ -159,6 +184,7 @@ void Form1::Form_Load() {
         ShowGizmoFlag = true;
         cmbObj_Change();
         cmbObjEditGeom_Change();
+        ShowEditGroupPanel();
         // 19.
         mnuResetViews_Click();
         InitialiseSpinners();
@@ -174,7 +200,7 @@ void Form1::Form_Load() {
             TipForm = new formTip(this);
             TipForm->setAttribute(Qt::WA_DeleteOnClose);
             TipForm->setModal(false);
-            TipForm->show();
+            m_tipPending = true; // shown by Show, after the window itself
         }
         // 23. Tab order: the viewports first, then the new-object controls.
         setTabOrder(picWindow[0], picWindow[1]);
@@ -331,6 +357,7 @@ void Form1::Form_Unload() {
             SaveSetting(SecSettings, QStringLiteral("MainTop"), QString::number(std::lround(PixelsToTwipsY(p.y()))));
             SaveSetting(SecSettings, QStringLiteral("MainWidth"), QString::number(std::lround(PixelsToTwipsX(g.width()))));
             SaveSetting(SecSettings, QStringLiteral("MainHeight"), QString::number(std::lround(PixelsToTwipsY(g.height()))));
+            SaveSetting(SecSettings, QStringLiteral("MainMaximized"), BoolText(!normal));
         }
         // 2. to 4.
         UnloadPlugins();
@@ -352,6 +379,32 @@ void Form1::Form_Unload() {
     // 10.
     ExitRequested = true;
     hide();
+}
+
+// ---- development switches ------------------------------------------------------------------------
+
+void Form1::SetDebug() { DebugEnabled = true; }
+
+QString Form1::PrintAllControlNames() {
+    // For translators: every caption of the window, one per line, in String Table Entries/Strings.txt.
+    const QString folder = AppPath(QStringLiteral("String Table Entries"));
+    QDir().mkpath(folder);
+    const QString path = folder + QStringLiteral("/Strings.txt");
+    QStringList lines;
+    for (QAction* a : findChildren<QAction*>())
+        if (!a->isSeparator() && !a->text().isEmpty()) lines << a->text();
+    for (QWidget* w : findChildren<QWidget*>()) {
+        if (auto* b = qobject_cast<QAbstractButton*>(w); b && !b->text().isEmpty()) lines << b->text();
+        else if (auto* l = qobject_cast<QLabel*>(w); l && !l->text().isEmpty() && l->pixmap().isNull()) lines << l->text();
+        else if (auto* t = qobject_cast<QTabWidget*>(w))
+            for (int i = 0; i < t->count(); ++i) lines << t->tabText(i);
+    }
+    QFile f(path);
+    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text))
+        raiseError(ErrPathNotFound, ("Can't write " + path).toStdString());
+    f.write(lines.join(QLatin1Char('\n')).toUtf8());
+    f.write("\n");
+    return path;
 }
 
 bool Form1::undoHostIsThis() const { return &undoHost() == static_cast<const UndoHost*>(this); }

@@ -78,6 +78,10 @@ public:
     void RepositionMeAccordingToLastUsedPos();
     void Form_Load();
     void Form_Activate();                         // the first activation (guarded by ToolbarsRestored)
+    // The tip of the day of Form_Load, shown in front of the window once the window shows.
+    void ShowPendingTip();
+    // The window opens maximised: at the first start, and when it was maximised at the last close.
+    bool StartsMaximised() const { return m_startMaximised; }
     bool Form_QueryUnload();                      // true: cancel (the window stays)
     void Form_Unload();
     void MDIForm_Resize();
@@ -93,6 +97,13 @@ public:
     int TwipsToPixelsY(double twips) const;
     double PixelsToTwipsX(int px) const;
     double PixelsToTwipsY(int px) const;
+
+    // ---- development switches (no menu calls them) ------------------------------------------------
+    // Sets DebugEnabled.
+    void SetDebug();
+    // Writes every caption of the window to application folder + "/String Table Entries/Strings.txt"
+    // (overwriting it), one per line, for translators; answers the file's path.
+    QString PrintAllControlNames();
 
     // ---- keyboard -------------------------------------------------------------------------
     void Form_KeyDown(int keyCode, Qt::KeyboardModifiers shift);
@@ -157,9 +168,14 @@ public:
     void cmbPolFilter_InitialSetup();
     void cmbNewObjType_InitialSetup();
     void tabWorkspace_Click(int index);
+    // The Edit Group tab shows the part of its mode: the create panel for "New Object", the point and
+    // polygon tools for "Edit Geometry" (the polygon ones only for "Polygon"), the filter for "Edit Texture".
+    void ShowEditGroupPanel();
+    // The status bar's progress bar: shown with value of maximum while 0 <= value < maximum, else hidden.
+    void ShowProgress(int value, int maximum);
     void InitialiseSpinners();
 
-    // ---- commands of features not built yet (Form1_Hooks.cpp) ---------------------------------------------
+    // ---- view commands, and commands of features not built yet (Form1_Hooks.cpp: each says so) -----------
     void ZoomExtentAll();
     void ZoomExtentSingle(int index);
     void Toggle3DCard();
@@ -193,6 +209,7 @@ public:
     void SetGridDensity(double density); // the four grids
     double GridDensity() const;
     void CreateSharedObjects();  // Form_Load 14, 17, 18: markers, makers, drawers, gizmos, cameras, grids
+    void ConnectPendingCommands(); // menu items of features not built yet: each says so
     void ReleaseSharedObjects(); // Form_Unload 6 to 8
 
     // ---- state ----------------------------------------------------------------------------
@@ -291,6 +308,10 @@ public:
     QLabel* lblSelectedGrpName = nullptr;
     QLabel* txtSelectedGrpName = nullptr;
     std::array<Spinner*, 2> spnExtBvl{};
+    std::array<QLabel*, 2> lblExtBvl{}; // "Extrude", "Bevel"
+    QLabel* lblPolFilter = nullptr;
+    // The parts of the Edit Group tab that change with the mode (ShowEditGroupPanel).
+    QWidget *frmEditGeom = nullptr, *frmEditPolygon = nullptr, *frmEditTexture = nullptr;
     Spinner* spnBoxDim = nullptr;
     QToolBar* tlbrCut = nullptr;
     QToolBar* tlbrBtnInsert = nullptr;
@@ -413,6 +434,8 @@ private:
     bool m_loaded = false;
     bool m_unloaded = false;
     bool m_busy = false;
+    bool m_startMaximised = false;
+    bool m_tipPending = false;
     QString m_commandLine;
     int m_pendingWheel = 0;
     std::unique_ptr<ActionUndoRedo_Stack> m_undoStack;

@@ -259,6 +259,9 @@ void Form1::ApplyLanguage() {
     StatusPanel[1]->setToolTip(GetLocaleString(124));
     StatusPanel[2]->setToolTip(GetLocaleString(125));
     if (lblSelectedGrpName) lblSelectedGrpName->setText(GetLocaleString(179));
+    for (size_t i = 0; i < lblExtBvl.size(); ++i)
+        if (lblExtBvl[i]) lblExtBvl[i]->setText(GetLocaleString(i == 0 ? 188 : 189));
+    if (lblPolFilter) lblPolFilter->setText(GetLocaleString(191));
     // The combo boxes hold localised texts: refill them, keeping the chosen entry by position.
     auto refill = [](QComboBox* c, const std::vector<int>& ids) {
         if (!c) return;
@@ -425,6 +428,7 @@ void Form1::mnuTipOfTheDay_Click() {
     }
     TipForm->show();
     TipForm->raise();
+    TipForm->activateWindow();
 }
 
 void Form1::mnuAbout_Click() {

@@ -80,15 +80,14 @@ void Form1::buildWorkspace() {
     groups->layout()->addWidget(txtSelectedGrpName);
     groups->layout()->addWidget(GroupTree);
 
-    // 1: Edit Group.
+    // 1: Edit Group. The panel follows the mode of cmbObj: "New Object" shows the create panel, "Edit
+    // Geometry" the point or polygon tools (cmbObjEditGeom), "Edit Texture" the blending filter.
     QWidget* edit = page("frmEditGroup");
-    auto* form = new QFormLayout;
     cmbObj = new QComboBox(edit);
     cmbObj->setObjectName(QStringLiteral("cmbObj"));
-    cmbObjEditGeom = new QComboBox(edit);
-    cmbObjEditGeom->setObjectName(QStringLiteral("cmbObjEditGeom"));
-    // The create panel holds the kind and the sizes of a new object (src/geometry).
+    // The create panel holds the kind and the sizes of a new object (src/builders).
     frmCreate = new CreatePanel(edit);
+    frmCreate->setObjectName(QStringLiteral("frmCreate"));
     cmbNewObjType = frmCreate->cmbNewObjType;
     spnBoxDim = frmCreate->spnBoxDim[0];
     connect(frmCreate, &CreatePanel::cmdCreateClicked, this,
@@ -98,29 +97,59 @@ void Form1::buildWorkspace() {
         connect(standard[k], &QAction::triggered, this, [this, k] {
             handleEvent("Form1", "mnuStandardGroups_Click", [&] { mnuStandardGroups_Click(k); });
         });
+    frmEditGeom = new QWidget(edit);
+    frmEditGeom->setObjectName(QStringLiteral("frmEditGeom"));
+    auto* geomLayout = new QVBoxLayout(frmEditGeom);
+    geomLayout->setContentsMargins(0, 0, 0, 0);
+    cmbObjEditGeom = new QComboBox(frmEditGeom);
+    cmbObjEditGeom->setObjectName(QStringLiteral("cmbObjEditGeom"));
+    geomLayout->addWidget(cmbObjEditGeom);
+    frmEditPolygon = new QWidget(frmEditGeom);
+    frmEditPolygon->setObjectName(QStringLiteral("frmEditPolygon"));
+    auto* polForm = new QFormLayout(frmEditPolygon);
+    polForm->setContentsMargins(0, 0, 0, 0);
     for (int i = 0; i < 2; ++i) {
-        spnExtBvl[size_t(i)] = new Spinner(edit);
+        spnExtBvl[size_t(i)] = new Spinner(frmEditPolygon);
         spnExtBvl[size_t(i)]->setObjectName(QStringLiteral("spnExtBvl%1").arg(i));
+        lblExtBvl[size_t(i)] = new QLabel(frmEditPolygon);
+        lblExtBvl[size_t(i)]->setObjectName(QStringLiteral("lblExtBvl%1").arg(i));
+        lblExtBvl[size_t(i)]->setBuddy(spnExtBvl[size_t(i)]);
+        polForm->addRow(lblExtBvl[size_t(i)], spnExtBvl[size_t(i)]);
     }
-    cmbPolFilter = new QComboBox(edit);
-    cmbPolFilter->setObjectName(QStringLiteral("cmbPolFilter"));
-    tlbrCut = new QToolBar(edit);
+    tlbrCut = new QToolBar(frmEditPolygon);
     tlbrCut->setObjectName(QStringLiteral("tlbrCut"));
     QAction* cut = tlbrCut->addAction(QStringLiteral(" Cut    "));
     cut->setCheckable(true);
     cut->setProperty("tipId", 198);
-    form->addRow(cmbObj);
-    form->addRow(cmbObjEditGeom);
-    form->addRow(frmCreate);
-    form->addRow(spnExtBvl[0]);
-    form->addRow(spnExtBvl[1]);
-    form->addRow(cmbPolFilter);
-    form->addRow(tlbrCut);
-    static_cast<QVBoxLayout*>(edit->layout())->addLayout(form);
-    static_cast<QVBoxLayout*>(edit->layout())->addStretch(1);
-    connect(cmbObj, &QComboBox::currentIndexChanged, this, [this] { handleEvent("Form1", "cmbObj_Change", [&] { cmbObj_Change(); }); });
-    connect(cmbObjEditGeom, &QComboBox::currentIndexChanged, this,
-            [this] { handleEvent("Form1", "cmbObjEditGeom_Change", [&] { cmbObjEditGeom_Change(); }); });
+    polForm->addRow(tlbrCut);
+    geomLayout->addWidget(frmEditPolygon);
+    frmEditTexture = new QWidget(edit);
+    frmEditTexture->setObjectName(QStringLiteral("frmEditTexture"));
+    auto* texForm = new QFormLayout(frmEditTexture);
+    texForm->setContentsMargins(0, 0, 0, 0);
+    cmbPolFilter = new QComboBox(frmEditTexture);
+    cmbPolFilter->setObjectName(QStringLiteral("cmbPolFilter"));
+    lblPolFilter = new QLabel(frmEditTexture);
+    lblPolFilter->setBuddy(cmbPolFilter);
+    texForm->addRow(lblPolFilter, cmbPolFilter);
+    auto* editLayout = static_cast<QVBoxLayout*>(edit->layout());
+    editLayout->addWidget(cmbObj);
+    editLayout->addWidget(frmCreate);
+    editLayout->addWidget(frmEditGeom);
+    editLayout->addWidget(frmEditTexture);
+    editLayout->addStretch(1);
+    connect(cmbObj, &QComboBox::currentIndexChanged, this, [this] {
+        handleEvent("Form1", "cmbObj_Change", [&] {
+            cmbObj_Change();
+            ShowEditGroupPanel();
+        });
+    });
+    connect(cmbObjEditGeom, &QComboBox::currentIndexChanged, this, [this] {
+        handleEvent("Form1", "cmbObjEditGeom_Change", [&] {
+            cmbObjEditGeom_Change();
+            ShowEditGroupPanel();
+        });
+    });
 
     // 2: Background/Camera/Track.
     QWidget* cam = page("frmCamTrackBk");
@@ -171,6 +200,19 @@ void Form1::buildWorkspace() {
     });
 }
 
+void Form1::ShowProgress(int value, int maximum) {
+    // The bar shows only while something is in progress: from the first step until the last.
+    if (!ProgressBar1) return;
+    if (maximum <= 0 || value < 0 || value >= maximum) {
+        ProgressBar1->hide();
+        ProgressBar1->reset();
+        return;
+    }
+    ProgressBar1->setRange(0, maximum);
+    ProgressBar1->setValue(value);
+    ProgressBar1->show();
+}
+
 void Form1::buildStatusBar() {
     StatusBar1 = statusBar();
     StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
@@ -190,6 +232,7 @@ void Form1::buildStatusBar() {
             ProgressBar1->setTextVisible(false);
             ProgressBar1->setValue(0);
             StatusBar1->addPermanentWidget(ProgressBar1);
+            ProgressBar1->hide(); // ShowProgress shows it while there is progress
         }
         if (i == 3) StatusBar1->addWidget(panel, 1);
         else if (i < 3) StatusBar1->addWidget(panel);
@@ -324,6 +367,17 @@ void Form1::SetCmbObjItems(const QStringList& items, int chosen) {
     cmbObj->setCurrentIndex(chosen);
     cmbObj->blockSignals(false);
     cmbObj_Change();
+    ShowEditGroupPanel();
+}
+
+void Form1::ShowEditGroupPanel() {
+    if (!cmbObj || !frmCreate) return;
+    const QString mode = cmbObj->currentText();
+    const bool geometry = mode == GetLocaleString(323);
+    frmCreate->setVisible(!geometry && mode != GetLocaleString(324));
+    frmEditGeom->setVisible(geometry);
+    frmEditPolygon->setVisible(geometry && cmbObjEditGeom->currentText() == GetLocaleString(329));
+    frmEditTexture->setVisible(mode == GetLocaleString(324));
 }
 
 void Form1::SetSelectedGroupNameText(const QString& text) { txtSelectedGrpName->setText(text); }

@@ -41,8 +41,8 @@ TEST_F(Form1Test, EmptyStoreStartsWithTheDocumentedDefaults) {
     EXPECT_FALSE(form->StatusBar2->isVisible());
     EXPECT_FALSE(log().contains(QStringLiteral("Unexpected error"))) << log().toStdString();
     // Form_Load step 20: the inverted start-up flags.
-    EXPECT_FALSE(form->GridDisplay[0]);
-    EXPECT_FALSE(form->GridSnap[3]);
+    EXPECT_FALSE(form->GridDisplay(0));
+    EXPECT_FALSE(form->GridSnap(3));
 }
 
 TEST_F(Form1Test, SplashHoldsTheMainWindowBackForItsMinimumAndLingers) {
