@@ -25,6 +25,7 @@ void Form1::DuplicatGrp() { NotAvailableYet(GetLocaleString(113)); }
 void Form1::AlignObjects() {
     NotAvailableYet(GetLocaleString(112));
     // The Align button stays up: there is no align state to be in.
+    if (QAction* align = ToolbarButton(QStringLiteral("Align"))) align->setChecked(false);
     SetToolMode(0);
     picWinSetMousePtr(QStringLiteral("Select"));
 }

@@ -132,6 +132,7 @@ void Form1::buildToolbars() {
     on("Zoom Extents All", [this] { ZoomExtentAll(); });
     on("Min/Max Toggle", [this] { ToggleWindowMinMax(); });
     on("Center Obj In View", [this] { CenterObjInView(); });
+    on("Align", [this] { AlignObjects(); });
     on("Duplicate", [this] { DuplicatGrp(); });
     on("Mirror", [this] { MirrorObjects(); });
     on("Atmosphere", [this] { ShowAtmosphereForm(); });

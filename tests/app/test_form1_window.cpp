@@ -1,0 +1,178 @@
+// What a new user meets in the main window: commands that say when they are not there yet, the tip and
+// the messages in front, the Edit Group panel that follows its mode, the progress bar, and the development
+// switches. Each test is named for the fault found by trying the editor.
+#include "Form1Fixture.h"
+#include "app/formSplash.h"
+#include "builders/CreatePanel.h"
+#include "frame/Spinner.h"
+#include "document/WorldDocument.h"
+#include "frame/NotAvailable.h"
+#include "library/formTip.h"
+#include "view/frmPicWins.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QTabWidget>
+#include <QWindow>
+
+using namespace vexil;
+using vexil::test::Form1Test;
+
+namespace {
+
+// Every item of the menu bar's menus and of the popup menus, submenus included, that is a command.
+std::vector<QAction*> commandItems(Form1* form) {
+    std::vector<QMenu*> menus = form->PopupMenus();
+    for (QAction* a : form->menuBar()->actions())
+        if (a->menu()) menus.push_back(a->menu());
+    std::vector<QAction*> items;
+    for (size_t i = 0; i < menus.size(); ++i)
+        for (QAction* a : menus[i]->actions()) {
+            if (a->isSeparator()) continue;
+            if (a->menu()) {
+                menus.push_back(a->menu());
+                continue;
+            }
+            items.push_back(a);
+        }
+    return items;
+}
+
+} // namespace
+
+// Menu items connected to nothing did nothing when chosen: every item now runs a command, which may be to
+// say that its feature is not available yet.
+TEST_F(Form1Test, EveryMenuItemDoesSomethingWhenChosen) {
+    start();
+    const std::vector<QAction*> items = commandItems(form);
+    ASSERT_GT(items.size(), 100u);
+    for (QAction* a : items) {
+        if (a->objectName().startsWith(QLatin1String("mnuMru"))) continue; // shown only with a recent file
+        const bool connected = QObject::disconnect(a, &QAction::triggered, nullptr, nullptr) ||
+                               QObject::disconnect(a, &QAction::toggled, nullptr, nullptr);
+        EXPECT_TRUE(connected) << a->objectName().toStdString() << " \"" << a->text().toStdString() << "\"";
+    }
+}
+
+TEST_F(Form1Test, ACommandNotBuiltYetSaysSo) {
+    start();
+    ScriptedDialogs dlg;
+    form->mnuCamera->trigger();
+    ASSERT_EQ(dlg.count(QStringLiteral("msgBox")), 1);
+    EXPECT_EQ(dlg.last(QStringLiteral("msgBox"))->text, QStringLiteral("\"Camera\" is not available yet."));
+    EXPECT_EQ(dlg.last(QStringLiteral("msgBox"))->icon, MsgInformation);
+    form->ToolbarButton(QStringLiteral("Mirror"))->trigger();
+    EXPECT_EQ(dlg.last(QStringLiteral("msgBox"))->text, NotAvailableYetText(QStringLiteral("Mirror")));
+    // The Align button does not stay down in a state that does nothing.
+    form->ToolbarButton(QStringLiteral("Align"))->trigger();
+    EXPECT_EQ(dlg.count(QStringLiteral("msgBox")), 3) << "once per click";
+    EXPECT_EQ(form->ToolMode, 0);
+    EXPECT_FALSE(form->ToolbarButton(QStringLiteral("Align"))->isChecked());
+    EXPECT_EQ(NotAvailableYetText(QStringLiteral("Light &Maps")), QStringLiteral("\"Light Maps\" is not available yet."));
+}
+
+// The Tip of the Day was shown during Form_Load, before the window itself, and so opened behind it.
+TEST_F(Form1Test, TheTipOfTheDayOpensInFrontOfTheWindow) {
+    ASSERT_TRUE(QFile::copy(QStringLiteral(VEXIL_SOURCE_DATA "/TIPOFDAY.TXT"), AppPath(QStringLiteral("TIPOFDAY.TXT"))));
+    std::vector<QObject*> shown;
+    struct ShowOrder : QObject {
+        std::vector<QObject*>* out;
+        bool eventFilter(QObject* o, QEvent* e) override {
+            if (e->type() == QEvent::Show && o->isWidgetType() && static_cast<QWidget*>(o)->isWindow()) out->push_back(o);
+            return false;
+        }
+    } order;
+    order.out = &shown;
+    qApp->installEventFilter(&order);
+    start();
+    qApp->removeEventFilter(&order);
+    ASSERT_TRUE(form->TipForm);
+    EXPECT_TRUE(form->TipForm->isVisible());
+    const auto at = [&](QObject* o) { return std::find(shown.begin(), shown.end(), o) - shown.begin(); };
+    ASSERT_LT(at(form), long(shown.size()));
+    ASSERT_LT(at(form->TipForm), long(shown.size()));
+    EXPECT_LT(at(form), at(form->TipForm)) << "the window first, then the tip over it";
+    ASSERT_NE(form->TipForm->windowHandle(), nullptr);
+    EXPECT_EQ(form->TipForm->windowHandle()->transientParent(), form->windowHandle()) << "kept above its window";
+}
+
+// A world named on the command line that failed to load gave its message behind the splash screen, and
+// without the reason.
+TEST_F(Form1Test, AFailedLoadAtStartIsExplainedInFrontOfTheSplash) {
+    formSplash::MinimumTimeMs() = 50;
+    QFile bad(tempPath(QStringLiteral("damaged.wld")));
+    ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
+    bad.write("not a world at all");
+    bad.close();
+    ScriptedDialogs dlg;
+    bool splashShowing = true;
+    dlg.onAsk = [&](const ScriptedDialogs::Asked& a) {
+        if (a.kind != QLatin1String("msgBox")) return;
+        splashShowing = false;
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (w->windowType() == Qt::SplashScreen && w->isVisible()) splashShowing = true;
+    };
+    start(tempPath(QStringLiteral("damaged.wld")));
+    ASSERT_GE(dlg.count(QStringLiteral("msgBox")), 1);
+    EXPECT_FALSE(splashShowing);
+    const QString text = dlg.last(QStringLiteral("msgBox"))->text;
+    EXPECT_TRUE(text.contains(QStringLiteral("damaged.wld"))) << text.toStdString();
+    EXPECT_GT(text.size(), QStringLiteral("Error Loading World").size() + tempPath(QStringLiteral("damaged.wld")).size() + 4)
+        << "the engine's reason is given: " << text.toStdString();
+}
+
+// The Edit Group tab showed every control whatever the mode, and its two spinners had no labels.
+TEST_F(Form1Test, TheEditGroupPanelFollowsItsModeAndItsSpinnersAreLabelled) {
+    start();
+    form->tabWorkspace->setCurrentIndex(Form1::TabEditGroup);
+    form->SetCmbObjItems({QStringLiteral("New Object"), QStringLiteral("Edit Geometry"), QStringLiteral("Edit Texture")}, 0);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(form->frmCreate->isVisibleTo(form->tabWorkspace));
+    EXPECT_FALSE(form->frmEditGeom->isVisibleTo(form->tabWorkspace));
+    EXPECT_FALSE(form->frmEditTexture->isVisibleTo(form->tabWorkspace));
+    form->cmbObj->setCurrentIndex(1);
+    form->cmbObjEditGeom->setCurrentIndex(1); // Polygon
+    EXPECT_FALSE(form->frmCreate->isVisibleTo(form->tabWorkspace));
+    EXPECT_TRUE(form->frmEditGeom->isVisibleTo(form->tabWorkspace));
+    EXPECT_TRUE(form->frmEditPolygon->isVisibleTo(form->tabWorkspace));
+    EXPECT_EQ(form->lblExtBvl[0]->text(), QStringLiteral("Extrude"));
+    EXPECT_EQ(form->lblExtBvl[1]->text(), QStringLiteral("Bevel"));
+    EXPECT_EQ(form->lblExtBvl[0]->buddy(), static_cast<QWidget*>(form->spnExtBvl[0]));
+    form->cmbObjEditGeom->setCurrentIndex(0); // Point
+    EXPECT_FALSE(form->frmEditPolygon->isVisibleTo(form->tabWorkspace));
+    form->cmbObj->setCurrentIndex(2);
+    EXPECT_TRUE(form->frmEditTexture->isVisibleTo(form->tabWorkspace));
+    EXPECT_FALSE(form->frmEditGeom->isVisibleTo(form->tabWorkspace));
+}
+
+// The progress bar stood empty in the status bar all the time.
+TEST_F(Form1Test, TheProgressBarShowsOnlyWhileThereIsProgress) {
+    start();
+    EXPECT_FALSE(form->ProgressBar1->isVisible());
+    form->ShowProgress(3, 10);
+    EXPECT_TRUE(form->ProgressBar1->isVisible());
+    EXPECT_EQ(form->ProgressBar1->value(), 3);
+    form->ShowProgress(10, 10);
+    EXPECT_FALSE(form->ProgressBar1->isVisible());
+}
+
+// SetDebug and PrintAllControlNames were missing.
+TEST_F(Form1Test, TheDevelopmentSwitchesSetDebugAndListTheCaptions) {
+    start();
+    EXPECT_FALSE(form->DebugEnabled);
+    form->SetDebug();
+    EXPECT_TRUE(form->DebugEnabled);
+    const QString path = form->PrintAllControlNames();
+    EXPECT_EQ(path, AppPath(QStringLiteral("String Table Entries/Strings.txt")));
+    const QStringList lines = vexil::test::readFile(path).split(QLatin1Char('\n'));
+    for (const char* caption : {"&File", "Save &As", "Groups", "Edit Group", "Extrude"})
+        EXPECT_TRUE(lines.contains(QString::fromUtf8(caption))) << caption;
+    // Written again, not added to.
+    const int n = int(lines.size());
+    form->PrintAllControlNames();
+    EXPECT_EQ(vexil::test::readFile(path).split(QLatin1Char('\n')).size(), n);
+}
