@@ -145,6 +145,8 @@ public:
     void mnuAbout_Click();
     void mnuReference_Click();
     void mnuTutorial_Click();
+    // Opens help/<page> beside the program in the system's browser.
+    void OpenHelpPage(const QString& page);
     bool ExpertMode = true;
 
     // ---- toolbar bands (Form1_Toolbars.cpp, the preferences) ----------------------------------------------

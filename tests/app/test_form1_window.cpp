@@ -9,6 +9,10 @@
 #include "frame/NotAvailable.h"
 #include "library/formTip.h"
 #include "view/frmPicWins.h"
+#include "UrlRecorder.h"
+
+#include <QDesktopServices>
+#include <QDir>
 
 #include <QAction>
 #include <QComboBox>
@@ -175,4 +179,40 @@ TEST_F(Form1Test, TheDevelopmentSwitchesSetDebugAndListTheCaptions) {
     const int n = int(lines.size());
     form->PrintAllControlNames();
     EXPECT_EQ(vexil::test::readFile(path).split(QLatin1Char('\n')).size(), n);
+}
+
+// Help > Reference said "File not found!": the help pages ship in "help" beside the program, and they
+// speak of every menu item.
+TEST_F(Form1Test, HelpOpensThePagesThatCoverEveryMenuItem) {
+    QDir().mkpath(AppPath(QStringLiteral("help")));
+    QString allText;
+    for (const QString& f : QDir(QStringLiteral(VEXIL_SOURCE_DATA "/help")).entryList(QDir::Files)) {
+        QFile::copy(QStringLiteral(VEXIL_SOURCE_DATA "/help/") + f, AppPath(QStringLiteral("help/") + f));
+        allText += vexil::test::readFile(AppPath(QStringLiteral("help/") + f));
+    }
+    allText = allText.simplified(); // a caption may be broken across lines
+    start();
+    ScriptedDialogs dlg;
+    vexil::test::UrlRecorder browser;
+    QDesktopServices::setUrlHandler(QStringLiteral("file"), &browser, "open");
+    form->mnuReference->trigger();
+    form->mnuTutorial->trigger();
+    QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+    EXPECT_EQ(dlg.count(QStringLiteral("msgBox")), 0);
+    ASSERT_EQ(browser.opened.size(), 2);
+    EXPECT_EQ(browser.opened[0].toLocalFile(), AppPath(QStringLiteral("help/index.html")));
+    EXPECT_EQ(browser.opened[1].toLocalFile(), AppPath(QStringLiteral("help/tutorial.html")));
+    // Every item of every menu is named in the pages.
+    for (QAction* a : commandItems(form)) {
+        if (a->objectName().startsWith(QLatin1String("mnuMru"))) continue;
+        QString caption = a->text();
+        caption.remove(QLatin1Char('&'));
+        caption = caption.trimmed();
+        EXPECT_TRUE(allText.contains(caption, Qt::CaseInsensitive)) << caption.toStdString();
+    }
+    // Without the pages, the user is told where they were looked for.
+    QDir(AppPath(QStringLiteral("help"))).removeRecursively();
+    form->mnuReference->trigger();
+    ASSERT_EQ(dlg.count(QStringLiteral("msgBox")), 1);
+    EXPECT_TRUE(dlg.last(QStringLiteral("msgBox"))->text.contains(QStringLiteral("help/index.html")));
 }
