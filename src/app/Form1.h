@@ -331,6 +331,9 @@ public:
     // ---- the create panel of the Edit Group tab (Form1_Create.cpp) ---------------------------
     CreatePanel* frmCreate = nullptr; // holds cmbNewObjType and spnBoxDim
     void cmdCreate_Click();
+    // Where a new object goes: on the ground (z = 0) where the active view's line of sight meets it, or, for
+    // a side view, below the point where it meets the grid plane that faces the view.
+    std::array<double, 3> NewObjectPlace();
     // Create > Standard Groups: kind 0 plane, 1 box, 2 sphere, 3 cylinder, 4 cone, 5 torus.
     void mnuStandardGroups_Click(int kind);
     // ---- the transform gizmos and the typed transform panel (Form1_Gizmo.cpp) -------------------

@@ -4,8 +4,11 @@
 #include "Form1Fixture.h"
 #include "app/formSplash.h"
 #include "builders/CreatePanel.h"
+#include "builders/CreateNewObject.h"
+#include <zelmar/zelmar.h>
 #include "frame/Spinner.h"
 #include "document/WorldDocument.h"
+#include "frame/AppIcons.h"
 #include "frame/NotAvailable.h"
 #include "library/formTip.h"
 #include "view/frmPicWins.h"
@@ -13,6 +16,8 @@
 
 #include <QDesktopServices>
 #include <QDir>
+#include <QFileInfo>
+#include <QToolBar>
 
 #include <QAction>
 #include <QComboBox>
@@ -215,4 +220,81 @@ TEST_F(Form1Test, HelpOpensThePagesThatCoverEveryMenuItem) {
     form->mnuReference->trigger();
     ASSERT_EQ(dlg.count(QStringLiteral("msgBox")), 1);
     EXPECT_TRUE(dlg.last(QStringLiteral("msgBox"))->text.contains(QStringLiteral("help/index.html")));
+}
+
+// Created primitives appeared at the origin, half below the ground. A new object now stands on the
+// ground where the active view looks.
+TEST_F(Form1Test, ANewObjectStandsOnTheGroundWhereTheActiveViewLooks) {
+    start();
+    ScriptedDialogs dlg;
+    form->frmCreate->SetKind(PrimitiveKind::Box);
+    auto boxOf = [&](int group) {
+        std::array<double, 6> b{};
+        ZELMAR_group_get_bounding_box(group, b.data());
+        return b;
+    };
+    // The top view, looking down at (300, -200).
+    form->ActiveWin = 0;
+    camera& top = form->frmPicWins->ViewCams(0);
+    top.LookAt = {300, -200, 0};
+    top.Update();
+    form->cmdCreate_Click();
+    const int first = form->CurrSelEntity();
+    ASSERT_NE(first, 0);
+    auto b = boxOf(first);
+    EXPECT_NEAR(b[2], 0, 1e-6) << "its lowest point on the ground";
+    EXPECT_GT(b[5], 1) << "the rest above it";
+    EXPECT_NEAR((b[0] + b[3]) / 2, 300, 1.0);
+    EXPECT_NEAR((b[1] + b[4]) / 2, -200, 1.0);
+    // The perspective view: where its line of sight meets the ground.
+    form->ActiveWin = 2;
+    const std::array<double, 3> at = form->NewObjectPlace();
+    double loc[3], dir[3];
+    ZELMAR_camera_get_location(form->frmPicWins->ViewCams(2).CamHandle, loc);
+    ZELMAR_camera_get_direction(form->frmPicWins->ViewCams(2).CamHandle, dir);
+    const double t = -loc[2] / dir[2];
+    EXPECT_NEAR(at[0], loc[0] + t * dir[0], 1e-6);
+    EXPECT_NEAR(at[1], loc[1] + t * dir[1], 1e-6);
+    form->cmdCreate_Click();
+    b = boxOf(form->CurrSelEntity());
+    EXPECT_NEAR(b[2], 0, 1e-6);
+    EXPECT_NEAR((b[0] + b[3]) / 2, at[0], 1.0);
+    // The front view looks along the ground: below where it looks, on the ground.
+    form->ActiveWin = 1;
+    camera& front = form->frmPicWins->ViewCams(1);
+    front.LookAt = {0, -120, 500};
+    front.Update();
+    form->cmdCreate_Click();
+    b = boxOf(form->CurrSelEntity());
+    EXPECT_NEAR(b[2], 0, 1e-6);
+    EXPECT_NEAR((b[1] + b[4]) / 2, -120, 1.0);
+    // One undo step takes the last one away again.
+    const int last = form->CurrSelEntity();
+    form->mnuUndo->trigger();
+    EXPECT_EQ(ZELMAR_group_get_father_group(last), 0);
+}
+
+// The toolbar buttons were letter tiles: they carry the icons shipped in "icons", and a button whose
+// file is missing still gets a drawn tile.
+TEST_F(Form1Test, ToolbarButtonsShowTheShippedIcons) {
+    QDir().mkpath(AppPath(QStringLiteral("icons")));
+    for (const QString& f : QDir(QStringLiteral(VEXIL_SOURCE_DATA "/icons")).entryList(QDir::Files))
+        QFile::copy(QStringLiteral(VEXIL_SOURCE_DATA "/icons/") + f, AppPath(QStringLiteral("icons/") + f));
+    QFile::remove(AppPath(QStringLiteral("icons/snap.svg")));
+    start();
+    int withIcon = 0;
+    for (int b = 0; b < Form1::BandCount; ++b)
+        for (QAction* a : form->Toolbar1[size_t(b)]->actions()) {
+            const QString key = a->property("buttonKey").toString();
+            ASSERT_FALSE(ButtonIconName(key).isEmpty()) << key.toStdString();
+            EXPECT_FALSE(a->icon().isNull()) << key.toStdString();
+            if (key == QLatin1String("Grid Snap")) continue;
+            // The set's pictures are drawn for every toolbar size, the tiles only at 40 pixels.
+            EXPECT_TRUE(a->icon().availableSizes().contains(QSize(22, 22))) << key.toStdString();
+            ++withIcon;
+        }
+    EXPECT_EQ(withIcon, 25);
+    EXPECT_TRUE(ButtonIcon(QStringLiteral("Grid Snap")).isNull()) << "its file was taken away";
+    EXPECT_FALSE(form->ToolbarButton(QStringLiteral("Grid Snap"))->icon().availableSizes().contains(QSize(22, 22)));
+    EXPECT_TRUE(QFileInfo::exists(QStringLiteral(VEXIL_SOURCE_DATA "/icons/COPYING.LGPL-3")));
 }
