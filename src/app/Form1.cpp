@@ -266,11 +266,9 @@ void Form1::MDIForm_Resize() {
         const int minWidth = TwipsToPixelsX(MinimumWidthTwips);
         if (width() < minWidth) resize(minWidth, height());
         if (!Picture1 || !Picture2) return;
-        // The width of tabWorkspace is ours to choose: wide enough for all its tab titles when the window
-        // allows, at most 40 per cent of the window, at least 260 pixels (docs/ui.md).
-        int titles = 8;
-        for (int i = 0; i < tabWorkspace->count(); ++i) titles += tabWorkspace->tabBar()->fontMetrics().horizontalAdvance(tabWorkspace->tabText(i)) + 26;
-        const int tabWidth = std::clamp(titles, 260, std::max(260, width() * 2 / 5));
+        // The width of tabWorkspace is ours to choose: wide enough for all its tab titles (long titles go on
+        // two or three lines first), at most half the window, at least 260 pixels (docs/ui.md).
+        const int tabWidth = std::clamp(FitWorkspaceTabs(std::max(260, width() / 2)), 260, std::max(260, width() / 2));
         tabWorkspace->setFixedWidth(tabWidth);
         Picture1->setFixedWidth(tabWidth + TwipsToPixelsX(100));
         const int w = Picture1->isVisible() ? width() - Picture1->width() - TwipsToPixelsX(20)
@@ -281,6 +279,46 @@ void Form1::MDIForm_Resize() {
         for (QToolBar* t : Toolbar1)
             if (t) t->update();
     });
+}
+
+int Form1::FitWorkspaceTabs(int available) {
+    QTabBar* bar = tabWorkspace->tabBar();
+    const int n = tabWorkspace->count();
+    // The titles as the string table has them (the tool tips keep them).
+    for (int i = 0; i < n; ++i) {
+        const QString title = tabWorkspace->tabToolTip(i);
+        if (!title.isEmpty() && tabWorkspace->tabText(i) != title) tabWorkspace->setTabText(i, title);
+    }
+    // The bar's own size hint is the sum of its tabs' widths; the frame of the tab widget comes on top.
+    auto total = [&] { return bar->sizeHint().width() + 8; };
+    // While the titles don't fit, the widest line of the widest title that can break is broken at the
+    // blank or "/" nearest its middle.
+    for (int guard = 0; guard < 4 * n && total() > available; ++guard) {
+        int best = -1, bestWidth = 0, bestLine = 0;
+        for (int i = 0; i < n; ++i) {
+            const QStringList lines = tabWorkspace->tabText(i).split(QLatin1Char('\n'));
+            for (int l = 0; l < lines.size(); ++l) {
+                const QString& line = lines[l];
+                const bool breakable = line.contains(QLatin1Char(' ')) || line.indexOf(QLatin1Char('/')) > 0;
+                const int w = bar->fontMetrics().horizontalAdvance(line);
+                if (breakable && lines.size() < 3 && w > bestWidth) best = i, bestWidth = w, bestLine = l;
+            }
+        }
+        if (best < 0) break;
+        QStringList lines = tabWorkspace->tabText(best).split(QLatin1Char('\n'));
+        const QString line = lines[bestLine];
+        int cut = -1;
+        for (int k = 1; k < line.size(); ++k) {
+            const bool at = line[k] == QLatin1Char(' ') || line[k - 1] == QLatin1Char('/');
+            if (at && (cut < 0 || std::abs(k - line.size() / 2) < std::abs(cut - line.size() / 2))) cut = k;
+        }
+        if (cut <= 0) break;
+        const QString first = line.left(cut).trimmed(), second = line.mid(cut).trimmed();
+        lines[bestLine] = first;
+        lines.insert(bestLine + 1, second);
+        tabWorkspace->setTabText(best, lines.join(QLatin1Char('\n')));
+    }
+    return total();
 }
 
 void Form1::resizeEvent(QResizeEvent* e) {

@@ -85,6 +85,9 @@ public:
     bool Form_QueryUnload();                      // true: cancel (the window stays)
     void Form_Unload();
     void MDIForm_Resize();
+    // Makes the workspace tabs' titles fit `available` pixels where it can, by putting long titles on two or
+    // three lines (the full title stays the tab's tool tip); answers the width the titles then need.
+    int FitWorkspaceTabs(int available);
     // The command line given to the program (arguments joined by blanks); read by ParseCommand.
     void SetCommandLine(const QString& commandLine) { m_commandLine = commandLine; }
     QString ParseCommand() const { return ParseCommand(m_commandLine); }

@@ -254,7 +254,11 @@ void Form1::ApplyLanguage() {
     applyToolbarLanguage();
     // Workspace tabs.
     static const int tabIds[] = {214, 215, 216, 217, 213, 212};
-    for (int i = 0; i < tabWorkspace->count() && i < 6; ++i) tabWorkspace->setTabText(i, GetLocaleString(tabIds[i]));
+    for (int i = 0; i < tabWorkspace->count() && i < 6; ++i) {
+        tabWorkspace->setTabText(i, GetLocaleString(tabIds[i]));
+        tabWorkspace->setTabToolTip(i, GetLocaleString(tabIds[i]));
+    }
+    MDIForm_Resize(); // the titles' widths decide the workspace's
     // Labels and tool tips.
     StatusPanel[1]->setToolTip(GetLocaleString(124));
     StatusPanel[2]->setToolTip(GetLocaleString(125));
