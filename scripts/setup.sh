@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 PACKAGES=(build-essential cmake pkg-config libgtest-dev libgmock-dev libbenchmark-dev
-          zlib1g-dev libzstd-dev libstb-dev qt6-base-dev qt6-base-dev-tools
+          zlib1g-dev libzstd-dev libstb-dev qt6-base-dev qt6-base-dev-tools qt6-svg-dev
           libgl-dev libegl-dev libopengl-dev libgl1-mesa-dri xvfb xauth clang libclang-rt-14-dev
           glmark2-data assimp-testmodels ccache graphviz libembree-dev)
 missing=()

@@ -17,7 +17,11 @@
 
 #include <zelmar/zelmar.h>
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QScreen>
@@ -48,6 +52,7 @@ Form1::Form1(QWidget* parent) : QMainWindow(parent) {
     buildWorkspace();
     buildViewports();
     buildStatusBar();
+    ConnectPendingCommands();
     installKeyPreview();
     Form_Initialize();
 }
@@ -73,6 +78,10 @@ void Form1::Form_Initialize() {
 
 void Form1::RepositionMeAccordingToLastUsedPos() {
     propagate("Form1", "RepositionMeAccordingToLastUsedPos", [&] {
+        // The first start (no placement stored) fills the screen; later starts take the placement of the
+        // last normal close, maximised again if the window was.
+        const bool firstStart = GetSetting(SecSettings, QStringLiteral("MainWidth")).isEmpty();
+        m_startMaximised = firstStart || ToBool(GetSetting(SecSettings, QStringLiteral("MainMaximized"), BoolText(false)));
         const double left = ToDouble(GetSetting(SecSettings, QStringLiteral("MainLeft"), QStringLiteral("1000")));
         const double top = ToDouble(GetSetting(SecSettings, QStringLiteral("MainTop"), QStringLiteral("1000")));
         const double width = ToDouble(GetSetting(SecSettings, QStringLiteral("MainWidth"), QStringLiteral("6500")));
@@ -88,8 +97,24 @@ void Form1::RepositionMeAccordingToLastUsedPos() {
 void Form1::Show() {
     if (!m_loaded) Form_Load();
     if (m_unloaded) return;
-    show();
+    if (m_startMaximised && !isVisible()) {
+        // Without a window manager nothing would size a maximised window: the screen's free area first.
+        if (const QScreen* s = screen()) setGeometry(s->availableGeometry());
+        showMaximized();
+    } else {
+        show();
+    }
     Form_Activate();
+    ShowPendingTip();
+}
+
+void Form1::ShowPendingTip() {
+    // The tip of Form_Load step 22 opens once the window is up, in front of it.
+    if (!m_tipPending || !TipForm) return;
+    m_tipPending = false;
+    TipForm->show();
+    TipForm->raise();
+    TipForm->activateWindow();
 }
 
 void Form1::Form_Load() {
@@ -164,8 +189,8 @@ void Form1::Form_Load() {
         InitialiseSpinners();
         // 20.
         for (int i = 0; i < 4; ++i) {
-            GridDisplay[size_t(i)] = Prefs().StartUpGrid != 1;
-            GridSnap[size_t(i)] = Prefs().StartUpGridSnap != 1;
+            SetGridDisplay(i, Prefs().StartUpGrid != 1);
+            SetGridSnap(i, Prefs().StartUpGridSnap != 1);
         }
         // 21.
         ZELMAR_light_calcualte_vertices_normals_automatically(1002);
@@ -174,7 +199,7 @@ void Form1::Form_Load() {
             TipForm = new formTip(this);
             TipForm->setAttribute(Qt::WA_DeleteOnClose);
             TipForm->setModal(false);
-            TipForm->show();
+            m_tipPending = true; // shown by Show, after the window itself
         }
         // 23. Tab order: the viewports first, then the new-object controls.
         setTabOrder(picWindow[0], picWindow[1]);
@@ -240,11 +265,9 @@ void Form1::MDIForm_Resize() {
         const int minWidth = TwipsToPixelsX(MinimumWidthTwips);
         if (width() < minWidth) resize(minWidth, height());
         if (!Picture1 || !Picture2) return;
-        // The width of tabWorkspace is ours to choose: wide enough for all its tab titles when the window
-        // allows, at most 40 per cent of the window, at least 260 pixels (docs/ui.md).
-        int titles = 8;
-        for (int i = 0; i < tabWorkspace->count(); ++i) titles += tabWorkspace->tabBar()->fontMetrics().horizontalAdvance(tabWorkspace->tabText(i)) + 26;
-        const int tabWidth = std::clamp(titles, 260, std::max(260, width() * 2 / 5));
+        // The width of tabWorkspace is ours to choose: wide enough for all its tab titles (long titles go on
+        // two or three lines first), at most half the window, at least 260 pixels (docs/ui.md).
+        const int tabWidth = std::clamp(FitWorkspaceTabs(std::max(260, width() / 2)), 260, std::max(260, width() / 2));
         tabWorkspace->setFixedWidth(tabWidth);
         Picture1->setFixedWidth(tabWidth + TwipsToPixelsX(100));
         const int w = Picture1->isVisible() ? width() - Picture1->width() - TwipsToPixelsX(20)
@@ -255,6 +278,46 @@ void Form1::MDIForm_Resize() {
         for (QToolBar* t : Toolbar1)
             if (t) t->update();
     });
+}
+
+int Form1::FitWorkspaceTabs(int available) {
+    QTabBar* bar = tabWorkspace->tabBar();
+    const int n = tabWorkspace->count();
+    // The titles as the string table has them (the tool tips keep them).
+    for (int i = 0; i < n; ++i) {
+        const QString title = tabWorkspace->tabToolTip(i);
+        if (!title.isEmpty() && tabWorkspace->tabText(i) != title) tabWorkspace->setTabText(i, title);
+    }
+    // The bar's own size hint is the sum of its tabs' widths; the frame of the tab widget comes on top.
+    auto total = [&] { return bar->sizeHint().width() + 8; };
+    // While the titles don't fit, the widest line of the widest title that can break is broken at the
+    // blank or "/" nearest its middle.
+    for (int guard = 0; guard < 4 * n && total() > available; ++guard) {
+        int best = -1, bestWidth = 0, bestLine = 0;
+        for (int i = 0; i < n; ++i) {
+            const QStringList lines = tabWorkspace->tabText(i).split(QLatin1Char('\n'));
+            for (int l = 0; l < lines.size(); ++l) {
+                const QString& line = lines[l];
+                const bool breakable = line.contains(QLatin1Char(' ')) || line.indexOf(QLatin1Char('/')) > 0;
+                const int w = bar->fontMetrics().horizontalAdvance(line);
+                if (breakable && lines.size() < 3 && w > bestWidth) best = i, bestWidth = w, bestLine = l;
+            }
+        }
+        if (best < 0) break;
+        QStringList lines = tabWorkspace->tabText(best).split(QLatin1Char('\n'));
+        const QString line = lines[bestLine];
+        int cut = -1;
+        for (int k = 1; k < line.size(); ++k) {
+            const bool at = line[k] == QLatin1Char(' ') || line[k - 1] == QLatin1Char('/');
+            if (at && (cut < 0 || std::abs(k - line.size() / 2) < std::abs(cut - line.size() / 2))) cut = k;
+        }
+        if (cut <= 0) break;
+        const QString first = line.left(cut).trimmed(), second = line.mid(cut).trimmed();
+        lines[bestLine] = first;
+        lines.insert(bestLine + 1, second);
+        tabWorkspace->setTabText(best, lines.join(QLatin1Char('\n')));
+    }
+    return total();
 }
 
 void Form1::resizeEvent(QResizeEvent* e) {
@@ -331,6 +394,7 @@ void Form1::Form_Unload() {
             SaveSetting(SecSettings, QStringLiteral("MainTop"), QString::number(std::lround(PixelsToTwipsY(p.y()))));
             SaveSetting(SecSettings, QStringLiteral("MainWidth"), QString::number(std::lround(PixelsToTwipsX(g.width()))));
             SaveSetting(SecSettings, QStringLiteral("MainHeight"), QString::number(std::lround(PixelsToTwipsY(g.height()))));
+            SaveSetting(SecSettings, QStringLiteral("MainMaximized"), BoolText(!normal));
         }
         // 2. to 4.
         UnloadPlugins();
@@ -352,6 +416,32 @@ void Form1::Form_Unload() {
     // 10.
     ExitRequested = true;
     hide();
+}
+
+// ---- development switches ------------------------------------------------------------------------
+
+void Form1::SetDebug() { DebugEnabled = true; }
+
+QString Form1::PrintAllControlNames() {
+    // For translators: every caption of the window, one per line, in String Table Entries/Strings.txt.
+    const QString folder = AppPath(QStringLiteral("String Table Entries"));
+    QDir().mkpath(folder);
+    const QString path = folder + QStringLiteral("/Strings.txt");
+    QStringList lines;
+    for (QAction* a : findChildren<QAction*>())
+        if (!a->isSeparator() && !a->text().isEmpty()) lines << a->text();
+    for (QWidget* w : findChildren<QWidget*>()) {
+        if (auto* b = qobject_cast<QAbstractButton*>(w); b && !b->text().isEmpty()) lines << b->text();
+        else if (auto* l = qobject_cast<QLabel*>(w); l && !l->text().isEmpty() && l->pixmap().isNull()) lines << l->text();
+        else if (auto* t = qobject_cast<QTabWidget*>(w))
+            for (int i = 0; i < t->count(); ++i) lines << t->tabText(i);
+    }
+    QFile f(path);
+    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text))
+        raiseError(ErrPathNotFound, ("Can't write " + path).toStdString());
+    f.write(lines.join(QLatin1Char('\n')).toUtf8());
+    f.write("\n");
+    return path;
 }
 
 bool Form1::undoHostIsThis() const { return &undoHost() == static_cast<const UndoHost*>(this); }

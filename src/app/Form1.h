@@ -81,9 +81,16 @@ public:
     void RepositionMeAccordingToLastUsedPos();
     void Form_Load();
     void Form_Activate();                         // the first activation (guarded by ToolbarsRestored)
+    // The tip of the day of Form_Load, shown in front of the window once the window shows.
+    void ShowPendingTip();
+    // The window opens maximised: at the first start, and when it was maximised at the last close.
+    bool StartsMaximised() const { return m_startMaximised; }
     bool Form_QueryUnload();                      // true: cancel (the window stays)
     void Form_Unload();
     void MDIForm_Resize();
+    // Makes the workspace tabs' titles fit `available` pixels where it can, by putting long titles on two or
+    // three lines (the full title stays the tab's tool tip); answers the width the titles then need.
+    int FitWorkspaceTabs(int available);
     // The command line given to the program (arguments joined by blanks); read by ParseCommand.
     void SetCommandLine(const QString& commandLine) { m_commandLine = commandLine; }
     QString ParseCommand() const { return ParseCommand(m_commandLine); }
@@ -96,6 +103,13 @@ public:
     int TwipsToPixelsY(double twips) const;
     double PixelsToTwipsX(int px) const;
     double PixelsToTwipsY(int px) const;
+
+    // ---- development switches (no menu calls them) ------------------------------------------------
+    // Sets DebugEnabled.
+    void SetDebug();
+    // Writes every caption of the window to application folder + "/String Table Entries/Strings.txt"
+    // (overwriting it), one per line, for translators; answers the file's path.
+    QString PrintAllControlNames();
 
     // ---- keyboard -------------------------------------------------------------------------
     void Form_KeyDown(int keyCode, Qt::KeyboardModifiers shift);
@@ -137,6 +151,8 @@ public:
     void mnuAbout_Click();
     void mnuReference_Click();
     void mnuTutorial_Click();
+    // Opens help/<page> beside the program in the system's browser.
+    void OpenHelpPage(const QString& page);
     bool ExpertMode = true;
 
     // ---- toolbar bands (Form1_Toolbars.cpp, the preferences) ----------------------------------------------
@@ -160,9 +176,11 @@ public:
     void cmbPolFilter_InitialSetup();
     void cmbNewObjType_InitialSetup();
     void tabWorkspace_Click(int index);
+    // The status bar's progress bar: shown with value of maximum while 0 <= value < maximum, else hidden.
+    void ShowProgress(int value, int maximum);
     void InitialiseSpinners();
 
-    // ---- commands of features not built yet (Form1_Hooks.cpp) ---------------------------------------------
+    // ---- view commands, and commands of features not built yet (Form1_Hooks.cpp: each says so) -----------
     void ZoomExtentAll();
     void ZoomExtentSingle(int index);
     void Toggle3DCard();
@@ -196,6 +214,7 @@ public:
     void SetGridDensity(double density); // the four grids
     double GridDensity() const;
     void CreateSharedObjects();  // Form_Load 14, 17, 18: markers, makers, drawers, gizmos, cameras, grids
+    void ConnectPendingCommands(); // menu items of features not built yet: each says so
     void ReleaseSharedObjects(); // Form_Unload 6 to 8
 
     // ---- state ----------------------------------------------------------------------------
@@ -213,8 +232,13 @@ public:
     int LayerGlobalA = 0, LayerGlobalB = 0, LayerGlobalC = 0; // Form_Load step 16
     bool ShowGizmoFlag = false;          // Form_Load step 17
     QPoint IKeyMousePos;                 // the I key's stored mouse position
-    std::array<bool, 4> GridDisplay{};   // Form_Load step 20
-    std::array<bool, 4> GridSnap{};
+    // The grid flags of viewport i (Form_Load step 20 sets them); they live in the viewports' grids.
+    bool GridDisplay(int index) const;
+    bool GridSnap(int index) const;
+    void SetGridDisplay(int index, bool visible);
+    void SetGridSnap(int index, bool on);
+    // The Grid and Grid Snap buttons show the active viewport's grid.
+    void SyncGridButtons();
     std::array<QPen, 12> Pens;           // white 1; red 1, 2; green 1, 2; blue 1, 2; yellow 1, 2; grey 1; black 1, 1
     bool PensCreated = false;
 
@@ -309,6 +333,9 @@ public:
     // ---- the create panel of the Edit Group tab (Form1_Create.cpp) ---------------------------
     CreatePanel* frmCreate = nullptr; // holds cmbNewObjType and spnBoxDim
     void cmdCreate_Click();
+    // Where a new object goes: on the ground (z = 0) where the active view's line of sight meets it, or, for
+    // a side view, below the point where it meets the grid plane that faces the view.
+    std::array<double, 3> NewObjectPlace();
     // Create > Standard Groups: kind 0 plane, 1 box, 2 sphere, 3 cylinder, 4 cone, 5 torus.
     void mnuStandardGroups_Click(int kind);
     // ---- the simplification workbench (Form1_Workbench.cpp) --------------------------------------
@@ -445,6 +472,8 @@ private:
     bool m_loaded = false;
     bool m_unloaded = false;
     bool m_busy = false;
+    bool m_startMaximised = false;
+    bool m_tipPending = false;
     QString m_commandLine;
     int m_pendingWheel = 0;
     std::unique_ptr<ActionUndoRedo_Stack> m_undoStack;

@@ -257,7 +257,11 @@ void Form1::ApplyLanguage() {
     applyToolbarLanguage();
     // Workspace tabs.
     static const int tabIds[] = {214, 215, 216, 217, 213, 212};
-    for (int i = 0; i < tabWorkspace->count() && i < 6; ++i) tabWorkspace->setTabText(i, GetLocaleString(tabIds[i]));
+    for (int i = 0; i < tabWorkspace->count() && i < 6; ++i) {
+        tabWorkspace->setTabText(i, GetLocaleString(tabIds[i]));
+        tabWorkspace->setTabToolTip(i, GetLocaleString(tabIds[i]));
+    }
+    MDIForm_Resize(); // the titles' widths decide the workspace's
     // Labels and tool tips.
     StatusPanel[1]->setToolTip(GetLocaleString(124));
     StatusPanel[2]->setToolTip(GetLocaleString(125));
@@ -430,6 +434,7 @@ void Form1::mnuTipOfTheDay_Click() {
     }
     TipForm->show();
     TipForm->raise();
+    TipForm->activateWindow();
 }
 
 void Form1::mnuAbout_Click() {
@@ -437,13 +442,20 @@ void Form1::mnuAbout_Click() {
     dialogs().exec(dlg);
 }
 
-void Form1::mnuReference_Click() {
-    // The help file, UI string 333 ("VEXIL Help.chm"), beside the program; a reader of the platform opens it.
-    const QString help = AppPath(GetLocaleString(333));
-    if (QFileInfo::exists(help)) QDesktopServices::openUrl(QUrl::fromLocalFile(help));
-    else dialogs().msgBox(GetLocaleString(609) + QStringLiteral("\n") + help, MsgOKOnly, MsgInformation);
+void Form1::OpenHelpPage(const QString& page) {
+    // The help is a set of HTML pages in "help" beside the program, opened in the system's browser.
+    const QString file = AppPath(QStringLiteral("help/") + page);
+    if (!QFileInfo::exists(file)) {
+        dialogs().msgBox(GetLocaleString(609) + QStringLiteral("\n") + file, MsgOKOnly, MsgInformation);
+        return;
+    }
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file)))
+        dialogs().msgBox(QStringLiteral("No web browser could show the help. It is in \"%1\".").arg(file), MsgOKOnly,
+                         MsgInformation);
 }
 
-void Form1::mnuTutorial_Click() { mnuReference_Click(); }
+void Form1::mnuReference_Click() { OpenHelpPage(QStringLiteral("index.html")); }
+
+void Form1::mnuTutorial_Click() { OpenHelpPage(QStringLiteral("tutorial.html")); }
 
 } // namespace vexil

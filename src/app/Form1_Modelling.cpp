@@ -10,6 +10,7 @@
 #include "modelling/EditGeometry.h"
 #include "modelling/ModellingActions.h"
 #include "modelling/ObjectToolDialogs.h"
+#include "materials/PolygonSurfacePanel.h"
 #include "modelling/frmEditGeom.h"
 #include "modelling/mdlCutPols.h"
 #include "selection/SelectionModel.h"
@@ -33,8 +34,9 @@ void Form1::cmbObj_Change() {
         EditGeomPanel->ShowMode(!geometry ? 0 : geom == GetLocaleString(325) ? 1 : 2);
     }
     cmbObjEditGeom->setVisible(geometry);
-    // The create panel belongs to "New Object".
+    // The create panel belongs to "New Object", the surface panel to the editing modes.
     if (frmCreate) frmCreate->setVisible(!geometry && !texture);
+    if (frmPolSurface) frmPolSurface->setVisible(geometry || texture);
     // The weld table holds the group under edit while its points or polygons can be edited.
     InstallModellingActions();
     EditGeometry::EditModeChanged(geometry || texture);

@@ -6,6 +6,7 @@
 //   ("True"/"False"), then the break flag (-1/0), the width in twips and the band index as integers.
 #include "Form1.h"
 
+#include "frame/AppIcons.h"
 #include "frame/Dialogs.h"
 #include "frame/ErrLog.h"
 #include "frame/Locale.h"
@@ -99,11 +100,14 @@ void Form1::buildToolbars() {
         for (size_t i = 0; i < spec.buttons.size(); ++i) {
             const ButtonSpec& bs = spec.buttons[i];
             const QString key = QString::fromUtf8(bs.key);
-            QIcon icon;
-            if (key == QLatin1String("New")) icon = style->standardIcon(QStyle::SP_FileIcon);
-            else if (key == QLatin1String("Open")) icon = style->standardIcon(QStyle::SP_DialogOpenButton);
-            else if (key == QLatin1String("Save")) icon = style->standardIcon(QStyle::SP_DialogSaveButton);
-            else icon = glyphIcon(QString::fromUtf8(bs.glyph), bandColors[b]);
+            // The icon set shipped beside the program; a drawn tile if its file is missing.
+            QIcon icon = ButtonIcon(key);
+            if (icon.isNull()) {
+                if (key == QLatin1String("New")) icon = style->standardIcon(QStyle::SP_FileIcon);
+                else if (key == QLatin1String("Open")) icon = style->standardIcon(QStyle::SP_DialogOpenButton);
+                else if (key == QLatin1String("Save")) icon = style->standardIcon(QStyle::SP_DialogSaveButton);
+                else icon = glyphIcon(QString::fromUtf8(bs.glyph), bandColors[b]);
+            }
             QAction* a = tb->addAction(icon, key);
             a->setObjectName(QStringLiteral("Toolbar1%1_%2").arg(b).arg(key));
             a->setProperty(kBandKey, key);

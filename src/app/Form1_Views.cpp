@@ -1,10 +1,11 @@
 // Form1: the viewport area. Form1 embeds frmPicWins, answers its questions (ViewportHost) and forwards the
 // view commands of its menus, toolbar bands, key table and tick loop to it.
 //
-// Form1 keeps a few mirrors of the viewports' state (ActiveWin, ViewHasFocus, ToolMode, GridDisplay,
-// GridSnap) because its key table and menus read and write them directly: they are pushed to the viewports
-// before every forwarded command, and pulled back when a picture window takes focus or a click, and when a
-// tool button changes.
+// Form1 keeps a few mirrors of the viewports' state (ActiveWin, ViewHasFocus, ToolMode) because its key
+// table and menus read and write them directly: they are pushed to the viewports before every forwarded
+// command, and pulled back when a picture window takes focus or a click, and when a tool button changes.
+// The grids' state lives in the grids alone (GridDisplay, GridSnap read it there), so nothing has to be
+// copied into them on the tick loop's every pass.
 #include "Form1.h"
 #include "frame/Locale.h"
 
@@ -19,6 +20,7 @@
 #include <QEvent>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <cmath>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
@@ -60,11 +62,6 @@ void Form1::buildViewports() {
     l->setContentsMargins(0, 0, 0, 0);
     frmPicWins = new vexil::frmPicWins(*this, Picture2);
     frmPicWins->setObjectName(QStringLiteral("frmPicWins"));
-    // Form_KeyDown (key preview) runs the key table; the picture windows must not run it a second time.
-    frmPicWins->HandlesOwnKeys = false;
-    // The main window opens at 6500 twips high with menus, bands and status bar around the views: the area's
-    // own minimum would force it taller.
-    frmPicWins->setMinimumHeight(0);
     l->addWidget(frmPicWins);
     for (int i = 0; i < 4; ++i) {
         picWindow[size_t(i)] = frmPicWins->PicWindow(i);
@@ -86,8 +83,9 @@ void Form1::buildViewports() {
     if (QAction* snap = ToolbarButton(QStringLiteral("Grid Snap")))
         connect(snap, &QAction::triggered, this, [this] {
             handleEvent("Form1", "Toolbar1_ButtonClick", [&] {
-                GridSnap[size_t(ActiveWin)] = !GridSnap[size_t(ActiveWin)];
                 SyncViewState();
+                frmPicWins->Grid_ToggleSnap(false);
+                SyncGridButtons();
             });
         });
 }
@@ -96,14 +94,32 @@ void Form1::SyncViewState() {
     if (!frmPicWins) return;
     frmPicWins->ActiveWin = std::clamp(ActiveWin, 0, 3);
     frmPicWins->ViewHasFocus = ViewHasFocus;
-    frmPicWins->KeyIHeld = KeyIHeld;
     if (frmPicWins->ToolMode() != ToolMode) frmPicWins->SetToolMode(ToolMode);
-    for (int i = 0; i < 4; ++i) {
-        Grid& g = frmPicWins->ViewGrids(i);
-        g.GridVisible = GridDisplay[size_t(i)];
-        g.GridSnapOn = GridSnap[size_t(i)];
-        g.Density = static_cast<int>(m_gridDensity);
-    }
+}
+
+bool Form1::GridDisplay(int index) const {
+    return frmPicWins && index >= 0 && index < 4 && frmPicWins->ViewGrids(index).GridVisible;
+}
+
+bool Form1::GridSnap(int index) const {
+    return frmPicWins && index >= 0 && index < 4 && frmPicWins->ViewGrids(index).GridSnapOn;
+}
+
+void Form1::SetGridDisplay(int index, bool visible) {
+    if (frmPicWins && index >= 0 && index < 4) frmPicWins->ViewGrids(index).GridVisible = visible;
+    SyncGridButtons();
+}
+
+void Form1::SetGridSnap(int index, bool on) {
+    if (frmPicWins && index >= 0 && index < 4) frmPicWins->ViewGrids(index).GridSnapOn = on;
+    SyncGridButtons();
+}
+
+void Form1::SyncGridButtons() {
+    // The band's Grid and Grid Snap buttons show the state of the active viewport's grid.
+    const int i = std::clamp(ActiveWin, 0, 3);
+    if (QAction* a = ToolbarButton(QStringLiteral("Grid"))) a->setChecked(GridDisplay(i));
+    if (QAction* a = ToolbarButton(QStringLiteral("Grid Snap"))) a->setChecked(GridSnap(i));
 }
 
 // ---- focus
@@ -198,7 +214,6 @@ void Form1::PointViewCameraAt(int index, int x, int y) {
     camera& cam = frmPicWins->ViewCams(index);
     ZELMAR_camera_set_current(cam.CamHandle, frmPicWins->PicWindow(index)->Target());
     cam.MouseDown(0, 0, x, y);
-    frmPicWins->KeyIHeld = true;
 }
 
 // ---- tools and grids
@@ -214,14 +229,18 @@ void Form1::picWinSetMousePtr(const QString& pointer) {
 }
 
 void Form1::ToggleGridVisibility(int index) {
-    if (index < 0 || index > 3) return;
-    GridDisplay[size_t(index)] = !GridDisplay[size_t(index)];
+    if (!frmPicWins || index < 0 || index > 3) return;
     SyncViewState();
+    // Grid.ToggleVisibility flips the flag and repaints that viewport.
+    frmPicWins->ViewGrids(index).ToggleVisibility();
+    SyncGridButtons();
 }
 
 void Form1::SetGridDensity(double density) {
     m_gridDensity = density;
-    SyncViewState();
+    if (!frmPicWins) return;
+    for (int i = 0; i < 4; ++i)
+        frmPicWins->ViewGrids(i).Density = static_cast<int>(std::lround(density));
 }
 
 double Form1::GridDensity() const {
@@ -236,8 +255,10 @@ int Form1::GetWheelMessages() {
 }
 
 void Form1::ScrollCheck() {
+    // Every tick: only what the wheel needs, the active window and the focus.
     if (!frmPicWins) return;
-    SyncViewState();
+    frmPicWins->ActiveWin = std::clamp(ActiveWin, 0, 3);
+    frmPicWins->ViewHasFocus = ViewHasFocus;
     handleEvent("Form1", "ScrollCheck", [&] { frmPicWins->ScrollCheck(); });
 }
 

@@ -83,15 +83,14 @@ void Form1::buildWorkspace() {
     groups->layout()->addWidget(txtSelectedGrpName);
     groups->layout()->addWidget(GroupTree);
 
-    // 1: Edit Group.
+    // 1: Edit Group. The panel follows the mode of cmbObj: "New Object" shows the create panel, "Edit
+    // Geometry" the point or polygon tools (cmbObjEditGeom), "Edit Texture" the blending filter.
     QWidget* edit = page("frmEditGroup");
-    auto* form = new QFormLayout;
     cmbObj = new QComboBox(edit);
     cmbObj->setObjectName(QStringLiteral("cmbObj"));
-    cmbObjEditGeom = new QComboBox(edit);
-    cmbObjEditGeom->setObjectName(QStringLiteral("cmbObjEditGeom"));
-    // The create panel holds the kind and the sizes of a new object (src/geometry).
+    // The create panel holds the kind and the sizes of a new object (src/builders).
     frmCreate = new CreatePanel(edit);
+    frmCreate->setObjectName(QStringLiteral("frmCreate"));
     cmbNewObjType = frmCreate->cmbNewObjType;
     spnBoxDim = frmCreate->spnBoxDim[0];
     connect(frmCreate, &CreatePanel::cmdCreateClicked, this,
@@ -180,6 +179,19 @@ void Form1::buildWorkspace() {
     });
 }
 
+void Form1::ShowProgress(int value, int maximum) {
+    // The bar shows only while something is in progress: from the first step until the last.
+    if (!ProgressBar1) return;
+    if (maximum <= 0 || value < 0 || value >= maximum) {
+        ProgressBar1->hide();
+        ProgressBar1->reset();
+        return;
+    }
+    ProgressBar1->setRange(0, maximum);
+    ProgressBar1->setValue(value);
+    ProgressBar1->show();
+}
+
 void Form1::buildStatusBar() {
     StatusBar1 = statusBar();
     StatusBar1->setObjectName(QStringLiteral("StatusBar1"));
@@ -199,6 +211,7 @@ void Form1::buildStatusBar() {
             ProgressBar1->setTextVisible(false);
             ProgressBar1->setValue(0);
             StatusBar1->addPermanentWidget(ProgressBar1);
+            ProgressBar1->hide(); // ShowProgress shows it while there is progress
         }
         if (i == 3) StatusBar1->addWidget(panel, 1);
         else if (i < 3) StatusBar1->addWidget(panel);

@@ -19,10 +19,26 @@
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace vexil {
 
 namespace {
+// A list shows every item without scrolling: as tall as its rows and as wide as its widest item.
+void fitToContents(QListWidget* list) {
+    list->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
+    const int frame = 2 * list->frameWidth();
+    int height = frame, width = 0;
+    for (int r = 0; r < list->count(); ++r) {
+        height += list->sizeHintForRow(r);
+        width = std::max(width, list->sizeHintForColumn(0));
+    }
+    list->setMinimumHeight(height + 2);
+    list->setMinimumWidth(width + frame + 4);
+}
+
 Spinner* spinner(QWidget* parent, const char* name, double min, double max, double step, int decimals) {
     auto* s = new Spinner(parent);
     s->setObjectName(QString::fromLatin1(name));
@@ -89,7 +105,7 @@ frmPrefrences::frmPrefrences(QWidget* parent) : QDialog(parent) {
         it->setFlags(it->flags() | Qt::ItemIsUserCheckable);
         it->setCheckState(Qt::Unchecked);
     }
-    lstErrLogBeep->setMaximumHeight(86);
+
     lstSaveFlags = new QListWidget(general);
     lstSaveFlags->setObjectName(QStringLiteral("lstSaveFlags"));
     lstSaveFlags->addItems({QStringLiteral("SAVE_BITMAP_OPTIMIZED "), QStringLiteral("SAVE_IN_MULTIPLE_FILES"),
@@ -98,7 +114,8 @@ frmPrefrences::frmPrefrences(QWidget* parent) : QDialog(parent) {
                             QStringLiteral("SAVE_WITH_BSP_TREE_INFORMATION")});
     lstSaveFlags->setSelectionMode(QAbstractItemView::NoSelection);
     lstSaveFlags->setEnabled(false); // inert: no code reads it
-    lstSaveFlags->setMaximumHeight(86);
+    fitToContents(lstErrLogBeep);
+    fitToContents(lstSaveFlags);
     auto* lists = new QHBoxLayout;
     lists->addWidget(lstErrLogBeep);
     lists->addWidget(lstSaveFlags, 1);
@@ -221,12 +238,26 @@ void frmPrefrences::ApplyLanguage() {
     cmdApply->setText(GetLocaleString(456));
 }
 
+int frmPrefrences::StoredUndoDepth() {
+    // The depth the next start will have: the stored "MaxUndoRedo" (empty, "0" or text: 20). A change takes
+    // effect at the next start, so the stack's own size would show the old value again and Apply would
+    // write it back.
+    const QString stored = ReadMaxUndoRedoText();
+    if (IsNumeric(stored)) {
+        try {
+            const int n = ToLong(stored);
+            if (n > 0) return n;
+        } catch (const VexilError&) {
+        }
+    }
+    return 20;
+}
+
 void frmPrefrences::LoadValues() {
     Form1* form = Form1::instance();
     const Preferences& p = Prefs();
-    int depth = 20;
-    if (form && form->UndoStackPtr()) depth = form->UndoStackPtr()->GetStackSize();
-    UpDown1[0]->setValue(depth);
+    m_depthShown = std::clamp(StoredUndoDepth(), UpDown1[0]->minimum(), UpDown1[0]->maximum());
+    UpDown1[0]->setValue(m_depthShown);
     UpDown1[1]->setValue(int(p.TransformGizmoSensitivity));
     UpDown1[2]->setValue(int(p.CamLightObjRelativeSize));
     for (int i = 0; i < 3; ++i) UpDown1_Change(i);
@@ -236,8 +267,9 @@ void frmPrefrences::LoadValues() {
     spnMoveStep->SetValue(p.MoveStep);
     spnRotateStep->SetValue(p.RotateStep);
     spnScaleStep->SetValue(p.ScaleStep);
-    chkGrid->setChecked(p.StartUpGrid == 1);
-    chkGridSnap->setChecked(p.StartUpGridSnap == 1);
+    // The boxes say "the grid (its snap) is on at start": a stored 1 is off (Form_Load step 20).
+    chkGrid->setChecked(p.StartUpGrid != 1);
+    chkGridSnap->setChecked(p.StartUpGridSnap != 1);
     chkExpertMode->setChecked(form ? form->ExpertMode : p.ExpertModeStartup);
     cmbLang->clear();
     int current = 0;
@@ -277,7 +309,6 @@ void frmPrefrences::cmdApply_Click() {
     Form1* form = Form1::instance();
     Preferences& p = Prefs();
     ActionUndoRedo_Stack* stack = form ? form->UndoStackPtr() : nullptr;
-    const int oldDepth = stack ? stack->GetStackSize() : ToLong(ReadMaxUndoRedoText().isEmpty() ? QStringLiteral("20") : ReadMaxUndoRedoText());
     const int depth = UpDown1[0]->value();
     SaveSetting(SecPrefrences, QStringLiteral("MaxUndoRedo"), QString::number(depth));
     SaveSetting(SecPrefrences, QStringLiteral("TransformGizmoSensitivity"), QString::number(UpDown1[1]->value()));
@@ -287,7 +318,7 @@ void frmPrefrences::cmdApply_Click() {
     p.CamLightObjRelativeSize = UpDown1[2]->value();
     if (stack) stack->SetStackSize(depth);
     const int decimals = int(spnSignificantDecs->Value());
-    if (decimals != p.SignificantDecimals || depth != oldDepth)
+    if (decimals != p.SignificantDecimals || depth != m_depthShown)
         dialogs().msgBox(QStringLiteral("Some settings will take effect only after restarting the application."), MsgOKOnly,
                          MsgInformation);
     p.ShowSplashMode = chkShowSplash->isChecked() ? 1 : 0;
@@ -301,8 +332,9 @@ void frmPrefrences::cmdApply_Click() {
     p.MoveStep = spnMoveStep->Value();
     p.RotateStep = spnRotateStep->Value();
     p.ScaleStep = spnScaleStep->Value();
-    p.StartUpGrid = chkGrid->isChecked() ? 1 : 0;
-    p.StartUpGridSnap = chkGridSnap->isChecked() ? 1 : 0;
+    m_depthShown = depth;
+    p.StartUpGrid = chkGrid->isChecked() ? 0 : 1;
+    p.StartUpGridSnap = chkGridSnap->isChecked() ? 0 : 1;
     SaveSetting(SecPrefrences, QStringLiteral("StartUpGrid"), QString::number(p.StartUpGrid));
     SaveSetting(SecPrefrences, QStringLiteral("StartUpGridSnap"), QString::number(p.StartUpGridSnap));
     if (cmbLang->currentIndex() != m_languageShown && cmbLang->currentIndex() >= 0) {
@@ -343,8 +375,9 @@ void frmPrefrences::cmdDefault_Click() {
         UpDown1[1]->setValue(50);
         UpDown1[2]->setValue(35);
         spnGridDensity->SetValue(40);
-        chkGrid->setChecked(true);
-        chkGridSnap->setChecked(true);
+        // The stored defaults (1): grid and snap off at start.
+        chkGrid->setChecked(false);
+        chkGridSnap->setChecked(false);
         break;
     default: break; // the toolbar tab: nothing
     }

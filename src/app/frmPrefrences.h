@@ -23,6 +23,8 @@ public:
     void ApplyLanguage();
     // Fills the controls from the globals (Form_Load).
     void LoadValues();
+    // The undo depth in force from the next start: the stored "MaxUndoRedo" (empty, "0" or text give 20).
+    static int StoredUndoDepth();
 
     void cmdApply_Click();
     void cmdOk_Click();
@@ -54,6 +56,7 @@ public:
 
 private:
     int m_languageShown = 0; // the index of cmbLang at load or last apply
+    int m_depthShown = 20;   // the undo depth at load or last apply
 };
 
 } // namespace vexil

@@ -25,9 +25,10 @@ bool IsDevelopmentRun() { return false; }
 QString CommandLineOf(const QStringList& arguments) { return arguments.mid(1).join(QLatin1Char(' ')); }
 
 Form1* StartApplication(const QString& commandLine) {
-    // 1., 2. The log (ToolbarStateStore is the toolbar code's own state, Form1_Toolbars.cpp), cleared.
+    // 1., 2. The log (ToolbarStateStore is the toolbar code's own state, Form1_Toolbars.cpp), empty for this
+    // run; the logs of the last few runs are kept beside it, so that a crash report survives a restart.
     AppLog().setLogFile(AppPath(QStringLiteral("VXE_Error.log")));
-    AppLog().ClearLogFile();
+    AppLog().RotateLogFiles();
     // 3. Preferences, and with them the language.
     try {
         LoadPreferences();

@@ -2,6 +2,8 @@
 #include "WorkspaceTrees.h"
 
 #include "DocumentHost.h"
+#include "GroupHierarchy.h"
+#include "frame/Dialogs.h"
 #include "engine/EntityNaming.h"
 #include "WorldDocument.h"
 #include "frame/Locale.h"
@@ -17,12 +19,20 @@
 #include <QPainterPath>
 #include <QStyledItemDelegate>
 
+#include <dlfcn.h>
+#include <algorithm>
 #include <map>
 #include <vector>
 
 namespace vexil {
 
 namespace {
+
+bool lookUpEntryPoint(const char* name) { return dlsym(RTLD_DEFAULT, name) != nullptr; }
+EntryPointLookup& entryPointLookup() {
+    static EntryPointLookup lookup = &lookUpEntryPoint;
+    return lookup;
+}
 
 QString qname(int handle) { return QString::fromLocal8Bit(EntityName(handle).c_str()); }
 
@@ -107,6 +117,10 @@ private:
 
 } // namespace
 
+bool EngineHasEntryPoint(const char* name) { return entryPointLookup()(name); }
+
+void SetEntryPointLookup(EntryPointLookup lookup) { entryPointLookup() = lookup ? lookup : &lookUpEntryPoint; }
+
 QIcon TreeImage(const QString& name) {
     static QHash<QString, QIcon> cache;
     auto it = cache.find(name);
@@ -126,7 +140,58 @@ WorkspaceTree::WorkspaceTree(QWidget* parent) : QTreeWidget(parent) {
 }
 
 // The model outlives this part of the object: its removals during ~QTreeWidget must not reach m_nodes.
-WorkspaceTree::~WorkspaceTree() { disconnect(model(), nullptr, this, nullptr); }
+// The nodes go first, without recursion: a tree as deep as a world can be would overflow the stack in
+// the nodes' own destructors.
+WorkspaceTree::~WorkspaceTree() {
+    disconnect(model(), nullptr, this, nullptr);
+    ClearNodes();
+}
+
+namespace {
+
+// Deletes detached subtrees without recursion and in linear time: parents are emptied deepest first, so
+// that each one's children are leaves when it lets them go (a node's own destructor would recurse, and
+// taking the children of a node walks everything below it).
+void deleteDetached(const QList<QTreeWidgetItem*>& roots) {
+    std::vector<std::pair<int, QTreeWidgetItem*>> parents; // (depth, node) of every node with children
+    std::vector<std::pair<int, QTreeWidgetItem*>> stack;
+    for (QTreeWidgetItem* r : roots)
+        if (r) stack.emplace_back(0, r);
+    while (!stack.empty()) {
+        const auto [depth, n] = stack.back();
+        stack.pop_back();
+        if (n->childCount() == 0) continue;
+        parents.emplace_back(depth, n);
+        for (int i = 0; i < n->childCount(); ++i)
+            stack.emplace_back(depth + 1, n->child(i));
+    }
+    std::stable_sort(parents.begin(), parents.end(),
+                     [](const auto& a, const auto& b) { return a.first > b.first; });
+    for (const auto& [depth, n] : parents)
+        for (QTreeWidgetItem* leaf : n->takeChildren())
+            delete leaf;
+    for (QTreeWidgetItem* r : roots)
+        delete r;
+}
+
+} // namespace
+
+void WorkspaceTree::DeleteSubtree(QTreeWidgetItem* node) {
+    if (!node) return;
+    if (QTreeWidgetItem* parent = node->parent())
+        parent->removeChild(node);
+    else if (const int i = indexOfTopLevelItem(node); i >= 0)
+        takeTopLevelItem(i);
+    deleteDetached({node});
+}
+
+void WorkspaceTree::ClearNodes() {
+    m_nodes.clear();
+    QList<QTreeWidgetItem*> roots;
+    while (topLevelItemCount() > 0)
+        roots.append(takeTopLevelItem(topLevelItemCount() - 1));
+    deleteDetached(roots);
+}
 
 QTreeWidgetItem* WorkspaceTree::AddNode(const QString& parentKey, const QString& key, const QString& text, const QString& image) {
     QTreeWidgetItem* parentNode = parentKey.isEmpty() ? nullptr : Node(parentKey);
@@ -148,7 +213,23 @@ QTreeWidgetItem* WorkspaceTree::Node(const QString& key) const {
     return nullptr;
 }
 
-void WorkspaceTree::RemoveNode(const QString& key) { delete Node(key); }
+void WorkspaceTree::ShowNode(QTreeWidgetItem* node) {
+    if (!node) return;
+    int depth = 0;
+    for (QTreeWidgetItem* p = node->parent(); p && depth <= MaxShownDepth; p = p->parent()) ++depth;
+    const bool show = depth <= MaxShownDepth;
+    // A new current item scrolls itself into view (opening its fathers) unless told not to.
+    const bool autoScrolls = hasAutoScroll();
+    setAutoScroll(show && autoScrolls);
+    setCurrentItem(node);
+    setAutoScroll(autoScrolls);
+    node->setSelected(true);
+    if (show) scrollToItem(node);
+}
+
+void WorkspaceTree::RememberNode(const QString& key, QTreeWidgetItem* node) { m_nodes.insert(key, node); }
+
+void WorkspaceTree::RemoveNode(const QString& key) { DeleteSubtree(Node(key)); }
 
 bool WorkspaceTree::SetNodeText(const QString& key, const QString& text) {
     QTreeWidgetItem* n = Node(key);
@@ -172,9 +253,14 @@ QStringList WorkspaceTree::Keys() const {
 }
 
 void WorkspaceTree::CollapseNode(QTreeWidgetItem* node) {
-    if (!node) return;
-    for (int i = 0; i < node->childCount(); ++i) CollapseNode(node->child(i));
-    node->setExpanded(false);
+    std::vector<QTreeWidgetItem*> stack;
+    if (node) stack.push_back(node);
+    while (!stack.empty()) {
+        QTreeWidgetItem* n = stack.back();
+        stack.pop_back();
+        for (int i = 0; i < n->childCount(); ++i) stack.push_back(n->child(i));
+        n->setExpanded(false);
+    }
 }
 
 // ---- trwGroupView --------------------------------------------------------------------------------------------
@@ -189,14 +275,14 @@ trwGroupView::trwGroupView(QWidget* parent) : WorkspaceTree(parent) {
 }
 
 void trwGroupView::trwGroupViewInitialSetup() {
-    clear();
+    ClearNodes();
     AddNode({}, QStringLiteral("WORLD"), QStringLiteral("WORLD"), QStringLiteral("Folder"));
     AddNode(QStringLiteral("WORLD"), QStringLiteral("BOX01"), QStringLiteral("BOX01"), QStringLiteral("Group"));
     AddNode(QStringLiteral("WORLD"), QStringLiteral("SPHERE02"), QStringLiteral("SPHERE02"), QStringLiteral("Group"));
 }
 
 void trwGroupView::trwGroupView_Reset() {
-    clear();
+    ClearNodes();
     QTreeWidgetItem* world = AddNode({}, QStringLiteral("WORLD"), QStringLiteral("WORLD"), QStringLiteral("Folder"));
     world->setFlags(world->flags() & ~Qt::ItemIsEditable);
 }
@@ -208,32 +294,45 @@ void trwGroupView::addGroupNode(int group, const QString& fatherKey, const QStri
 
 void trwGroupView::trwGroupView_Populate() {
     setEnabled(false);                                                      // 1
+    setUpdatesEnabled(false);
     trwGroupView_Reset();
     const int root = m_doc ? m_doc->RootGrp : 0;
     if (root != 0) {
-        for (int g = ZELMAR_group_get_first_group(); g != 0; g = ZELMAR_group_get_next(g)) {  // 2
-            if (g == root || ZELMAR_group_is_groupA_included_in_groupB(g, root) != 1) continue;
-            if (ZELMAR_group_get_father_group(g) != root) continue;           // 3
+        // 2, 3: the groups whose father is the root, and below each its named descendants. One walk of the
+        // engine's groups finds every father; a father is enough to be included.
+        const GroupHierarchy h;
+        // Filled while out of the view, so that the model is told once rather than once per node.
+        QTreeWidgetItem* world = takeTopLevelItem(0);
+        RememberNode(QStringLiteral("WORLD"), world);
+        for (int g : h.Children(root)) {
             addGroupNode(g, QStringLiteral("WORLD"), qname(g));
-            trwGroupView_PopulateRecursive(g, QStringLiteral("Group") + QString::number(g));
+            populateBelow(h, g);
             if (ZELMAR_group_is_disable(g) == 1) GroupHide(g);
         }
+        insertTopLevelItem(0, world);
     }
+    setUpdatesEnabled(true);
     setEnabled(true);                                                       // 4
 }
 
-void trwGroupView::trwGroupView_PopulateRecursive(int group, const QString& fatherKey) {
-    // The groups included in `group` whose father is `group` and whose name is not empty, in engine order.
-    std::vector<int> children;
-    for (int g = ZELMAR_group_get_first_group(); g != 0; g = ZELMAR_group_get_next(g))
-        if (g != group && ZELMAR_group_get_father_group(g) == group && ZELMAR_group_is_groupA_included_in_groupB(g, group) == 1)
-            children.push_back(g);
-    for (int g : children) {
+void trwGroupView::trwGroupView_PopulateRecursive(int group, const QString& /*fatherKey*/) {
+    populateBelow(GroupHierarchy(), group);
+}
+
+void trwGroupView::populateBelow(const GroupHierarchy& h, int group) {
+    // Depth first, in engine order, with a stack of its own: a world may nest groups far deeper than the
+    // call stack would allow. Groups with an empty name are left out with their subtrees (the engine's
+    // helper groups have no names).
+    std::vector<int> stack(h.Children(group).rbegin(), h.Children(group).rend());
+    while (!stack.empty()) {
+        const int g = stack.back();
+        stack.pop_back();
         const QString name = qname(g);
-        if (name.isEmpty()) continue;  // the engine's helper groups have no names
-        addGroupNode(g, fatherKey, name);
-        trwGroupView_PopulateRecursive(g, QStringLiteral("Group") + QString::number(g));
+        if (name.isEmpty()) continue;
+        addGroupNode(g, QStringLiteral("Group") + QString::number(ZELMAR_group_get_father_group(g)), name);
         if (ZELMAR_group_is_disable(g) == 1) GroupHide(g);
+        const std::vector<int>& kids = h.Children(g);
+        stack.insert(stack.end(), kids.rbegin(), kids.rend());
     }
 }
 
@@ -309,7 +408,7 @@ trwCamTrackBK::trwCamTrackBK(QWidget* parent) : WorkspaceTree(parent) {
 }
 
 void trwCamTrackBK::trwCamTrackBKInitialSetup() {
-    clear();
+    ClearNodes();
     AddNode({}, QStringLiteral("CAMERA01"), QStringLiteral("CAMERA01"), QStringLiteral("Folder"));
     AddNode(QStringLiteral("CAMERA01"), QStringLiteral("CAM01"), QStringLiteral("CAM01"), QStringLiteral("Cam"));
     AddNode({}, QStringLiteral("CAMERA02"), QStringLiteral("CAMERA02"), QStringLiteral("Folder"));
@@ -319,7 +418,7 @@ void trwCamTrackBK::trwCamTrackBKInitialSetup() {
 }
 
 void trwCamTrackBK::trwCamTrackBK_Reset() {
-    clear();
+    ClearNodes();
     AddNode({}, QStringLiteral("CAMERA"), GetLocaleString(341), QStringLiteral("Folder"));
     AddNode({}, QStringLiteral("TRACK"), GetLocaleString(343), QStringLiteral("Folder"));
     AddNode({}, QStringLiteral("BACKGROUND"), GetLocaleString(342), QStringLiteral("Folder"));
@@ -352,7 +451,7 @@ trwLight::trwLight(QWidget* parent) : WorkspaceTree(parent) {
 }
 
 void trwLight::trwLight_Reset() {
-    clear();
+    ClearNodes();
     AddNode({}, QStringLiteral("LIGHT"), GetLocaleString(344), QStringLiteral("Folder"));
 }
 
@@ -360,6 +459,12 @@ QTreeWidgetItem* trwLight::FolderNode() const { return topLevelItemCount() > 0 ?
 
 void trwLight::trwLight_Populate() {
     trwLight_Reset();
+    // The second version test: an engine without the lights' save flag can't list the lights.
+    if (!EngineHasEntryPoint("ZELMAR_light_get_save_flag")) {
+        dialogs().msgBox(QStringLiteral("Wrong version of ZELMAR.dll found.\nFailed extracting information of light objects."),
+                         MsgOKOnly, MsgCritical);
+        return;
+    }
     for (int l = ZELMAR_light_get_first_light(); l != 0; l = ZELMAR_light_get_next_light(l))
         if (ZELMAR_light_get_save_flag(l) == 1)
             AddNode(QStringLiteral("LIGHT"), QStringLiteral("Light") + QString::number(l), qname(l), QStringLiteral("Light"));

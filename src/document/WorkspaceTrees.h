@@ -10,6 +10,12 @@
 namespace vexil {
 
 class WorldDocument;
+class GroupHierarchy;
+
+// Whether the engine offers the entry point `name` (looked up at run time); tests replace the lookup.
+using EntryPointLookup = bool (*)(const char* name);
+bool EngineHasEntryPoint(const char* name);
+void SetEntryPointLookup(EntryPointLookup lookup); // nullptr: the real lookup
 
 // Images of the trees, drawn in code: "Folder", "Group", "Group Invisible", "Pol", "Cam", "Track",
 // "Background", "Light".
@@ -30,18 +36,28 @@ public:
     // Adds a node under the node of key `parentKey` (a top-level node for an empty parent key).
     QTreeWidgetItem* AddNode(const QString& parentKey, const QString& key, const QString& text, const QString& image);
     QTreeWidgetItem* Node(const QString& key) const;
+    // Removes the node and its subtree (without recursion, whatever its depth).
     void RemoveNode(const QString& key);
+    // Empties the tree (without recursion, whatever its depth).
+    void ClearNodes();
+    void DeleteSubtree(QTreeWidgetItem* node);
     bool SetNodeText(const QString& key, const QString& text);
     void SetNodeImage(QTreeWidgetItem* node, const QString& image);
     static QString NodeKey(const QTreeWidgetItem* node);
     static QString NodeImage(const QTreeWidgetItem* node);
     // All keys in tree order (tests, diagnostics).
     QStringList Keys() const;
+    // Makes the node current and selected, and opens its fathers and scrolls to it if it is no deeper than
+    // MaxShownDepth: the view lays out open levels by recursion, so a far deeper node is only selected.
+    void ShowNode(QTreeWidgetItem* node);
+    static constexpr int MaxShownDepth = 1000;
     // Collapses a node and its children (trw..._Collapse).
     void CollapseNode(QTreeWidgetItem* node);
     QTreeWidgetItem* ItemForIndex(const QModelIndex& index) const { return itemFromIndex(index); }
 
 protected:
+    // Finds `node` by `key` also while it is out of the tree (being filled).
+    void RememberNode(const QString& key, QTreeWidgetItem* node);
     WorldDocument* m_doc = nullptr;
 
 private:
@@ -72,6 +88,8 @@ signals:
 
 private:
     void addGroupNode(int group, const QString& fatherKey, const QString& name);
+    // The named groups below `group`, each under its father's node, depth first without recursion.
+    void populateBelow(const GroupHierarchy& h, int group);
 };
 
 class trwCamTrackBK : public WorkspaceTree {

@@ -4,11 +4,13 @@
 
 #include "DocumentHost.h"
 #include "engine/EntityNaming.h"
+#include "GroupHierarchy.h"
 #include "WorkspaceTrees.h"
 #include "frame/AppPaths.h"
 #include "frame/Dialogs.h"
 #include "frame/ErrLog.h"
 #include "frame/Locale.h"
+#include "frame/mdlFileFunctions.h"
 #include "undo/ActionUndoRedo_Stack.h"
 
 #include <zelmar/zelmar.h>
@@ -17,11 +19,17 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
 
 namespace vexil {
+
+using mdlFileFunctions::GetFileName;
+using mdlFileFunctions::GetFolder;
+using mdlFileFunctions::MoveFileReplace;
+using mdlFileFunctions::MoveFolderFiles;
 
 namespace {
 
@@ -46,38 +54,12 @@ QString folderIgnoringCase(const QString& parent, const QString& name) {
     return literal;
 }
 
-// MoveFileExA with "replace existing" (and "copy across volumes"): rename, falling back to copy and delete.
-bool moveReplacing(const QString& from, const QString& to) {
-    if (QFileInfo::exists(to) && !QFile::remove(to)) return false;
-    if (QFile::rename(from, to)) return true;
-    if (!QFile::copy(from, to)) return false;
-    return QFile::remove(from);
-}
-
-// MoveFolderFiles: every file (not directory) of source to target, replacing; a failed move is
-// remembered and the walk goes on. Each failure is logged as a warning (docs/document.md).
-bool moveFolderFiles(const QString& source, const QString& target) {
-    bool ok = true;
-    const QDir dir(source);
-    for (const QString& name : dir.entryList(QDir::Files | QDir::Hidden | QDir::System)) {
-        if (!moveReplacing(source + '/' + name, target + '/' + name)) {
-            ok = false;
-            logWarning(QStringLiteral("Saving: could not move \"%1\" to \"%2\".").arg(source + '/' + name, target + '/' + name));
-        }
-    }
-    return ok;
-}
-
 } // namespace
 
-QString FolderOfPath(const QString& path) {
-    const int i = path.lastIndexOf('/');
-    return i < 0 ? QString() : path.left(i);
-}
-
-QString NameOfPath(const QString& path) {
-    const int i = path.lastIndexOf('/');
-    return i < 0 ? path : path.mid(i + 1);
+QString LoadFailureText(const QString& path, const QString& reason) {
+    QString text = GetLocaleString(321) + QStringLiteral("\n\n") + path;
+    if (!reason.isEmpty()) text += QStringLiteral("\n\n") + reason;
+    return text;
 }
 
 WorldDocument::WorldDocument(DocumentHost& host) : m_host(host) { DisabledGroupsAtSave.resize(1); }
@@ -102,22 +84,34 @@ QString WorldDocument::ProgramFolder() const {
 }
 
 QString WorldDocument::OpenFilter() {
-    // UI string 320 with "*.wld;*.tolvane;*.zelmar;*.x", then each type labelled with its own pattern.
-    return GetLocaleString(320) + QStringLiteral(" (*.wld *.tolvane *.zelmar *.x);;*.wld (*.wld);;*.tolvane (*.tolvane);;"
-                                                 "*.zelmar (*.zelmar);;*.3dzelmar (*.3dzelmar)");
+    // UI string 320 with every type the engine reads, then each type labelled with its own pattern.
+    return GetLocaleString(320) + QStringLiteral(" (*.wld *.tolvane *.zelmar *.3dzelmar *.x);;*.wld (*.wld);;"
+                                                 "*.tolvane (*.tolvane);;*.zelmar (*.zelmar);;*.3dzelmar (*.3dzelmar)");
 }
 
 QString WorldDocument::SaveFilter() {
     return QStringLiteral("*.wld (*.wld);;*.tolvane (*.tolvane);;*.zelmar (*.zelmar);;*.3dzelmar (*.3dzelmar)");
 }
 
+QString WorldDocument::WithWorldExtension(const QString& path, const QString& chosenFilter) {
+    if (path.isEmpty()) return path;
+    static const QStringList known = {QStringLiteral("wld"), QStringLiteral("tolvane"), QStringLiteral("zelmar"),
+                                      QStringLiteral("3dzelmar")};
+    // A name with an extension of its own keeps it; a name without one gets the extension of the chosen
+    // type (".wld" when the dialog did not say which), as the dialog's default extension did.
+    if (!QFileInfo(path).suffix().isEmpty()) return path;
+    QString ext = QStringLiteral("wld");
+    const QRegularExpressionMatch m = QRegularExpression(QStringLiteral("\\*\\.([A-Za-z0-9]+)\\)")).match(chosenFilter);
+    if (m.hasMatch() && known.contains(m.captured(1), Qt::CaseInsensitive)) ext = m.captured(1).toLower();
+    return path + QLatin1Char('.') + ext;
+}
+
 QString WorldDocument::GetOpenedFile() { return dialogs().getOpenFileName(GetLocaleString(101), QString(), OpenFilter()); }
 
 QString WorldDocument::GetSaveAsFile() {
-    QString path = dialogs().getSaveFileName(GetLocaleString(331), WorldFileName, SaveFilter());
-    // The common dialog gave a name without an extension the default one; the engine needs an extension.
-    if (!path.isEmpty() && QFileInfo(path).suffix().isEmpty()) path += QStringLiteral(".wld");
-    return path;
+    QString chosen;
+    const QString path = dialogs().getSaveFileNameAndFilter(GetLocaleString(331), WorldFileName, SaveFilter(), &chosen);
+    return WithWorldExtension(path, chosen);
 }
 
 // ---- asking to save ----------------------------------------------------------------------------------------
@@ -207,13 +201,14 @@ bool WorldDocument::LoadWorld(const QString& path) {
     UnloadWorld();                                                         // 4
     m_host.ResetControls();
     m_host.ProcessEvents();
-    const QString bitmaps = FolderOfPath(path) + QStringLiteral("/bitmaps");
+    const QString bitmaps = GetFolder(path) + QStringLiteral("/bitmaps");
     const int result = ZELMAR_engine_load_world(ansi(path).constData(), "", ansi(bitmaps).constData(), 4);  // 5
     if (result == -1) {                                                    // 6
         const QString why = engineLastError();
         if (!why.isEmpty()) logWarning(QStringLiteral("Loading \"%1\": %2").arg(path, why));
         mnuCloseFile_Click();
-        dialogs().msgBox(GetLocaleString(321), MsgOKOnly, MsgInformation);
+        // The message says why (the engine's reason), not only that the load failed.
+        dialogs().msgBox(LoadFailureText(path, why), MsgOKOnly, MsgExclamation);
         SetMousePtrToHourGlass(true);
         return false;
     }
@@ -299,7 +294,7 @@ void WorldDocument::AddWorld(const QString& path, const std::array<double, 3>& l
     }
     // 4: the design passes "\Bitmaps" with a capital letter, which the Windows file system matched without
     // regard to case; so do we.
-    const QString bitmaps = folderIgnoringCase(FolderOfPath(path), QStringLiteral("Bitmaps"));
+    const QString bitmaps = folderIgnoringCase(GetFolder(path), QStringLiteral("Bitmaps"));
     AddedGroup = ZELMAR_engine_add_world(ansi(path).constData(), "", ansi(bitmaps).constData(), location.data());
     if (AddedGroup == 0) {
         const QString why = engineLastError();
@@ -384,6 +379,7 @@ void WorldDocument::mnuSaveAs_Click() {
         if (r == vbCancel) return;
     }
     ZelmarEngineSave(path, RootGrp, SaveFlags);                            // 3
+    if (LastSaveFailed) return; // said; the document keeps its name
     WorldFileName = path;                                                  // 4
     SetCaptionDash();
     m_host.AddMRUItem(WorldFileName);                                      // 5
@@ -394,39 +390,60 @@ void WorldDocument::ZelmarEngineSave(const QString& pathIn, int group, int flags
     m_host.SetStatusPanel(3, GetLocaleString(394));
     SaveWorld_PrePostProcessing(true);                                     // 2
     const QString path = QFileInfo(pathIn).absoluteFilePath();
-    const QString dir = FolderOfPath(path);                                // 3
-    const QString file = NameOfPath(path);
+    const QString dir = GetFolder(path);                                // 3
+    const QString file = GetFileName(path);
     const QString scratch = dir + '/' + QLatin1String(ScratchFolderName);  // 4
     if (!QDir().mkdir(scratch) && !QFileInfo(scratch).isDir())
         logWarning(QStringLiteral("Saving: could not create the folder \"%1\".").arg(scratch));
     const int saved = ZELMAR_engine_save(ansi(scratch + '/' + file).constData(), group, flags);  // 5
-    if (saved == 0) {
-        logWarning(QStringLiteral("Saving \"%1\": the engine did not write the world: %2").arg(path, engineLastError()));
-    }
+    const QString why = saved == 0 ? engineLastError() : QString();
+    if (saved == 0)
+        logWarning(QStringLiteral("Saving \"%1\": the engine did not write the world: %2").arg(path, why));
     const QString bitmaps = dir + QStringLiteral("/bitmaps");             // 6
     if (!QFileInfo(bitmaps).isDir() && !QDir().mkdir(bitmaps))
         logWarning(QStringLiteral("Saving: could not create the folder \"%1\".").arg(bitmaps));
     const QString scratchBitmaps = scratch + QStringLiteral("/bitmaps");
-    if (QFileInfo(scratchBitmaps).isDir()) moveFolderFiles(scratchBitmaps, bitmaps);  // 7
-    if (!moveReplacing(scratch + '/' + file, dir + '/' + file))           // 8
-        logWarning(QStringLiteral("Saving: could not move \"%1\" to \"%2\"; it stays in the scratch folder.")
-                       .arg(scratch + '/' + file, dir + '/' + file));
+    if (QFileInfo(scratchBitmaps).isDir()) {                               // 7
+        QStringList failed;
+        if (!MoveFolderFiles(scratchBitmaps, bitmaps, &failed))
+            for (const QString& f : failed)
+                logWarning(QStringLiteral("Saving: could not move \"%1\" to \"%2\".").arg(f, bitmaps + '/' + GetFileName(f)));
+    }
+    // 8: the new world takes the old one's place in one step (flushed first); the old file is never
+    // deleted before, so a move that fails leaves it as it was.
+    bool moved = false;
+    if (saved != 0) {
+        moved = MoveFileReplace(scratch + '/' + file, dir + '/' + file);
+        if (!moved)
+            logWarning(QStringLiteral("Saving: could not move \"%1\" to \"%2\"; it stays in the scratch folder.")
+                           .arg(scratch + '/' + file, dir + '/' + file));
+    }
     if (QFileInfo(scratchBitmaps).isDir() && !QDir().rmdir(scratchBitmaps))  // 9
         logWarning(QStringLiteral("Saving: could not remove the folder \"%1\".").arg(scratchBitmaps));
     if (!QDir().rmdir(scratch)) logWarning(QStringLiteral("Saving: could not remove the folder \"%1\".").arg(scratch));
     SaveWorld_PrePostProcessing(false);                                    // 10
-    m_host.UndoStack().SetSaveMarker();                                    // 11
     m_host.SetStatusPanel(3, QString());
     SetMousePtrToHourGlass(true);
-    m_host.UndoStack().SetSaveMarker();
+    if (!moved) {
+        // Not saved: the user is told why, and the world stays marked as changed.
+        LastSaveFailed = true;
+        dialogs().msgBox(QStringLiteral("The world was not saved to \"%1\".").arg(path) +
+                             (why.isEmpty() ? QString() : QStringLiteral("\n\n") + why),
+                         MsgOKOnly, MsgExclamation);
+        SetCaption();
+        return;
+    }
+    LastSaveFailed = false;
+    m_host.UndoStack().SetSaveMarker();                                    // 11
     SetCaption();
 }
 
 void WorldDocument::SaveWorld_PrePostProcessing(bool bPre) {
     if (bPre) {
         DisabledGroupsAtSaveCount = 0;
-        for (int g = ZELMAR_group_get_first_group(); g != 0; g = ZELMAR_group_get_next(g)) {
-            if (ZELMAR_group_is_groupA_included_in_groupB(g, RootGrp) == 1 && ZELMAR_group_is_disable(g) == 1) {
+        // The groups below the root, from one walk of the hierarchy (linear at any depth).
+        for (int g : GroupHierarchy().Below(RootGrp)) {
+            if (ZELMAR_group_is_disable(g) == 1) {
                 ++DisabledGroupsAtSaveCount;
                 if (static_cast<int>(DisabledGroupsAtSave.size()) <= DisabledGroupsAtSaveCount)
                     DisabledGroupsAtSave.resize(static_cast<size_t>(DisabledGroupsAtSaveCount) + 1);
@@ -467,8 +484,9 @@ void WorldDocument::mnuViewerMode_Click() {
     if (!WorldOpen) return;
     const QString app = ApplicationFolder();
     const QString world = app + '/' + QLatin1String(ViewerWorld);
-    QDir().mkpath(FolderOfPath(world));  // the installation does not ship this folder
+    QDir().mkpath(GetFolder(world));  // the installation does not ship this folder
     ZelmarEngineSave(world, RootGrp, SaveFlags);
+    if (LastSaveFailed) return; // said
     const QString program = ProgramFolder() + '/' + QLatin1String(ViewerProgram);
     const QFileInfo info(program);
     if (!info.exists() || !info.isExecutable()) {
@@ -548,8 +566,7 @@ void WorldDocument::tabWorkspace_Click(int tabIndex) {
         m_host.EnableWorkspaceTab(0);
         if (type == 1 && m_groupTree) {
             if (QTreeWidgetItem* n = m_groupTree->Node(QStringLiteral("Group") + QString::number(m_host.CurrSelEntity()))) {
-                m_groupTree->setCurrentItem(n);
-                m_groupTree->scrollToItem(n);
+                m_groupTree->ShowNode(n);
             }
         }
         break;

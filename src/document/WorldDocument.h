@@ -34,6 +34,7 @@ public:
     QString WorldFileName = QStringLiteral("Untitled.wld");
     double WorldSize = 1000.0;
     int AddedGroup = 0;
+    bool LastSaveFailed = false; // the last ZelmarEngineSave did not put the world in place
     int DisabledGroupsAtSaveCount = 0;
     std::vector<int> DisabledGroupsAtSave;  // 1-based: slot 0 unused
 
@@ -47,6 +48,8 @@ public:
     // The open dialog's filter (UI string 320 first) and the save dialog's, in Qt's form.
     static QString OpenFilter();
     static QString SaveFilter();
+    // The path of a Save As: a name without a world extension gets the one of the chosen filter entry.
+    static QString WithWorldExtension(const QString& path, const QString& chosenFilter);
 
     // ---- the world documents operations -----------------------------------------------------------------------------
     QString GetOpenedFile();
@@ -120,9 +123,8 @@ private:
     QString m_programFolder;
 };
 
-// Folder and file name of a path (the shared containers rules with "/": the folder is the text before the last "/",
-// empty for a bare file name).
-QString FolderOfPath(const QString& path);
-QString NameOfPath(const QString& path);
+// The message of a world that failed to load: UI string 321, the path, and the reason (the engine's last
+// error) when there is one.
+QString LoadFailureText(const QString& path, const QString& reason);
 
 } // namespace vexil

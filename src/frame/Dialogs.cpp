@@ -8,6 +8,7 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QApplication>
 
 namespace vexil {
 
@@ -38,6 +39,17 @@ MsgResult firstAnswer(int buttons) {
 } // namespace
 
 Dialogs& dialogs() { return current() ? *current() : production(); }
+
+int Dialogs::ClearTheWay() {
+    int hidden = 0;
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance())) return 0;
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w->isVisible() && w->windowType() == Qt::SplashScreen) {
+            w->hide();
+            ++hidden;
+        }
+    return hidden;
+}
 void setDialogs(Dialogs* d) {
     if (d && !d->parentWindow && current()) d->parentWindow = current()->parentWindow;
     if (d && !d->parentWindow) d->parentWindow = production().parentWindow;
@@ -47,6 +59,7 @@ void setDialogs(Dialogs* d) {
 // ---- production -------------------------------------------------------------------------
 
 MsgResult QtDialogs::msgBox(const QString& text, int buttons, int icon, const QString& title) {
+    ClearTheWay();
     QMessageBox box(parentWindow);
     box.setWindowTitle(titleOr(title));
     box.setText(text);
@@ -85,29 +98,43 @@ MsgResult QtDialogs::msgBox(const QString& text, int buttons, int icon, const QS
 
 QString QtDialogs::inputBox(const QString& prompt, const QString& title, const QString& defaultText) {
     bool ok = false;
+    ClearTheWay();
     const QString r = QInputDialog::getText(parentWindow, titleOr(title), prompt, QLineEdit::Normal, defaultText, &ok);
     return ok ? r : QString();
 }
 
 QString QtDialogs::getOpenFileName(const QString& title, const QString& dir, const QString& filter) {
+    ClearTheWay();
     return QFileDialog::getOpenFileName(parentWindow, title, dir, filter);
 }
 
 QString QtDialogs::getSaveFileName(const QString& title, const QString& dir, const QString& filter) {
+    ClearTheWay();
     return QFileDialog::getSaveFileName(parentWindow, title, dir, filter);
 }
 
+QString QtDialogs::getSaveFileNameAndFilter(const QString& title, const QString& dir, const QString& filter,
+                                            QString* selectedFilter) {
+    ClearTheWay();
+    return QFileDialog::getSaveFileName(parentWindow, title, dir, filter, selectedFilter);
+}
+
 QString QtDialogs::getExistingDirectory(const QString& title, const QString& dir) {
+    ClearTheWay();
     return QFileDialog::getExistingDirectory(parentWindow, title, dir);
 }
 
 std::optional<QColor> QtDialogs::chooseColor(const QColor& initial, const QString& title) {
+    ClearTheWay();
     const QColor c = QColorDialog::getColor(initial, parentWindow, title);
     if (!c.isValid()) return std::nullopt;
     return c;
 }
 
-int QtDialogs::exec(QDialog& dialog) { return dialog.exec(); }
+int QtDialogs::exec(QDialog& dialog) {
+    ClearTheWay();
+    return dialog.exec();
+}
 
 // ---- scripted -----------------------------------------------------------------------------
 
@@ -132,8 +159,14 @@ const ScriptedDialogs::Asked* ScriptedDialogs::last(const QString& kind) const {
     return nullptr;
 }
 
+void ScriptedDialogs::record(Asked a) {
+    ClearTheWay();
+    asked.push_back(std::move(a));
+    if (onAsk) onAsk(asked.back());
+}
+
 MsgResult ScriptedDialogs::msgBox(const QString& text, int buttons, int icon, const QString& title) {
-    asked.push_back({QStringLiteral("msgBox"), text, buttons, icon, title});
+    record({QStringLiteral("msgBox"), text, buttons, icon, title});
     if (msgAnswers.empty()) {
         ++unexpected;
         return firstAnswer(buttons);
@@ -144,7 +177,7 @@ MsgResult ScriptedDialogs::msgBox(const QString& text, int buttons, int icon, co
 }
 
 QString ScriptedDialogs::inputBox(const QString& prompt, const QString& title, const QString& defaultText) {
-    asked.push_back({QStringLiteral("inputBox"), prompt, 0, 0, title});
+    record({QStringLiteral("inputBox"), prompt, 0, 0, title});
     Q_UNUSED(defaultText);
     if (inputAnswers.empty()) {
         ++unexpected;
@@ -156,8 +189,7 @@ QString ScriptedDialogs::inputBox(const QString& prompt, const QString& title, c
 }
 
 namespace {
-QString takeFile(ScriptedDialogs& d, const QString& kind, const QString& title) {
-    d.asked.push_back({kind, title, 0, 0, title});
+QString takeFile(ScriptedDialogs& d) {
     if (d.fileAnswers.empty()) {
         ++d.unexpected;
         return QString();
@@ -169,17 +201,31 @@ QString takeFile(ScriptedDialogs& d, const QString& kind, const QString& title) 
 } // namespace
 
 QString ScriptedDialogs::getOpenFileName(const QString& title, const QString&, const QString&) {
-    return takeFile(*this, QStringLiteral("open"), title);
+    record({QStringLiteral("open"), title, 0, 0, title});
+    return takeFile(*this);
 }
 QString ScriptedDialogs::getSaveFileName(const QString& title, const QString&, const QString&) {
-    return takeFile(*this, QStringLiteral("save"), title);
+    record({QStringLiteral("save"), title, 0, 0, title});
+    return takeFile(*this);
+}
+QString ScriptedDialogs::getSaveFileNameAndFilter(const QString& title, const QString&, const QString& filter,
+                                                  QString* selectedFilter) {
+    record({QStringLiteral("save"), title, 0, 0, title});
+    QString chosen = filter.section(QStringLiteral(";;"), 0, 0);
+    if (!filterAnswers.empty()) {
+        chosen = filterAnswers.front();
+        filterAnswers.pop_front();
+    }
+    if (selectedFilter) *selectedFilter = chosen;
+    return takeFile(*this);
 }
 QString ScriptedDialogs::getExistingDirectory(const QString& title, const QString&) {
-    return takeFile(*this, QStringLiteral("dir"), title);
+    record({QStringLiteral("dir"), title, 0, 0, title});
+    return takeFile(*this);
 }
 
 std::optional<QColor> ScriptedDialogs::chooseColor(const QColor&, const QString& title) {
-    asked.push_back({QStringLiteral("color"), title, 0, 0, title});
+    record({QStringLiteral("color"), title, 0, 0, title});
     if (colorAnswers.empty()) {
         ++unexpected;
         return std::nullopt;
@@ -190,7 +236,7 @@ std::optional<QColor> ScriptedDialogs::chooseColor(const QColor&, const QString&
 }
 
 int ScriptedDialogs::exec(QDialog& dialog) {
-    asked.push_back({QStringLiteral("exec"), dialog.objectName(), 0, 0, dialog.windowTitle()});
+    record({QStringLiteral("exec"), dialog.objectName(), 0, 0, dialog.windowTitle()});
     if (execAnswers.empty()) {
         ++unexpected;
         return QDialog::Rejected;

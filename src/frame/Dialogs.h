@@ -47,8 +47,19 @@ public:
     // Runs a modal form (QDialog::exec in production) and answers its result code.
     virtual int exec(QDialog& dialog) = 0;
 
+    // A file dialog that also answers the filter the user chose (empty when the dialog does not tell).
+    virtual QString getSaveFileNameAndFilter(const QString& title, const QString& dir, const QString& filter,
+                                             QString* selectedFilter) {
+        if (selectedFilter) selectedFilter->clear();
+        return getSaveFileName(title, dir, filter);
+    }
+
     // The window that owns the dialogs in production (Form1); may be null.
     QWidget* parentWindow = nullptr;
+
+    // A question is never hidden behind a window that stays on top: every dialog first hides the
+    // splash screen, if it shows. Answers the windows it hid.
+    static int ClearTheWay();
 };
 
 // The current seam; production dialogs unless a test installed another one.
@@ -63,6 +74,8 @@ public:
     QString inputBox(const QString& prompt, const QString& title, const QString& defaultText) override;
     QString getOpenFileName(const QString& title, const QString& dir, const QString& filter) override;
     QString getSaveFileName(const QString& title, const QString& dir, const QString& filter) override;
+    QString getSaveFileNameAndFilter(const QString& title, const QString& dir, const QString& filter,
+                                     QString* selectedFilter) override;
     QString getExistingDirectory(const QString& title, const QString& dir) override;
     std::optional<QColor> chooseColor(const QColor& initial, const QString& title) override;
     int exec(QDialog& dialog) override;
@@ -83,6 +96,8 @@ public:
     std::deque<MsgResult> msgAnswers;
     std::deque<QString> inputAnswers;
     std::deque<QString> fileAnswers;  // shared by open, save and directory dialogs
+    // The filter "chosen" in a save dialog; empty queue: the first entry of the filter.
+    std::deque<QString> filterAnswers;
     std::deque<std::optional<QColor>> colorAnswers;
     // For exec: each entry is called with the dialog (it may fill fields, click buttons) and
     // answers the result code. Empty queue: QDialog::Rejected.
@@ -90,6 +105,8 @@ public:
 
     std::vector<Asked> asked;
     int unexpected = 0;
+    // Called as each question is asked, while it would be on screen.
+    std::function<void(const Asked&)> onAsk;
 
     // Installs itself as the seam for its lifetime.
     ScriptedDialogs();
@@ -102,11 +119,14 @@ public:
     QString inputBox(const QString& prompt, const QString& title, const QString& defaultText) override;
     QString getOpenFileName(const QString& title, const QString& dir, const QString& filter) override;
     QString getSaveFileName(const QString& title, const QString& dir, const QString& filter) override;
+    QString getSaveFileNameAndFilter(const QString& title, const QString& dir, const QString& filter,
+                                     QString* selectedFilter) override;
     QString getExistingDirectory(const QString& title, const QString& dir) override;
     std::optional<QColor> chooseColor(const QColor& initial, const QString& title) override;
     int exec(QDialog& dialog) override;
 
 private:
+    void record(Asked a);
     Dialogs* m_previous = nullptr;
 };
 

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QTextStream>
 
 namespace vexil {
@@ -77,6 +78,18 @@ void ErrLog::LogEvent(const QString& message, int type) {
 void ErrLog::ClearLogFile() {
     QFile file(m_logFile);
     if (file.open(QIODevice::WriteOnly | QIODevice::Truncate)) file.close();
+}
+
+void ErrLog::RotateLogFiles(int kept) {
+    const QFileInfo current(m_logFile);
+    if (kept > 0 && current.exists() && current.size() > 0) {
+        auto older = [&](int i) { return m_logFile + QLatin1Char('.') + QString::number(i); };
+        QFile::remove(older(kept));
+        for (int i = kept - 1; i >= 1; --i)
+            if (QFileInfo::exists(older(i))) QFile::rename(older(i), older(i + 1));
+        QFile::rename(m_logFile, older(1));
+    }
+    ClearLogFile();
 }
 
 QString FormatErrorSource(const QString& source, const QString& objectName, const QString& procedureName) {

@@ -29,6 +29,11 @@ public:
     void LogEvent(const QString& message, int type);
     // Empties the log file.
     void ClearLogFile();
+    // Starts a new run's log and keeps the last few: a log that holds something becomes LogFile + ".1",
+    // ".1" becomes ".2" and so on, up to `kept` earlier runs; the oldest goes. The log itself is then empty.
+    // (An empty log is not kept: it would push out a run that had something to say, a crash report say.)
+    static constexpr int KeptRuns = 4;
+    void RotateLogFiles(int kept = KeptRuns);
 
     // The system beep; replaceable so that tests can count beeps.
     std::function<void()> beep;

@@ -6,6 +6,7 @@
 #include "ErrLog.h"
 
 #include <QDir>
+#include <QRegularExpression>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
@@ -145,13 +146,16 @@ const std::vector<int>& GetAllSupportedLanguages() {
         AppLog().LogEvent(QStringLiteral("GetAllSupportedLanguages: Path not found"), LogError);
         return s.supported;
     }
+    // Language files only: "Sat<n>.lng" (a backup or a note beside them is no language).
+    static const QRegularExpression languageFile(QStringLiteral("^Sat([0-9]+)\\.lng$"),
+                                                 QRegularExpression::CaseInsensitiveOption);
     const QStringList files = dir.entryList(QDir::Files, QDir::Name);
     for (const QString& f : files) {
-        const QString base = QFileInfo(f).completeBaseName();
-        const QString digits = base.mid(3);
+        const QRegularExpressionMatch m = languageFile.match(f);
+        if (!m.hasMatch()) continue;
         bool ok = false;
-        const int n = digits.toInt(&ok);
-        if (ok && !digits.isEmpty() && n != 409 &&
+        const int n = m.captured(1).toInt(&ok);
+        if (ok && n != 409 &&
             std::find(s.supported.begin(), s.supported.end(), n) == s.supported.end())
             s.supported.push_back(n);
     }

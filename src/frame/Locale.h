@@ -34,8 +34,8 @@ int CurrentLCID();
 // 409 with a message when the language file is missing), informs the plug-ins, and emits
 // LocaleNotifier::languageChanged.
 void SetAppLCID(int lcid);
-// Fills and returns SupportedLanguages: element 0 is 409, then the number of each file in
-// "Locale Resources" whose name from the fourth character on is numeric.
+// Fills and returns SupportedLanguages: element 0 is 409, then n of each language file "Sat<n>.lng" in
+// "Locale Resources" (letter case aside); other files there are no languages.
 const std::vector<int>& GetAllSupportedLanguages();
 const std::vector<int>& SupportedLanguages();
 

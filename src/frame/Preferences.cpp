@@ -94,9 +94,16 @@ bool ReadExpertModeStartup() {
     }
 }
 
-double ReadGridDensity() {
+double ReadGridDensity(double current, QString* problem) {
     const QString v = GetSetting(SecPrefrences, QStringLiteral("GridDensity"), QStringLiteral("40"));
-    return IsNumeric(v) ? ToDouble(v) : 40.0;
+    bool ok = false;
+    const double d = v.trimmed().toDouble(&ok);
+    if (ok && std::isfinite(d) && d >= 1 && d <= 1000) return std::round(d);
+    if (problem)
+        *problem = QStringLiteral("The preference \"GridDensity\" holds \"%1\", which is not a number of grid cells "
+                                  "from 1 to 1000. The grid keeps %2 cells.")
+                       .arg(v, NumText(current));
+    return current;
 }
 
 QString ReadMaxUndoRedoText() { return GetSetting(SecPrefrences, QStringLiteral("MaxUndoRedo"), QString()); }

@@ -41,8 +41,10 @@ int ReadShowSplashMode();
 int ReadShowTipsAtStartup();
 // "Expert Mode Startup" (default True): "True"/"False" text, or a number (non-zero is true).
 bool ReadExpertModeStartup();
-// "GridDensity" (default 40), read by Grid construction.
-double ReadGridDensity();
+// "GridDensity" (default 40), read by Grid construction: a number of cells from 1 to 1000. A stored
+// value that is not such a number gives `current` (the density in force); `problem`, when given, receives
+// a message that names the value and says that the density stays.
+double ReadGridDensity(double current = 40.0, QString* problem = nullptr);
 // "MaxUndoRedo" as stored (empty default); the undo stack interprets it (0 or non-numeric: 20).
 QString ReadMaxUndoRedoText();
 

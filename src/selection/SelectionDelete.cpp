@@ -105,6 +105,8 @@ void SelectionModel::mnuGroupMenuDelete_Click() {
     s.PrevSelEntityType = 0;
     ThingsToDoOnSelectedEntityChange();
     m_host.ResetGroupsTabToNewObj();
+    // Panel 3 gets the polygon count of the world that is left; the counts of panels 1 and 2 follow.
+    m_host.SetStatusPanel(3, QString::number(ZELMAR_group_get_number_of_polygons(RootGrp())));
     m_host.UpdateStatusBar();
     if (frmPicWins* v = Views()) v->UpdateCameras();
 }

@@ -59,6 +59,8 @@ class SelectionHost {
     virtual void UpdateEditGeomTabBasedOnPolsSelected() {}
     virtual void InformPluginsOfSelectedEntityChange() {}
     virtual void UpdateStatusBar() {}
+    // Panel i (1 to 6) of the status bar; 3 is the status text.
+    virtual void SetStatusPanel(int /*panel*/, const QString& /*text*/) {}
     // After the Group menu's enabling changed (mnuGroup_ShowOnlyRelavant), the window applies it.
     virtual void SetGroupMenuEnabled(bool /*group*/, bool /*ungroup*/, bool /*attach*/, bool /*detach*/,
                                      bool /*ungroupAll*/, bool /*del*/) {}

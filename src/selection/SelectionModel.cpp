@@ -277,9 +277,7 @@ void SelectionModel::treeViewHighlightNode(int type, int handle, bool mark) {
     QTreeWidgetItem* n = tree->Node(keyOf(type, handle));
     if (!n) return;
     if (mark) {
-        tree->setCurrentItem(n);
-        n->setSelected(true);
-        tree->scrollToItem(n);
+        tree->ShowNode(n);
     } else {
         n->setSelected(false);
     }
@@ -299,10 +297,10 @@ void SelectionModel::SelectEntityFromTree(int kind, int handle) {
     SelectionState& s = Sel();
     SetPrevSelEntityToCurrSelEntity();
     setCurrent(kind, handle);
-    if (!(s.PrevSelEntityType == kind && s.PrevSelEntity == handle)) {
-        ThingsToDoOnSelectedEntityChange();
-        PushSelectIfChanged();
-    }
+    // The same entity clicked again runs the change notice too (it closes the light frame); only a change
+    // is pushed.
+    ThingsToDoOnSelectedEntityChange();
+    PushSelectIfChanged();
     if (polygon != 0) {
         // A polygon node: the polygon becomes the polygon selection of its group.
         const std::vector<int> old = s.SelPols.Slots();

@@ -1,7 +1,7 @@
 #include "Grid.h"
 
 #include "Overlays.h"
-#include "frame/Settings.h"
+#include "frame/Preferences.h"
 
 #include <QLine>
 #include <QPainter>
@@ -35,12 +35,8 @@ QString FormatRounded(double v, int decimals) {
 }
 
 Grid::Grid(GridContext& ctx) : m_ctx(ctx) {
-    bool ok = false;
-    const double d =
-        GetSetting(QStringLiteral("Prefrences"), QStringLiteral("GridDensity"), QStringLiteral("40"))
-            .trimmed()
-            .toDouble(&ok);
-    Density = ok ? static_cast<int>(std::lround(d)) : 40;
+    // A stored value that is not a density is reported once, by the main window; here it leaves 40.
+    Density = static_cast<int>(std::lround(ReadGridDensity()));
 }
 
 int Grid::NormalIndex() const {

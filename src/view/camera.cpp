@@ -53,6 +53,8 @@ void camera::Update() {
             third = {az[0], az[1], az[2]};
         Maths::VectorCross(third, forward, second);
         Direction = forward;
+        m_axisY0 = second;
+        m_axisZ0 = third;
         const double x[3] = {forward[0], forward[1], forward[2]};
         const double y[3] = {second[0], second[1], second[2]};
         const double z[3] = {third[0], third[1], third[2]};
@@ -79,11 +81,21 @@ void camera::ReSetCamDistFrmEye() {
     ZELMAR_camera_set_distance_from_eye(CamHandle, Dist * 0.5 / zoom);
 }
 
-void camera::MouseDown(int /*button*/, int /*shift*/, double /*x*/, double /*y*/) {
+void camera::MouseDown(int /*button*/, int /*shift*/, double x, double y) {
     const QPoint c = inputState().cursorPos();
     LastX = c.x();
     LastY = c.y();
     AutoRevolving = 0;
+    // A pan keeps the point under the cursor under it: the point that the press hit, if any.
+    m_panPointValid = false;
+    double hit[3] = {0, 0, 0};
+    int group = 0, polygon = 0;
+    if (CamHandle != 0 && ZELMAR_camera_get_current() == CamHandle &&
+        ZELMAR_engine_2D_point_to_3D(static_cast<int>(x), static_cast<int>(y), hit, &group, &polygon) == 1 &&
+        polygon != 0) {
+        m_panPoint = {hit[0], hit[1], hit[2]};
+        m_panPointValid = true;
+    }
 }
 
 void camera::MouseMove(int button, int shift, double x, double y) {
@@ -180,28 +192,49 @@ void camera::MouseMove(int button, int shift, double x, double y) {
     LastY = y;
 }
 
+double camera::WorldPerPixelAt(const double point[3]) const {
+    // Zoom is the horizontal field of view: at depth d along the viewing direction the picture is
+    // 2 d tan(zoom / 2) wide and spans the window's width in pixels.
+    int width = m_ctx.ActiveWindowWidth();
+    if (width < 1) width = 1;
+    double loc[3] = {0, 0, 0}, ax[3] = {1, 0, 0}, ay[3] = {0, 1, 0}, az[3] = {0, 0, 1};
+    ZELMAR_camera_get_location(CamHandle, loc);
+    ZELMAR_camera_get_axis_system(CamHandle, ax, ay, az);
+    double depth = 0;
+    for (int i = 0; i < 3; ++i)
+        depth += (point[i] - loc[i]) * ax[i];
+    if (!(depth > 0)) depth = Dist; // behind the eye: the look-at point's depth
+    const double halfAngle = Zoom() * 3.14159265358979323846 / 360.0;
+    return 2.0 * depth * std::tan(halfAngle) / width;
+}
+
 void camera::Pan(double x, double y) {
-    int height = m_ctx.ActiveWindowHeight();
-    if (height < 1) height = 1;
-    const double zoom = Zoom();
-    if (!keyDown(Qt::Key_Shift)) {
-        double ref[3] = {LookAt[0], LookAt[1], LookAt[2]};
-        if (m_ctx.CurrSelEntityType() == 1)
-            ZELMAR_group_get_rotate_reference_point(m_ctx.CurrSelEntity(), ref);
-        double loc[3] = {0, 0, 0};
-        ZELMAR_camera_get_location(CamHandle, loc);
-        const double d = ZELMAR_math_get_distance(loc, ref);
-        const double unit = zoom * d / (height * 3.8);
-        LookAtOffsetH -= (x - LastX) * unit;
-        LookAtOffsetV += (y - LastY) * unit;
+    // The point under the cursor stays under it: the point the press hit, or else the reference point
+    // (the current group's rotate reference point, or the look-at point; the look-at point with Shift).
+    // The camera moves along its left axis as the cursor goes right, and along its up axis as the cursor
+    // goes down, by the world size of the pixels at that point's depth.
+    double ref[3] = {LookAt[0], LookAt[1], LookAt[2]};
+    const bool shift = keyDown(Qt::Key_Shift);
+    if (m_panPointValid) {
+        for (int i = 0; i < 3; ++i)
+            ref[i] = m_panPoint[i];
+    } else if (!shift && m_ctx.CurrSelEntityType() == 1) {
+        ZELMAR_group_get_rotate_reference_point(m_ctx.CurrSelEntity(), ref);
+    }
+    const double unit = WorldPerPixelAt(ref);
+    double ax[3] = {1, 0, 0}, ay[3] = {0, 1, 0}, az[3] = {0, 0, 1};
+    ZELMAR_camera_get_axis_system(CamHandle, ax, ay, az);
+    double move[3];
+    for (int i = 0; i < 3; ++i)
+        move[i] = (ay[i] * (x - LastX) + az[i] * (y - LastY)) * unit;
+    if (!shift) {
+        // The look-at point stays put and the view slides: the offsets are taken along the camera's axes
+        // before its roll.
+        LookAtOffsetH += move[0] * m_axisY0[0] + move[1] * m_axisY0[1] + move[2] * m_axisY0[2];
+        LookAtOffsetV += move[0] * m_axisZ0[0] + move[1] * m_axisZ0[1] + move[2] * m_axisZ0[2];
     } else {
-        double ax[3] = {1, 0, 0}, ay[3] = {0, 1, 0}, az[3] = {0, 0, 1};
-        ZELMAR_camera_get_axis_system(CamHandle, ax, ay, az);
-        const double unit = zoom * Dist / (height * 4);
-        for (int i = 0; i < 3; ++i) {
-            LookAt[i] += ay[i] * -(x - LastX) * unit;
-            LookAt[i] += az[i] * (y - LastY) * unit;
-        }
+        for (int i = 0; i < 3; ++i)
+            LookAt[i] += move[i];
     }
     Update();
 }

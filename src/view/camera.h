@@ -21,8 +21,9 @@ class CameraContext {
     virtual double CamMoveFactor() = 0;
     virtual int CurrSelEntityType() = 0;
     virtual int CurrSelEntity() = 0;
-    // Height in pixels of the active viewport.
+    // Height and width in pixels of the active viewport.
     virtual int ActiveWindowHeight() = 0;
+    virtual int ActiveWindowWidth() = 0;
     // UpdateCamerasSingle(ActiveWin).
     virtual void RedrawActiveView() = 0;
     virtual void ProcessEvents() = 0;
@@ -75,11 +76,18 @@ class camera {
     void StopAutoRevolve();
 
     double Zoom() const;
+    // World units per pixel of the active window at the depth of `point` along the viewing direction.
+    double WorldPerPixelAt(const double point[3]) const;
 
   private:
     void Pan(double x, double y);
     void ApplyLookAtOffset();
     CameraContext& m_ctx;
+    // The camera's left and up axes before the roll (Update): the directions of the look-at offsets.
+    Maths::Vector m_axisY0{0, 1, 0}, m_axisZ0{0, 0, 1};
+    // The point the last press hit, which a pan keeps under the cursor.
+    Maths::Vector m_panPoint{0, 0, 0};
+    bool m_panPointValid = false;
     // Lets a running AutoRevolve notice that its camera died while events ran.
     std::shared_ptr<bool> m_alive;
 };

@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QResizeEvent>
 #include <QScreen>
 #include <QToolBar>
 #include <algorithm>
@@ -50,7 +51,7 @@ const char* const ToolKeys[10] = {"Select",  "Move",        "Rotate",      "Scal
 frmPicWins::frmPicWins(ViewportHost& host, QWidget* parent)
     : QWidget(parent), m_host(host), m_alive(std::make_shared<bool>(true)) {
     setObjectName(QStringLiteral("frmPicWins"));
-    setMinimumHeight(TwipsToPixels(6400));
+    setMinimumHeight(TwipsToPixels(MinimumFrameHeightTwips));
 
     m_focusFrame = new QWidget(this);
     m_focusFrame->setObjectName(QStringLiteral("shpFocus"));
@@ -114,6 +115,10 @@ int frmPicWins::ActiveWindowHeight() {
     return m_wins[ActiveWin]->height();
 }
 
+int frmPicWins::ActiveWindowWidth() {
+    return m_wins[ActiveWin]->width();
+}
+
 void frmPicWins::SetViewportCamera(int index, int handle) {
     if (index < 0 || index > 3) return;
     m_cams[index]->CamHandle = handle;
@@ -135,12 +140,22 @@ void frmPicWins::ApplyLanguage() {
 
 // ---- layout ------------------------------------------------------------------------------------------
 
-void frmPicWins::resizeEvent(QResizeEvent*) {
-    picWinsResize();
+void frmPicWins::resizeEvent(QResizeEvent* e) {
+    picWinsResize(e->oldSize());
 }
 
-void frmPicWins::picWinsResize() {
-    // The splitters keep their place as fractions of the frame; the windows follow them.
+void frmPicWins::picWinsResize(QSize oldSize) {
+    // The ratio of the cross handle's position to the old frame size, plus 0.0086 of its x and 0.0116 of its
+    // y, is where the windows meet; the new layout puts the splitters at the same ratios. The ratio is kept
+    // exactly: a position that differs from it by less than the pixel it was rounded to is that ratio, so
+    // resizing never drifts the splitters.
+    if (oldSize.width() > 0 && oldSize.height() > 0) {
+        const QPoint p = m_splitHV->pos();
+        const double fx = p.x() / double(oldSize.width()) + SplitterRatioX;
+        const double fy = p.y() / double(oldSize.height()) + SplitterRatioY;
+        if (std::abs(fx - m_fx) * oldSize.width() > 0.51) m_fx = std::clamp(fx, 0.0, 1.0);
+        if (std::abs(fy - m_fy) * oldSize.height() > 0.51) m_fy = std::clamp(fy, 0.0, 1.0);
+    }
     layoutWindows();
     if (m_host.WorldOpen() && isVisible()) UpdateCameras();
 }
@@ -173,8 +188,14 @@ void frmPicWins::layoutWindows() {
     }
     m_splitVert->setGeometry(cx - gap / 2, 0, gap, H);
     m_splitHoriz->setGeometry(0, cy - gap / 2, W, gap);
-    const int hv = gap * 3;
-    m_splitHV->setGeometry(cx - hv / 2, cy - hv / 2, hv, hv);
+    // The cross handle's top left corner stands at the ratios less 0.0086 of the width and 0.0116 of the
+    // height: those are its half sizes, so that position / size + 0.0086 (0.0116) is the ratio the windows
+    // meet at, the rule picWinsResize keeps through every resize.
+    const int hvLeft = static_cast<int>(std::lround((m_fx - SplitterRatioX) * W));
+    const int hvTop = static_cast<int>(std::lround((m_fy - SplitterRatioY) * H));
+    const int hvW = std::max(gap, static_cast<int>(std::lround(2 * SplitterRatioX * W)));
+    const int hvH = std::max(gap, static_cast<int>(std::lround(2 * SplitterRatioY * H)));
+    m_splitHV->setGeometry(hvLeft, hvTop, hvW, hvH);
     m_splitHV->raise();
     if (m_focusOn || m_focusFrame->isVisible()) SetWindowFocus();
 }

@@ -74,6 +74,12 @@ enum ViewLabelIds {
     LblUser = 337,
 };
 
+// The cross handle's half width and half height as fractions of the frame: the splitter ratio is its
+// position over the frame size plus these.
+constexpr double SplitterRatioX = 0.0086, SplitterRatioY = 0.0116;
+// The frame never gets lower than this (twips); the main window grows to hold it.
+constexpr double MinimumFrameHeightTwips = 6400;
+
 // The zoom of a perspective view when it is (re)made: the engine's default field of view.
 constexpr double PerspectiveZoom = 60.0;
 
@@ -93,10 +99,6 @@ class frmPicWins : public QWidget, public CameraContext, public GridContext {
     bool WireframeMode = false;
     bool RedrawPending = false;
     int ViewSelected = ViewNone;
-    bool KeyIHeld = false;
-    // True: key events of the picture windows run the key table here. A main window whose key preview
-    // runs the table (and calls ViewportKeyDown) sets it false.
-    bool HandlesOwnKeys = true;
     float LastDownX = 0, LastDownY = 0, LastUpX = 0, LastUpY = 0;
 
     picWindow* PicWindow(int i) const { return m_wins[i]; }
@@ -123,7 +125,8 @@ class frmPicWins : public QWidget, public CameraContext, public GridContext {
     // ---- layout --------------------------------------------------------------------------------------
     int TwipsToPixels(double twips) const;
     double PixelsToTwips(int pixels) const;
-    void picWinsResize();
+    // A resize from oldSize (an empty size: lay out at the kept ratios).
+    void picWinsResize(QSize oldSize = QSize());
     // Both splitters, as fractions 0..1 of the frame.
     void imgSplitterHV_ResetPos(double fx, double fy);
     double SplitterFractionX() const { return m_fx; }
@@ -162,16 +165,12 @@ class frmPicWins : public QWidget, public CameraContext, public GridContext {
     void Toggle3DCard();
     void ClearViewports();
 
-    // ---- mouse and keys ------------------------------------------------------------------------------
+    // ---- mouse and wheel (keys are the main window's table) -----------------------------------------
     void picWindow_MouseDown(int index, int button, int shift, int x, int y);
     void picWindow_MouseMove(int index, int button, int shift, int x, int y);
     void picWindow_MouseUp(int index, int button, int shift, int x, int y);
     void picWindow_GotFocus(int index);
     void picWindow_LostFocus(int index);
-    void picWindow_KeyDown(int index, int key, int shift);
-    void picWindow_KeyUp(int index, int key, int shift);
-    // The key table of the main window (key preview). True when a branch matched.
-    bool ViewportKeyDown(int key, int shift);
     // Wheel: the viewports collect the deltas, the tick loop consumes them.
     void AddWheelDelta(int delta);
     int GetWheelMessages();
@@ -201,6 +200,7 @@ class frmPicWins : public QWidget, public CameraContext, public GridContext {
     int CurrSelEntityType() override { return m_host.CurrSelEntityType(); }
     int CurrSelEntity() override { return m_host.CurrSelEntity(); }
     int ActiveWindowHeight() override;
+    int ActiveWindowWidth() override;
     void RedrawActiveView() override { UpdateCamerasSingle(ActiveWin); }
     void ProcessEvents() override { m_host.ProcessEvents(); }
     QSize ScreenSize() override;

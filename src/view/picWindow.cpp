@@ -3,7 +3,6 @@
 #include "frame/ErrLog.h"
 #include "frmPicWins.h"
 
-#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
@@ -144,20 +143,6 @@ void picWindow::focusInEvent(QFocusEvent*) {
 
 void picWindow::focusOutEvent(QFocusEvent*) {
     m_owner.picWindow_LostFocus(m_index);
-}
-
-void picWindow::keyPressEvent(QKeyEvent* e) {
-    if (e->isAutoRepeat()) return;
-    int key = e->key();
-    if ((e->modifiers() & Qt::KeypadModifier) && (key == Qt::Key_Plus || key == Qt::Key_Minus))
-        key |= Qt::KeypadModifier;
-    handleEvent("Form1", "picWindow_KeyDown",
-                [&] { m_owner.picWindow_KeyDown(m_index, key, ShiftOf(e->modifiers())); });
-}
-
-void picWindow::keyReleaseEvent(QKeyEvent* e) {
-    if (e->isAutoRepeat()) return;
-    m_owner.picWindow_KeyUp(m_index, e->key(), ShiftOf(e->modifiers()));
 }
 
 SplitterHandle::SplitterHandle(frmPicWins& owner, int kind, QWidget* parent)

@@ -1,6 +1,6 @@
 // One picture window: it owns an engine render target of its own size, shows the target's pixels through
 // a back buffer (overlays are drawn into the back buffer, the screen only ever gets whole frames), and hands
-// its mouse, wheel, focus and key events to the viewport area.
+// its mouse, wheel and focus events to the viewport area (keys go to the main window's table).
 #pragma once
 #include <QImage>
 #include <QWidget>
@@ -40,8 +40,6 @@ class picWindow : public QWidget {
     void wheelEvent(QWheelEvent* e) override;
     void focusInEvent(QFocusEvent* e) override;
     void focusOutEvent(QFocusEvent* e) override;
-    void keyPressEvent(QKeyEvent* e) override;
-    void keyReleaseEvent(QKeyEvent* e) override;
 
   private:
     frmPicWins& m_owner;

@@ -15,6 +15,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace vexil::test {
 
@@ -51,8 +52,11 @@ protected:
         setErrorPresenter({});
         formSplash::MinimumTimeMs() = 20;
         formSplash::LingerMs() = 0;
+        // No test may block on a modal window: a question nobody scripted gets the default answer.
+        m_noModal = std::make_unique<ScriptedDialogs>();
     }
     void TearDown() override {
+        m_noModal.reset();
         AppLog().beep = nullptr;
         setErrorPresenter({});
         ResetLocaleForTests();
@@ -64,6 +68,7 @@ protected:
 
     QTemporaryDir m_dir;
     int beeps = 0;
+    std::unique_ptr<ScriptedDialogs> m_noModal;
 };
 
 } // namespace vexil::test

@@ -1,8 +1,13 @@
 // the failure reporting: the log's format, the beep mask, the formatter and the trace of nested procedures.
 #include "AppTestSupport.h"
+#include "app/Form1.h"
+#include "app/mdlSubMain.h"
+
+#include <QFileInfo>
 
 using namespace vexil;
 using vexil::test::AppEnv;
+using vexil::test::readFile;
 
 class ErrLogTest : public AppEnv {};
 
@@ -84,4 +89,27 @@ TEST_F(ErrLogTest, ForeignExceptionsBecomeVexilErrorsWithTheirLine) {
         EXPECT_EQ(e.description, "bad file");
         EXPECT_EQ(e.source, "Vexil.Loader.Read");
     }
+}
+
+// VXE_Error.log was emptied at every start: the report of a crash was gone by the next run. The last few
+// runs are kept beside it.
+TEST_F(ErrLogTest, EachStartKeepsTheLogsOfTheLastFewRuns) {
+    const QString file = AppLog().LogFile();
+    for (int run = 1; run <= ErrLog::KeptRuns + 2; ++run) {
+        AppLog().RotateLogFiles();
+        EXPECT_EQ(readFile(file), QString());
+        AppLog().LogEvent(QStringLiteral("run %1").arg(run), LogError);
+    }
+    AppLog().RotateLogFiles();
+    const int last = ErrLog::KeptRuns + 2;
+    for (int i = 1; i <= ErrLog::KeptRuns; ++i)
+        EXPECT_TRUE(readFile(file + "." + QString::number(i)).contains(QStringLiteral("run %1").arg(last + 1 - i))) << i;
+    EXPECT_FALSE(QFileInfo::exists(file + "." + QString::number(ErrLog::KeptRuns + 1)));
+    // A run that logged nothing does not push out one that did.
+    AppLog().RotateLogFiles();
+    EXPECT_TRUE(readFile(file + ".1").contains(QStringLiteral("run %1").arg(last)));
+    // The program's start does it.
+    AppLog().LogEvent(QStringLiteral("before the crash"), LogError);
+    delete StartApplication(QString());
+    EXPECT_TRUE(readFile(file + ".1").contains(QStringLiteral("before the crash")));
 }

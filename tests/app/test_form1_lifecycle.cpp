@@ -1,6 +1,7 @@
 // the application entry: start-up, the splash, close and unload, resize, the tick loop; every menu item.
 #include "Form1Fixture.h"
 #include "document/WorldDocument.h"
+#include "view/frmPicWins.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -17,11 +18,9 @@ TEST_F(Form1Test, EmptyStoreStartsWithTheDocumentedDefaults) {
     start();
     ASSERT_TRUE(form->IsLoaded());
     EXPECT_TRUE(form->isVisible());
-    const QRect g = form->geometry();
-    EXPECT_NEAR(form->PixelsToTwipsX(form->pos().x()), 1000, 15);
-    EXPECT_NEAR(form->PixelsToTwipsY(form->pos().y()), 1000, 15);
-    EXPECT_NEAR(form->PixelsToTwipsX(g.width()), 10300, 15) << "6500 widened by MDIForm_Resize";
-    EXPECT_NEAR(form->PixelsToTwipsY(g.height()), 6500, 15);
+    // The first start fills the screen (the design's 6500 by 6500 twips made a window of 687 x 433 pixels on
+    // a 1600 x 1000 screen, with its tabs clipped).
+    EXPECT_TRUE(form->isMaximized());
     EXPECT_EQ(CurrentLCID(), 409);
     EXPECT_EQ(form->UndoStack().GetStackSize(), 20);
     EXPECT_EQ(form->GridDensity(), 40);
@@ -41,8 +40,35 @@ TEST_F(Form1Test, EmptyStoreStartsWithTheDocumentedDefaults) {
     EXPECT_FALSE(form->StatusBar2->isVisible());
     EXPECT_FALSE(log().contains(QStringLiteral("Unexpected error"))) << log().toStdString();
     // Form_Load step 20: the inverted start-up flags.
-    EXPECT_FALSE(form->GridDisplay[0]);
-    EXPECT_FALSE(form->GridSnap[3]);
+    EXPECT_FALSE(form->GridDisplay(0));
+    EXPECT_FALSE(form->GridSnap(3));
+}
+
+TEST_F(Form1Test, TheWindowStartsMaximisedOnceThenAsItWasLeft) {
+    start();
+    ASSERT_TRUE(form->isMaximized());
+    form->Form_Unload();
+    EXPECT_EQ(GetSetting(SecSettings, QStringLiteral("MainMaximized")), QStringLiteral("True"));
+    // A window left at a normal size comes back there, never lower than the viewports' frame needs.
+    SaveSetting(SecSettings, QStringLiteral("MainLeft"), QStringLiteral("300"));
+    SaveSetting(SecSettings, QStringLiteral("MainTop"), QStringLiteral("450"));
+    SaveSetting(SecSettings, QStringLiteral("MainWidth"), QStringLiteral("11000"));
+    SaveSetting(SecSettings, QStringLiteral("MainHeight"), QStringLiteral("8600"));
+    SaveSetting(SecSettings, QStringLiteral("MainMaximized"), QStringLiteral("False"));
+    start();
+    EXPECT_FALSE(form->isMaximized());
+    EXPECT_NEAR(form->PixelsToTwipsX(form->width()), 11000, 15);
+    EXPECT_NEAR(form->PixelsToTwipsY(form->height()), 8600, 15);
+    form->resize(form->TwipsToPixelsX(12000), form->TwipsToPixelsY(9000));
+    form->Form_Unload();
+    EXPECT_EQ(GetSetting(SecSettings, QStringLiteral("MainMaximized")), QStringLiteral("False"));
+    EXPECT_NEAR(GetSetting(SecSettings, QStringLiteral("MainWidth")).toDouble(), 12000, 15);
+    // The viewports' frame keeps its 6400 twips: a smaller window grows to hold it.
+    SaveSetting(SecSettings, QStringLiteral("MainHeight"), QStringLiteral("3000"));
+    start();
+    QCoreApplication::processEvents();
+    EXPECT_GE(form->frmPicWins->height(), form->TwipsToPixelsY(6400) - 1);
+    EXPECT_GT(form->PixelsToTwipsY(form->height()), 6400);
 }
 
 TEST_F(Form1Test, SplashHoldsTheMainWindowBackForItsMinimumAndLingers) {
@@ -152,7 +178,8 @@ TEST_F(Form1Test, CommandLineOfAFileThatCannotLoadReportsAndGoesOnWithoutAWorld)
     EXPECT_TRUE(form->IsLoaded());
     EXPECT_FALSE(form->WorldOpen());
     ASSERT_GE(dlg.count(QStringLiteral("msgBox")), 1);
-    EXPECT_EQ(dlg.last(QStringLiteral("msgBox"))->text, QStringLiteral("Error Loading World"));
+    EXPECT_TRUE(dlg.last(QStringLiteral("msgBox"))->text.startsWith(QStringLiteral("Error Loading World")));
+    EXPECT_TRUE(dlg.last(QStringLiteral("msgBox"))->text.contains(QStringLiteral("world.wld")));
     EXPECT_FALSE(form->tabWorkspace->isEnabled());
 }
 

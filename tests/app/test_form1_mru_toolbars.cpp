@@ -56,7 +56,7 @@ TEST_F(Form1Test, RecentFileItemOpensThroughTheDocument) {
     form->AddMRUItem(tempPath(QStringLiteral("gone.wld")));
     ScriptedDialogs dlg;
     form->MruList()->Element(0)->trigger();
-    EXPECT_EQ(dlg.last(QStringLiteral("msgBox"))->text, QStringLiteral("Error Loading World"));
+    EXPECT_TRUE(dlg.last(QStringLiteral("msgBox"))->text.startsWith(QStringLiteral("Error Loading World")));
     EXPECT_EQ(form->MruList()->Count(), 0) << "a file that fails to load leaves the list";
 }
 

@@ -75,13 +75,16 @@ TEST_F(LocaleTest, MissingSatelliteGivesOneMessageAndTheDefaultLanguage) {
     EXPECT_EQ(GetLocaleString(218), QStringLiteral("&File"));
 }
 
-TEST_F(LocaleTest, SupportedLanguagesComeFromTheFileNames) {
-    for (const char* name : {"Sat1031.dll", "SatABC.dll", "Sat1036.lng", "Notes.txt"}) {
+// A backup "Sat1031.lng.bak" or a "Sat1040.txt" beside the language files used to be offered as a
+// language: only "Sat<n>.lng" files are languages.
+TEST_F(LocaleTest, SupportedLanguagesComeFromTheLanguageFilesOnly) {
+    for (const char* name : {"Sat1031.dll", "SatABC.lng", "Sat1036.lng", "Notes.txt", "Sat1040.txt",
+                             "Sat1041.lng.bak", "Sat1043.LNG", "Xat1044.lng"}) {
         QFile f(AppPath(QStringLiteral("Locale Resources/") + QString::fromLatin1(name)));
         ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     }
     const std::vector<int> langs = GetAllSupportedLanguages();
-    EXPECT_EQ(langs, (std::vector<int>{409, 1031, 1036, 407}));
+    EXPECT_EQ(langs, (std::vector<int>{409, 1036, 1043, 407}));
     EXPECT_EQ(LanguageDisplayName(407), QStringLiteral("German (Germany)"));
     EXPECT_EQ(LanguageDisplayName(409), QStringLiteral("English (United States)"));
 }

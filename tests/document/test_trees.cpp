@@ -250,3 +250,65 @@ TEST_F(Trees, ALargeWorldFillsQuickly) {
     EXPECT_EQ(groups.Keys().size(), 1 + 301 + 200);
     EXPECT_LT(t.elapsed(), 5000);
 }
+
+// A valid world of 100,000 nested groups made the editor die of a stack overflow: the tree was filled
+// (and emptied) by recursion. Any depth that loads must show. The world is made through the engine's C
+// API, from the deepest group up, so that the engine's own checks stay short.
+TEST_F(Trees, AHundredThousandNestedGroupsShowAndGoAgain) {
+    constexpr int depth = 100000;
+    std::vector<int> chain(depth);
+    for (int i = 0; i < depth; ++i)
+        chain[size_t(i)] = ZELMAR_group_create(QString("G%1").arg(i).toLatin1().constData());
+    for (int i = depth - 1; i > 0; --i)
+        ASSERT_EQ(ZELMAR_group_get_father_group(chain[size_t(i)]), 0);
+    for (int i = depth - 1; i > 0; --i)
+        ZELMAR_group_set_father_group(chain[size_t(i)], chain[size_t(i - 1)]);
+    ZELMAR_group_set_father_group(chain[0], root);
+    ZELMAR_group_disable(chain[size_t(depth - 1)], 1);
+    QElapsedTimer t;
+    t.start();
+    doc->PopulateTrees();
+    const qint64 fill = t.elapsed();
+    QTreeWidgetItem* deepest = groups.Node(key("Group", chain[size_t(depth - 1)]));
+    ASSERT_NE(deepest, nullptr);
+    int levels = 0;
+    for (QTreeWidgetItem* n = deepest; n->parent(); n = n->parent()) ++levels;
+    EXPECT_EQ(levels, depth) << "under WORLD, each group under its father";
+    EXPECT_EQ(WorkspaceTree::NodeImage(deepest), "Group Invisible");
+    EXPECT_EQ(deepest->text(0), QString("G%1").arg(depth - 1));
+    // Highlighting a node (a selection) opens its fathers only as deep as the view can lay out.
+    groups.resize(300, 400);
+    groups.show();
+    groups.ShowNode(deepest);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(groups.currentItem(), deepest);
+    QTreeWidgetItem* shallow = groups.Node(key("Group", chain[40]));
+    groups.ShowNode(shallow);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(groups.currentItem(), shallow);
+    EXPECT_TRUE(shallow->parent()->isExpanded());
+    groups.hide();
+    // Taking a deep subtree out (a delete) and emptying the tree (a close) need no recursion either.
+    groups.RemoveNode(key("Group", chain[size_t(depth / 2)]));
+    EXPECT_EQ(groups.Node(key("Group", chain[size_t(depth - 1)])), nullptr);
+    groups.trwGroupView_Reset();
+    EXPECT_EQ(groups.Keys(), QStringList{"WORLD"});
+    RecordProperty("FillMilliseconds", int(fill));
+}
+
+// The light tree's version test: an engine without the lights' save flag is told, and the tree keeps its
+// folder only.
+TEST_F(Trees, AnEngineWithoutTheLightsSaveFlagIsToldAndTheLightTreeStaysEmpty) {
+    const double at[3] = {0, 0, 100};
+    const int light = ZELMAR_light_create("Lamp", at);
+    ZELMAR_light_set_save_flag(light, 1);
+    SetEntryPointLookup([](const char* name) { return std::string(name) != "ZELMAR_light_get_save_flag"; });
+    lights.trwLight_Populate();
+    SetEntryPointLookup(nullptr);
+    EXPECT_EQ(lights.Keys(), QStringList{"LIGHT"});
+    ASSERT_NE(dialogs.last("msgBox"), nullptr);
+    EXPECT_EQ(dialogs.last("msgBox")->text,
+              "Wrong version of ZELMAR.dll found.\nFailed extracting information of light objects.");
+    lights.trwLight_Populate();
+    EXPECT_EQ(lights.Keys(), (QStringList{"LIGHT", key("Light", light)}));
+}

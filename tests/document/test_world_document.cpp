@@ -5,6 +5,7 @@
 #include "frame/Locale.h"
 
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QListWidget>
 #include <QPushButton>
@@ -268,11 +269,26 @@ TEST_F(World, ALoadThatFailsLeavesNoWorld) {
     EXPECT_TRUE(doc->WorldOpen);
     EXPECT_FALSE(doc->LoadWorld(path("nothing-here.wld")));
     EXPECT_FALSE(doc->WorldOpen);
-    EXPECT_EQ(dialogs.last("msgBox")->text, GetLocaleString(321));
-    EXPECT_EQ(dialogs.last("msgBox")->icon, MsgInformation);
+    EXPECT_TRUE(dialogs.last("msgBox")->text.startsWith(GetLocaleString(321)));
+    EXPECT_EQ(dialogs.last("msgBox")->icon, MsgExclamation);
     EXPECT_FALSE(host.workspaceEnabled);
     EXPECT_FALSE(host.busy);
     EXPECT_EQ(host.clearedViewports, 1);
+}
+
+// A world that failed to load said only "Error Loading World"; the reason was in the log alone.
+TEST_F(World, AFailedLoadSaysWhyInItsMessage) {
+    QFile bad(path("broken.wld"));
+    ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
+    bad.write("this is not a world\n\x01\x02");
+    bad.close();
+    EXPECT_FALSE(doc->LoadWorld(path("broken.wld")));
+    const QString text = dialogs.last("msgBox")->text;
+    EXPECT_TRUE(text.startsWith(GetLocaleString(321))) << text.toStdString();
+    EXPECT_TRUE(text.contains(path("broken.wld"))) << text.toStdString();
+    const QString reason = QString::fromLocal8Bit(ZELMAR_engine_get_last_error());
+    ASSERT_FALSE(reason.isEmpty());
+    EXPECT_TRUE(text.contains(reason)) << text.toStdString();
 }
 
 TEST_F(World, OpenAndRecentFiles) {
@@ -385,10 +401,21 @@ TEST_F(World, ViewerModeSavesAndStartsTheViewer) {
     const int before = dialogs.count("msgBox");
     doc->mnuViewerMode_Click();
     EXPECT_EQ(dialogs.count("msgBox"), before);
-    QFile ran(path("viewer-ran.txt"));
-    for (int i = 0; i < 200 && !ran.exists(); ++i) QTest::qWait(10);
-    ASSERT_TRUE(ran.open(QIODevice::ReadOnly));
-    const QString line = QString::fromLocal8Bit(ran.readAll()).trimmed();
+    // The stand-in's whole line, ended by its newline: the shell makes the file before it writes into it,
+    // so the file's existence says nothing (found when the suite ran under load).
+    QString line;
+    auto wholeLine = [&] {
+        QFile ran(path("viewer-ran.txt"));
+        if (!ran.open(QIODevice::ReadOnly)) return false;
+        const QString text = QString::fromLocal8Bit(ran.readAll());
+        if (!text.endsWith('\n')) return false;
+        line = text.trimmed();
+        return true;
+    };
+    QElapsedTimer waited;
+    waited.start();
+    while (!wholeLine() && waited.elapsed() < 60000) QTest::qWait(10);
+    ASSERT_TRUE(wholeLine()) << "the stand-in viewer never wrote its line";
     EXPECT_EQ(line, path("Viewer Mode/Viewer.wld") + "|" + QFileInfo(appDir.path()).canonicalFilePath());
     // Not without a world.
     doc->mnuCloseFile_Click();
@@ -436,6 +463,52 @@ TEST_F(World, ANameWithoutExtensionIsSavedAsWld) {
     doc->mnuSaveAs_Click();
     EXPECT_EQ(doc->WorldFileName, path("plain.wld"));
     EXPECT_TRUE(QFileInfo(path("plain.wld")).isFile());
+}
+
+// Choosing the ".zelmar" type for a name without an extension wrote a ".wld" file.
+TEST_F(World, SaveAsWritesTheTypeChosenInTheDialog) {
+    makeGroup("box", doc->RootGrp);
+    dialogs.fileAnswers.push_back(path("typed"));
+    dialogs.filterAnswers.push_back("*.zelmar (*.zelmar)");
+    doc->mnuSaveAs_Click();
+    EXPECT_EQ(doc->WorldFileName, path("typed.zelmar"));
+    EXPECT_TRUE(QFileInfo(path("typed.zelmar")).isFile());
+    EXPECT_FALSE(QFileInfo::exists(path("typed.wld")));
+    dialogs.fileAnswers.push_back(path("packed"));
+    dialogs.filterAnswers.push_back("*.3dzelmar (*.3dzelmar)");
+    doc->mnuSaveAs_Click();
+    EXPECT_TRUE(QFileInfo(path("packed.3dzelmar")).isFile());
+    // A name with its own extension keeps it.
+    dialogs.fileAnswers.push_back(path("own.wld"));
+    dialogs.filterAnswers.push_back("*.tolvane (*.tolvane)");
+    doc->mnuSaveAs_Click();
+    EXPECT_TRUE(QFileInfo(path("own.wld")).isFile());
+    // Every type the engine reads is in "All supported files", ".3dzelmar" too.
+    const QString all = WorldDocument::OpenFilter().section(";;", 0, 0);
+    for (const char* ext : {"*.wld", "*.tolvane", "*.zelmar", "*.3dzelmar"}) EXPECT_TRUE(all.contains(ext)) << ext;
+    // And a saved ".3dzelmar" world opens again.
+    EXPECT_TRUE(doc->LoadWorld(path("packed.3dzelmar")));
+    EXPECT_NE(GroupUsingName("box"), 0);
+}
+
+// The document deleted the old file before moving the new one into place: a save that failed lost the
+// world. It found its own copies of the file helpers; now it uses the frame's.
+TEST_F(World, ASaveThatFailsKeepsTheOldFileAndSaysSo) {
+    QFile old(path("keep.txt"));
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write("the old world");
+    old.close();
+    makeGroup("box", doc->RootGrp);
+    host.stack.Push(ActionUndoRedo_Stack::MakeAction(AT_ActionRenameEntity));
+    dialogs.fileAnswers.push_back(path("keep.txt")); // an extension the engine does not write
+    dialogs.msgAnswers.push_back(vbYes);             // replace it
+    doc->mnuSaveAs_Click();
+    ASSERT_TRUE(old.open(QIODevice::ReadOnly));
+    EXPECT_EQ(old.readAll(), QByteArray("the old world"));
+    EXPECT_TRUE(dialogs.last("msgBox")->text.contains("not saved")) << dialogs.last("msgBox")->text.toStdString();
+    EXPECT_TRUE(host.stack.SaveRequired()) << "the world is still unsaved";
+    EXPECT_EQ(doc->WorldFileName, "Untitled.wld");
+    EXPECT_FALSE(QFileInfo::exists(scratch(appDir.path())));
 }
 
 TEST_F(World, ASaveTheEngineRefusesIsLoggedAsAWarning) {

@@ -5,7 +5,6 @@
 
 #include <cmath>
 
-#include <QKeyEvent>
 
 using namespace vexil;
 using namespace vexil::test;
@@ -16,12 +15,8 @@ constexpr int Right = 3;
 
 class EntityActions : public SelFixture {
   protected:
-    void pressDelete() {
-        fake->press(Qt::Key_Delete);
-        QKeyEvent e(QEvent::KeyPress, Qt::Key_Delete, Qt::NoModifier);
-        QApplication::sendEvent(win(Right), &e);
-        fake->release(Qt::Key_Delete);
-    }
+    // The Delete key of the main window's key table.
+    void pressDelete() { host.DeleteSelected(); }
     bool alive(int g) { return ZELMAR_group_is_group(g) == 1; }
     bool fakeDeleted(int g) {
         return alive(g) && ZELMAR_group_get_father_group(g) == 0 && ZELMAR_group_is_disable(g) == 1 &&

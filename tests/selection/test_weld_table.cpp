@@ -91,6 +91,53 @@ TEST_F(WeldTableTest, LeavingAPolygonDropsEmptiedSetsAndShiftsTheRest) {
     EXPECT_EQ(t.Count(), 4);
 }
 
+// The sets were filed under the location where they began: after the shared corner moved, a polygon
+// made at its new place started a set of its own, and a polygon made at the old place was compared with
+// a set that was no longer there.
+TEST_F(WeldTableTest, SetsAreFoundWhereTheirPointsAreNowAfterMovesUndoAndRedo) {
+    const int a = polygon({{{0, 0, 0}}, {{1, 0, 0}}, {{1, 1, 0}}});
+    const int b = polygon({{{1, 0, 0}}, {{2, 0, 0}}, {{1, 1, 0}}});
+    WeldTableT& t = WeldTable();
+    t.EnterGroup(group);
+    const auto pa = points(a), pb = points(b);
+    const int shared = t.IndexOf(pa[1]);
+    ASSERT_EQ(shared, t.IndexOf(pb[0]));
+    // A move of the shared corner, as a polygon drag moves every member of its set; the editor re-files the
+    // table after such moves (Rekey) before it enters polygons.
+    auto moveSet = [&](double dx, double dy, double dz) {
+        const WeldedPoints* s = t.At(shared);
+        for (int i = 1; i <= s->Count(); ++i) {
+            double xyz[3];
+            ZELMAR_point_get_xyz(s->Point(i), xyz);
+            xyz[0] += dx, xyz[1] += dy, xyz[2] += dz;
+            ZELMAR_point_set_xyz(s->Point(i), xyz);
+        }
+    };
+    moveSet(50, 0, 7);
+    t.Rekey();
+    const int c = polygon({{{51, 0, 7}}, {{52, 0, 7}}, {{52, 1, 7}}});
+    t.EnterPolygon(c);
+    EXPECT_EQ(t.IndexOf(points(c)[0]), shared) << "the moved corner is found at its new place";
+    const int countAfterMove = t.Count();
+    // Undo of the move: the corner is back, and is found there again.
+    moveSet(-50, 0, -7);
+    t.Rekey();
+    const int d = polygon({{{1, 0, 0}}, {{1, -1, 0}}, {{0, -1, 0}}});
+    t.EnterPolygon(d);
+    EXPECT_EQ(t.IndexOf(points(d)[0]), shared);
+    EXPECT_EQ(t.Count(), countAfterMove + 2) << "d's two other points only";
+    // Redo: again at the new place; a polygon at the old place does not join it.
+    moveSet(50, 0, 7);
+    t.Rekey();
+    const int e = polygon({{{1, 0, 0}}, {{1, 5, 0}}, {{0, 5, 0}}});
+    t.EnterPolygon(e);
+    EXPECT_NE(t.IndexOf(points(e)[0]), shared);
+    const int f = polygon({{{51, 0, 7}}, {{51, 3, 7}}, {{50, 3, 7}}});
+    t.EnterPolygon(f);
+    EXPECT_EQ(t.IndexOf(points(f)[0]), shared);
+    EXPECT_EQ(t.At(shared)->Count(), 5);
+}
+
 TEST(WeldedPointsSet, AddRemoveAndResize) {
     WeldedPoints s;
     s.AddPt(11, 1);

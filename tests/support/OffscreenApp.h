@@ -9,7 +9,8 @@ inline QApplication& offscreenApp() {
     static char name[] = "vexil_tests";
     static char* argv[] = {name, nullptr};
     static QApplication* a = [] {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+        // A test may ask for the offscreen platform with options (a screen of a given size).
+        if (!qgetenv("QT_QPA_PLATFORM").startsWith("offscreen")) qputenv("QT_QPA_PLATFORM", "offscreen");
         return new QApplication(argc, argv);
     }();
     return *a;

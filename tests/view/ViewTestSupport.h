@@ -162,15 +162,6 @@ class ViewFixture : public ::testing::Test {
             move(i, from + (to - from) * s / steps, b, m);
         release(i, to, b, m);
     }
-    // A key as the user types it: held in the input seam while its event is delivered.
-    void key(int i, int k, Qt::KeyboardModifiers m = Qt::NoModifier, int seamKey = 0) {
-        const int held = seamKey ? seamKey : k;
-        fake->press(held);
-        QKeyEvent e(QEvent::KeyPress, k, m);
-        QApplication::sendEvent(win(i), &e);
-        fake->release(held);
-    }
-
     QTemporaryDir m_settings;
     std::unique_ptr<FakeInputState> fake;
     TestWorld world;

@@ -176,20 +176,55 @@ TEST_F(CameraNavigation, ToggleProjectionKeepsDistTimesZoom) {
     EXPECT_NEAR(c.Dist, host.worldSize * 2, 1e-9);
 }
 
-TEST_F(CameraNavigation, PanSlidesTheViewAndShiftPanMovesTheLookAtPoint) {
+// Found by trying the editor: a pan went the wrong way and 15 to 18 times too fast. A pan keeps the point
+// under the cursor under it, in parallel and perspective views, at any zoom, with and without Shift.
+TEST_F(CameraNavigation, PanKeepsThePointUnderTheCursorUnderIt) {
     tool(ToolPan);
-    camera& c = views->ViewCams(2);
-    drag(2, {100, 100}, {130, 90}, Qt::LeftButton, 1);
-    EXPECT_LT(c.LookAtOffsetH, 0.0);
-    EXPECT_LT(c.LookAtOffsetV, 0.0);
-    EXPECT_DOUBLE_EQ(c.LookAt[0], 0.0);
-
-    fake->press(Qt::Key_Shift);
-    drag(2, {100, 100}, {130, 100}, Qt::LeftButton, 1, Qt::ShiftModifier);
-    fake->release(Qt::Key_Shift);
-    const double moved = std::hypot(c.LookAt[0], std::hypot(c.LookAt[1], c.LookAt[2]));
-    const double unit = PerspectiveZoom * c.Dist / (win(2)->height() * 4);
-    EXPECT_NEAR(moved, 30 * unit, 1e-6);
+    auto project = [&](int i, const double p[3], int out[2]) {
+        ZELMAR_camera_set_current(world.cams[i], win(i)->Target());
+        return ZELMAR_engine_3D_point_to_2D(p, out);
+    };
+    struct Case {
+        int view;
+        double zoom; // 0: as the standard view has it
+        bool shift;
+    };
+    const Case cases[] = {{0, 0, false}, {1, 0, false}, {3, 0, false}, {3, 0, true}, {2, 0, false},
+                          {2, 25, false}, {2, 100, false}, {2, 0, true}};
+    for (const Case& k : cases) {
+        SCOPED_TRACE(testing::Message() << "view " << k.view << " zoom " << k.zoom << " shift " << k.shift);
+        views->ResetCameras();
+        camera& c = views->ViewCams(k.view);
+        if (k.zoom > 0) {
+            ZELMAR_camera_set_zoom(world.cams[k.view], k.zoom);
+            c.ReSetCamDistFrmEye();
+        }
+        // Empty space under the cursor: the reference point (the look-at point) moves with the cursor.
+        const double look[3] = {c.LookAt[0], c.LookAt[1], c.LookAt[2]};
+        int before[2] = {0, 0}, after[2] = {0, 0};
+        ASSERT_EQ(project(k.view, look, before), 0);
+        if (k.shift) fake->press(Qt::Key_Shift);
+        const Qt::KeyboardModifiers m = k.shift ? Qt::ShiftModifier : Qt::NoModifier;
+        drag(k.view, {12, 12}, {52, 37}, Qt::LeftButton, 4, m);
+        const double moved[3] = {look[0], look[1], look[2]};
+        ASSERT_GE(project(k.view, moved, after), 0);
+        EXPECT_NEAR(after[0] - before[0], 40, 1.5);
+        EXPECT_NEAR(after[1] - before[1], 25, 1.5);
+        // A press on the box: the point it hit stays under the cursor, wherever it lies in depth.
+        int centre[2] = {0, 0};
+        const double origin[3] = {0, 0, 0};
+        ASSERT_EQ(project(k.view, origin, centre), 0);
+        double hit[3] = {0, 0, 0};
+        int g = 0, pol = 0;
+        ASSERT_EQ(ZELMAR_engine_2D_point_to_3D(centre[0], centre[1], hit, &g, &pol), 1);
+        ASSERT_NE(pol, 0);
+        const QPoint from(centre[0], centre[1]), to(centre[0] - 30, centre[1] + 20);
+        drag(k.view, from, to, Qt::LeftButton, 3, m);
+        if (k.shift) fake->release(Qt::Key_Shift);
+        ASSERT_GE(project(k.view, hit, after), 0);
+        EXPECT_NEAR(after[0], to.x(), 1.5);
+        EXPECT_NEAR(after[1], to.y(), 1.5);
+    }
 }
 
 TEST_F(CameraNavigation, EscapeEndsAnAutomaticRevolve) {
