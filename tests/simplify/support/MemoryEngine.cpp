@@ -25,16 +25,14 @@ int MemoryEngine::addMesh(const MeshData& mesh, const char* name) {
     return g;
 }
 
-// The plane as libzelmar3 computes it, operation for operation: the Newell normal of the ring
-// turned over (the front is the side from which the ring runs clockwise), times the reciprocal
-// of its length, and D from the mean of the ring's points; all zero for a ring without area.
-// A mesh therefore reaches the simplification with the same bits through either engine.
-void MemoryEngine::planeOf(const MemPolygon& p, const std::vector<MemPoint>& pts, double plane[4]) {
-    plane[0] = plane[1] = plane[2] = plane[3] = 0;
+namespace {
+// The Newell normal of a ring and whether the ring has an area, as libzelmar3 decides it: a
+// normal of finite length above 1e-12 times the square of the ring's largest extent.
+bool newellWithArea(const MemPolygon& p, const std::vector<MemPoint>& pts, double& nx, double& ny, double& nz) {
+    nx = ny = nz = 0;
     const std::size_t k = p.points.size();
-    if (k < 3) return;
+    if (k < 3) return false;
     auto at = [&](std::size_t i) { return pts[static_cast<std::size_t>(p.points[i])].v; };
-    double nx = 0, ny = 0, nz = 0;
     for (std::size_t i = 0; i < k; ++i) {
         const double* a = at(i);
         const double* b = at((i + 1) % k);
@@ -50,7 +48,45 @@ void MemoryEngine::planeOf(const MemPolygon& p, const std::vector<MemPoint>& pts
         }
     const double size = std::max({hi[0] - lo[0], hi[1] - lo[1], hi[2] - lo[2]});
     const double len = std::sqrt(nx * nx + ny * ny + nz * nz);
-    if (!(std::isfinite(len) && size > 0 && len > 1e-12 * size * size)) return;
+    return std::isfinite(len) && size > 0 && len > 1e-12 * size * size;
+}
+} // namespace
+
+int MemoryEngine::triangulatedCopy(int group, const char* name) {
+    const int out = group_create(name);
+    const std::vector<int> sources = groups_.at(group).polygons;
+    for (const int s : sources) {
+        double nx, ny, nz;
+        if (!newellWithArea(polys_[static_cast<std::size_t>(s)], points_, nx, ny, nz)) continue;
+        const MemPolygon source = polys_[static_cast<std::size_t>(s)];
+        for (std::size_t i = 1; i + 1 < source.points.size(); ++i) {
+            const int t = polygon_create();
+            for (const std::size_t c : {std::size_t{0}, i, i + 1}) {
+                const MemPoint corner = points_[static_cast<std::size_t>(source.points[c])];
+                const int pt = polygon_add_point(t, corner.v);
+                for (int k = 0; k < 3; ++k) points_[static_cast<std::size_t>(pt)].normal[k] = corner.normal[k];
+            }
+            polygon_set_group(t, out);
+            engine_add_polygon(t);
+            MemPolygon& T = polys_[static_cast<std::size_t>(t)];
+            T.bitmap = source.bitmap;
+            for (int k = 0; k < 3; ++k) T.color[k] = source.color[k];
+            T.brightness = source.brightness;
+        }
+    }
+    return out;
+}
+
+// The plane as libzelmar3 computes it, operation for operation: the Newell normal of the ring
+// turned over (the front is the side from which the ring runs clockwise), times the reciprocal
+// of its length, and D from the mean of the ring's points; all zero for a ring without area.
+// A mesh therefore reaches the simplification with the same bits through either engine.
+void MemoryEngine::planeOf(const MemPolygon& p, const std::vector<MemPoint>& pts, double plane[4]) {
+    plane[0] = plane[1] = plane[2] = plane[3] = 0;
+    double nx, ny, nz;
+    if (!newellWithArea(p, pts, nx, ny, nz)) return;
+    const std::size_t k = p.points.size();
+    auto at = [&](std::size_t i) { return pts[static_cast<std::size_t>(p.points[i])].v; };
     const double fx = nx * -1.0, fy = ny * -1.0, fz = nz * -1.0;
     const double l = std::sqrt(fx * fx + fy * fy + fz * fz);
     double n[3] = {0, 0, 0};

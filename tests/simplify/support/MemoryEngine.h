@@ -40,6 +40,11 @@ class MemoryEngine final : public simplify::SimplifyEngine {
 public:
     // Makes a group of the mesh's faces (all their points, in ring order); answers its handle.
     int addMesh(const MeshData& mesh, const char* name = "mesh");
+    // A new group of the triangles cut from the group's polygons as
+    // ZELMAR_group_create_copy_made_of_triangles cuts them: a ring without area (the test of
+    // planeOf) gives none, a triangle stays as it is, a larger ring is fanned from its first point
+    // (libzelmar3 cuts concave rings otherwise; the tests' rings are triangles). Answers its handle.
+    int triangulatedCopy(int group, const char* name);
     // Computes the plane of a polygon as libzelmar3 does.
     static void planeOf(const MemPolygon& p, const std::vector<MemPoint>& pts, double plane[4]);
 
