@@ -12,7 +12,8 @@
 // (ZELMAR_engine_save; .wld, .zelmar, ...). --reference runs the literal implementation.
 // --checksum prints hashes of the contraction sequence and of the output's bits (to compare
 // builds and implementations on meshes too large for the tests). Exit codes: 0 done, 1 the
-// input could not be read or the reduction failed, 2 bad command line.
+// input could not be read (one line on stderr naming the file and why) or the reduction
+// failed, 2 bad command line (the reason and the usage on stderr).
 #include "MemoryEngine.h"
 #include "MeshData.h"
 #include "MeshMaker.h"
@@ -138,7 +139,7 @@ MeshData groupToMesh(MemoryEngine& eng, int group) {
 }
 } // namespace
 
-int main(int argc, char** argv) {
+static int run(int argc, char** argv) {
     std::string input, out;
     long target = -1;
     double keep = 0.5;
@@ -183,12 +184,17 @@ int main(int argc, char** argv) {
             else if (a == "--lock") {
                 std::stringstream ss(next());
                 std::string item;
-                while (std::getline(ss, item, ',')) lock.push_back(static_cast<std::int32_t>(number(item, toLong)));
+                while (std::getline(ss, item, ',')) {
+                    const long p = number(item, toLong);
+                    if (p < 1 || p > 2147483647L) throw std::invalid_argument("--lock wants model points from 1: " + item);
+                    lock.push_back(static_cast<std::int32_t>(p));
+                }
             } else if (!a.empty() && a[0] == '-') throw std::invalid_argument("unknown option " + a);
             else if (input.empty()) input = a;
             else throw std::invalid_argument("more than one input: " + input + " and " + a);
         }
         if (input.empty()) throw std::invalid_argument("no input file");
+        if (target < -1 || target > 2147483647L) throw std::invalid_argument("--target wants a count from 0");
         if (!(keep >= 0 && keep <= 1)) throw std::invalid_argument("--keep wants a fraction from 0 to 1");
         if (subdivisions < 0 || subdivisions > 6) throw std::invalid_argument("--subdivide wants 0 to 6");
         if (reference && engine) throw std::invalid_argument("--reference runs on the in-memory engine only");
@@ -206,13 +212,19 @@ int main(int argc, char** argv) {
         return 1;
     }
     if (mesh.faces.empty()) {
-        std::fprintf(stderr, "simplify_cli: %s holds no faces\n", input.c_str());
+        std::fprintf(stderr, "simplify_cli: %s: the file holds no triangles\n", input.c_str());
         return 1;
     }
     const auto t1 = Clock::now();
     const int total = static_cast<int>(mesh.faces.size());
     mesh = asEngineRings(std::move(mesh));
     if (target < 0) target = static_cast<long>(total * keep + 0.5);
+    // model points are welded vertices: never more of them than the file's vertices
+    for (const std::int32_t p : lock)
+        if (static_cast<std::size_t>(p) > mesh.vertices.size()) {
+            std::fprintf(stderr, "simplify_cli: --lock %d: %s has %zu vertices\n%s", p, input.c_str(), mesh.vertices.size(), kUsage);
+            return 2;
+        }
     std::printf("input: %s, %d triangles, %zu vertices (read in %.1f ms)\n", input.c_str(), total, mesh.vertices.size(),
                 ms(t0, t1));
     Printer host;
@@ -238,10 +250,11 @@ int main(int argc, char** argv) {
             trace = s.ContractionTrace;
             if (checksum) result = engineGroupToMesh(outGroup);
             if (!out.empty()) {
-                const int r = ZELMAR_engine_save(out.c_str(), outGroup, 0x0001); // kSaveGroups
-                std::printf("ZELMAR_engine_save(%s) answered %d%s%s\n", out.c_str(), r, r ? "" : ": ",
-                            r ? "" : ZELMAR_engine_get_last_error());
-                if (!r) return 1;
+                if (ZELMAR_engine_save(out.c_str(), outGroup, 0x0001) != 1) { // kSaveGroups
+                    std::fprintf(stderr, "simplify_cli: cannot save %s: %s\n", out.c_str(), ZELMAR_engine_get_last_error());
+                    return 1;
+                }
+                std::printf("saved %s\n", out.c_str());
             }
         } else {
             MemoryEngine eng;
@@ -282,10 +295,11 @@ int main(int argc, char** argv) {
             }
         }
     } catch (const vexil::VexilError& e) {
-        std::printf("Reduce raised %ld: %s\n%s\n", e.number, e.description.c_str(), e.source.c_str());
+        std::fprintf(stderr, "simplify_cli: %s: the reduction failed: %s (error %ld in %s)\n", input.c_str(),
+                     e.description.c_str(), e.number, e.source.c_str());
         return 1;
     } catch (const std::exception& e) {
-        std::fprintf(stderr, "simplify_cli: %s\n", e.what());
+        std::fprintf(stderr, "simplify_cli: %s: %s\n", input.c_str(), e.what());
         return 1;
     }
     if (checksum) {
@@ -301,4 +315,16 @@ int main(int argc, char** argv) {
                     static_cast<unsigned long long>(t.h), result.faces.size(), static_cast<unsigned long long>(o.h));
     }
     return 0;
+}
+
+int main(int argc, char** argv) {
+    // whatever escapes (memory running out while subdividing, say) is a message, not an abort
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "simplify_cli: %s\n", e.what());
+    } catch (...) {
+        std::fprintf(stderr, "simplify_cli: unexpected failure\n");
+    }
+    return 1;
 }

@@ -35,7 +35,10 @@ MeshData firstFaces(const MeshData& mesh, std::size_t count);
 
 // OBJ (v, vt, vn, f with v, v/vt, v//vn, v/vt/vn and negative indices) and PLY (ascii,
 // binary_little_endian, binary_big_endian; vertex x y z, optional nx ny nz, s t or u v,
-// red green blue; face vertex_indices or vertex_index lists). Throws std::runtime_error.
+// red green blue; face vertex_indices or vertex_index lists). Throws std::runtime_error with a
+// one-line reason (without the path) for a file that is missing, not a regular file, not of
+// that format, or damaged: a statement or value that does not parse, an index out of range, a
+// position that is not finite, a count the file cannot hold.
 MeshData loadObj(const std::string& path);
 MeshData loadPly(const std::string& path);
 MeshData loadMesh(const std::string& path); // by extension (.obj, .ply); any other throws
