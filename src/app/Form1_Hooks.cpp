@@ -15,6 +15,7 @@
 #include "Form1_Selection.h"
 #include "Form1_Tracks.h"
 #include "modelling/ModellingActions.h"
+#include "view/frmPicWins.h"
 
 #include <QAction>
 #include <QLabel>

@@ -14,6 +14,8 @@
 #include "frmPrefrences.h"
 #include "library/formTip.h"
 #include "undo/ActionUndoRedo_Stack.h"
+#include "Form1_Selection.h"
+#include "selection/SelectionModel.h"
 #include "view/frmPicWins.h"
 #include "materials/PolygonSurfacePanel.h"
 #include "materials/TexturePanel.h"
@@ -378,10 +380,12 @@ void Form1::mnuExport_Click(int index) {
 // ---- Edit ---------------------------------------------------------------------------------------------------
 
 void Form1::mnuUndo_Click() {
-    if (m_undoStack) vexil::mnuUndo_Click(*m_undoStack, *this);
+    if (m_undoStack && vexil::mnuUndo_Click(*m_undoStack, *this))
+        if (SelectionModel* m = FormSelection()) m->RefreshAfterUndoRedo();
 }
 void Form1::mnuRedo_Click() {
-    if (m_undoStack) vexil::mnuRedo_Click(*m_undoStack, *this);
+    if (m_undoStack && vexil::mnuRedo_Click(*m_undoStack, *this))
+        if (SelectionModel* m = FormSelection()) m->RefreshAfterUndoRedo();
 }
 void Form1::mnuHold_Click() { m_document->mnuHold_Click(); }
 void Form1::mnuFetch_Click() { m_document->mnuFetch_Click(); }

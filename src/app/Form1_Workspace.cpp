@@ -19,6 +19,7 @@
 #include "undo/ActionUndoRedo_Stack.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QComboBox>
 #include <QFocusEvent>
 #include <QFormLayout>
@@ -83,11 +84,14 @@ void Form1::buildWorkspace() {
     groups->layout()->addWidget(txtSelectedGrpName);
     groups->layout()->addWidget(GroupTree);
 
-    // 1: Edit Group. The panel follows the mode of cmbObj: "New Object" shows the create panel, "Edit
-    // Geometry" the point or polygon tools (cmbObjEditGeom), "Edit Texture" the blending filter.
+    // 1: Edit Group. The panel follows the mode of cmbObj (cmbObj_Change): "New Object" shows the create
+    // panel, "Edit Geometry" the point or polygon tools (cmbObjEditGeom), both editing modes the surface panel.
     QWidget* edit = page("frmEditGroup");
+    auto* form = new QFormLayout;
     cmbObj = new QComboBox(edit);
     cmbObj->setObjectName(QStringLiteral("cmbObj"));
+    cmbObjEditGeom = new QComboBox(edit);
+    cmbObjEditGeom->setObjectName(QStringLiteral("cmbObjEditGeom"));
     // The create panel holds the kind and the sizes of a new object (src/builders).
     frmCreate = new CreatePanel(edit);
     frmCreate->setObjectName(QStringLiteral("frmCreate"));

@@ -8,7 +8,7 @@
 namespace vexil {
 
 void ActionChngTextureCoords::SetPtsChangedToCurrSel() {
-    m_points = PointsOfPolygons(SelectedPolygons());
+    m_points = PolygonPointPairs(SelectedPolygons());
 }
 
 void ActionChngTextureCoords::SetPtsChangedToGiven(std::vector<PointOfPolygon> points) {

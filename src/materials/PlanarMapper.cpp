@@ -100,7 +100,7 @@ std::vector<std::array<double, 2>> PlanarMapPoints(int option, const std::vector
 }
 
 void PlanarMap(int option, const std::vector<int>& polygons) {
-    PlanarMapPoints(option, polygons, PointsOfPolygons(polygons));
+    PlanarMapPoints(option, polygons, PolygonPointPairs(polygons));
 }
 
 } // namespace vexil

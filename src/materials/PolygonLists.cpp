@@ -27,7 +27,7 @@ std::vector<int> SelectedGroups() {
     return out;
 }
 
-std::vector<PointOfPolygon> PointsOfPolygons(const std::vector<int>& polygons) {
+std::vector<PointOfPolygon> PolygonPointPairs(const std::vector<int>& polygons) {
     std::vector<PointOfPolygon> out;
     out.reserve(polygons.size() * 4);
     for (int p : polygons)

@@ -17,6 +17,6 @@ struct PointOfPolygon {
     int point = 0;
     int polygon = 0;
 };
-std::vector<PointOfPolygon> PointsOfPolygons(const std::vector<int>& polygons);
+std::vector<PointOfPolygon> PolygonPointPairs(const std::vector<int>& polygons);
 
 } // namespace vexil

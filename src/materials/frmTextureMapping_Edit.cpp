@@ -318,7 +318,7 @@ void frmTextureMapping::ZoomExtent() {
         for (const PointOfPolygon& p : listed) points.push_back(p.point);
     } else {
         const std::vector<int> pols = only ? SelectedPolygons() : GroupPolygons(m_group);
-        for (const PointOfPolygon& p : PointsOfPolygons(pols)) points.push_back(p.point);
+        for (const PointOfPolygon& p : PolygonPointPairs(pols)) points.push_back(p.point);
     }
     if (points.empty()) {
         PicMain_Paint();

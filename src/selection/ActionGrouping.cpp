@@ -128,6 +128,13 @@ void ActionChangeFatherGrp::Redo() {
 
 // ---- ActionReplaceGrp ---------------------------------------------------------------------------
 
+ActionReplaceGrp::~ActionReplaceGrp() {
+    // The group out of the world (the replaced one, or the replacement once undone) is a corpse only this
+    // action could bring back.
+    const int corpse = m_undone ? m_new : m_old;
+    if (corpse != 0 && ZELMAR_group_get_father_group(corpse) == 0) DeleteGroupPermanently(corpse);
+}
+
 void ActionReplaceGrp::SetGrpThatWasReplaced(int group) {
     const SelectionState& s = Sel();
     m_old = group;
@@ -143,6 +150,7 @@ void ActionReplaceGrp::Undo() {
     if (!m) return;
     m->FakeDeleteGroup(m_new);
     m->UnDeleteGroup(m_old, m_father, m_next);
+    m_undone = true;
     SelectionState& s = Sel();
     s.CurrSelEntityType = 1;
     s.CurrSelEntity = m_old;
@@ -158,6 +166,7 @@ void ActionReplaceGrp::Redo() {
     if (!m) return;
     m->FakeDeleteGroup(m_old);
     m->UnDeleteGroup(m_new, m_father, m_next);
+    m_undone = false;
     SelectionState& s = Sel();
     s.CurrSelEntityType = 1;
     s.CurrSelEntity = m_new;

@@ -78,6 +78,7 @@ class ActionChangeFatherGrp : public Action {
 
 class ActionReplaceGrp : public Action {
   public:
+    ~ActionReplaceGrp() override;
     // The group replaced, its father, its place among the father's children and the three sub-object
     // selections of the time. Undo puts it back in that place.
     void SetGrpThatWasReplaced(int group);
@@ -88,6 +89,7 @@ class ActionReplaceGrp : public Action {
   private:
     int m_old = 0, m_new = 0, m_father = 0, m_next = 0;
     std::vector<int> m_selPols, m_selPts, m_selPtsPols;
+    bool m_undone = false;
 };
 
 } // namespace vexil

@@ -255,6 +255,29 @@ void SelectionModel::treeViewHighlightCurrentSelectedAndDeHighlightPrevSelected(
         treeViewHighlightNode(s.CurrSelEntityType, s.CurrSelEntity, true);
 }
 
+void SelectionModel::RefreshAfterUndoRedo() {
+    const SelectionState& s = Sel();
+    switch (s.CurrSelEntityType) {
+    case 0:
+        m_host.SetSelectedGrpName(QString(), false);
+        break;
+    case 1:
+        if (ZELMAR_group_is_group(s.CurrSelEntity)) {
+            m_host.SetSelectedGrpName(QString::fromLocal8Bit(EntityName(s.CurrSelEntity).c_str()), true);
+            m_host.RefreshGroup(s.CurrSelEntity);
+        }
+        break;
+    case 6:
+        m_host.SetSelectedGrpName(GetLocaleString(348), false);
+        m_host.RefreshGroup(0);
+        break;
+    default:
+        break;
+    }
+    if (s.CurrSelEntityType != 0 && s.CurrSelEntityType != 6)
+        treeViewHighlightNode(s.CurrSelEntityType, s.CurrSelEntity, true);
+}
+
 void SelectionModel::treeViewHighlightNode(int type, int handle, bool mark) {
     if (type == 1 && handle == RootGrp()) return;
     WorkspaceTree* tree = nullptr;

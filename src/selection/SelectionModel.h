@@ -87,6 +87,9 @@ class SelectionModel {
     void ThingsToDoOnSelectedEntityChange();
     void treeViewHighlightCurrentSelectedAndDeHighlightPrevSelected();
     void treeViewHighlightNode(int type, int handle, bool mark);
+    // After an undo or a redo: the name field, the tree's highlight and the selection box follow the
+    // current entity and the points as they are now (the actions restore state, not the views of it).
+    void RefreshAfterUndoRedo();
     // Type-1 envelope: recorded and pushed only if the selection changed.
     void PushSelectIfChanged();
     // Makes (kind, handle) current as a tree click does: previous := current, the change notice, a push.

@@ -1,5 +1,7 @@
 // the application entry: the key table of Form_KeyDown, with its "down" and "pressed" tests.
 #include "Form1Fixture.h"
+
+#include <QLabel>
 #include "frame/InputState.h"
 
 #include <QAction>

@@ -157,6 +157,15 @@ TEST_F(EditGeometryTest, FlipTurnsOverAndTriangulateReplacesTheGroupInItsPlace) 
     undo();
     EXPECT_EQ(world.a, Sel().CurrSelEntity);
     EXPECT_TRUE(Saved() == saved);
+    // The replacement, out of the world once undone, goes with the action; so does the replaced group of a
+    // triangulation that stays done.
+    host.stack->Reset();
+    EXPECT_EQ(0, ZELMAR_group_is_group(t));
+    EXPECT_EQ(1, ZELMAR_group_is_group(world.a));
+    Edit(world.a, SelectMode::Polygon);
+    EditGeometry::cmdTriangulate_Click();
+    host.stack->Reset();
+    EXPECT_EQ(0, ZELMAR_group_is_group(world.a));
 }
 
 TEST_F(EditGeometryTest, ReduceWithoutAWorkbenchSaysSoAndHandsOverToOne) {

@@ -7,6 +7,8 @@
 #include "document/WorldDocument.h"
 #include "selection/SelectionState.h"
 #include "view/frmPicWins.h"
+#include "selection/ActionTransformSubObject.h"
+#include "undo/ActionUndoRedo_Stack.h"
 
 #include <QAction>
 #include <QDialog>
@@ -145,3 +147,64 @@ TEST_F(SampleWorld, ANewWorldStartsWithNothingSelected) {
 }
 
 } // namespace
+
+// After an undo or a redo the group name field, the tree's highlight and the selection box showed the
+// state before it.
+TEST_F(SampleWorld, UndoAndRedoLeaveTheNameFieldTheTreeAndTheBoxCurrent) {
+    const int house = GroupUsingName("House"), tower = GroupUsingName("Tower");
+    auto highlighted = [&] { return form->GroupTree->currentItem() ? form->GroupTree->currentItem()->text(0) : QString(); };
+    treeClick("House");
+    treeClick("Tower");
+    EXPECT_EQ(form->txtSelectedGrpName->text(), QStringLiteral("Tower"));
+    form->mnuUndo->trigger();
+    EXPECT_EQ(sel().CurrSelEntity, house);
+    EXPECT_EQ(form->txtSelectedGrpName->text(), QStringLiteral("House"));
+    EXPECT_EQ(highlighted(), QStringLiteral("House"));
+    form->mnuRedo->trigger();
+    EXPECT_EQ(form->txtSelectedGrpName->text(), QStringLiteral("Tower"));
+    EXPECT_EQ(highlighted(), QStringLiteral("Tower"));
+    // A rename undone: the field shows the old name again.
+    QTreeWidgetItem* n = form->GroupTree->Node(QStringLiteral("Group%1").arg(tower));
+    ASSERT_NE(n, nullptr);
+    form->GroupTree->trwGroupView_AfterLabelEdit(n, QStringLiteral("Keep"));
+    EXPECT_EQ(form->txtSelectedGrpName->text(), QStringLiteral("Keep"));
+    form->mnuUndo->trigger();
+    EXPECT_EQ(form->txtSelectedGrpName->text(), QStringLiteral("Tower"));
+    EXPECT_EQ(n->text(0), QStringLiteral("Tower"));
+    form->mnuRedo->trigger();
+    EXPECT_EQ(form->txtSelectedGrpName->text(), QStringLiteral("Keep"));
+    // A point move undone: the box is the group's box again.
+    frmPicWins* views = form->findChild<frmPicWins*>();
+    ASSERT_NE(views, nullptr);
+    const int pt = ZELMAR_polygon_get_first_point(ZELMAR_group_get_first_polygon(tower));
+    auto boxTop = [&] {
+        views->SelectionBox().Initialize(views->SelectionBox().Group());
+        double top = -1e300;
+        for (const auto& c : views->SelectionBox().Corners()) top = std::max(top, c[2]);
+        return top;
+    };
+    const double before = boxTop();
+    ActionRef move = ActionUndoRedo_Stack::MakeAction(AT_ActionMoveGrpPoints);
+    {
+        Sel().SelPts.Clear();
+        Sel().SelPts.Append(pt);
+        auto* a = move->As<ActionMoveGrpPoints>();
+        a->SetMovedPtsToCurrSelPts();
+        a->SetFrmLoc({0, 0, 0});
+        a->SetToLoc({0, 0, 5000});
+        double xyz[3];
+        ZELMAR_point_get_xyz(pt, xyz);
+        xyz[2] += 5000;
+        ZELMAR_point_set_xyz(pt, xyz);
+        form->UndoStack().Push(move);
+    }
+    views->SelectionBox().Initialize(tower); // as the gizmo does at the end of a drag
+    const auto corners = [&] { return views->SelectionBox().Corners(); };
+    double top = -1e300;
+    for (const auto& c : corners()) top = std::max(top, c[2]);
+    EXPECT_GT(top, before + 4000) << "the box takes the moved point in";
+    form->mnuUndo->trigger();
+    top = -1e300;
+    for (const auto& c : corners()) top = std::max(top, c[2]);
+    EXPECT_NEAR(top, before, 1e-6) << "and lets it go after the undo";
+}

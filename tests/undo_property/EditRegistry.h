@@ -36,6 +36,19 @@ inline std::vector<EditGenerator>& EditRegistry() {
     return r;
 }
 
+// What a subsystem's edits need in the world before a run starts (bitmaps loaded from files, hosts
+// installed), run by the fixture after it has built the world.
+inline std::vector<std::function<void(UndoPropertyFixture&)>>& WorldSetupRegistry() {
+    static std::vector<std::function<void(UndoPropertyFixture&)>> r;
+    return r;
+}
+
+struct WorldSetupRegistrar {
+    explicit WorldSetupRegistrar(std::function<void(UndoPropertyFixture&)> setup) {
+        WorldSetupRegistry().push_back(std::move(setup));
+    }
+};
+
 struct EditRegistrar {
     EditRegistrar(const char* name, std::function<bool(EditContext&)> run, int weight = 1) {
         EditRegistry().push_back({name, std::move(run), weight});
@@ -49,3 +62,6 @@ struct EditRegistrar {
 // VEXIL_UNDO_EDIT(Name, callable [, weight])
 #define VEXIL_UNDO_EDIT(name, ...)                                                                           \
     static ::vexil::test::EditRegistrar VEXIL_UNDO_EDIT_CAT(undoEdit_, __LINE__)(#name, __VA_ARGS__)
+// VEXIL_UNDO_WORLD_SETUP(callable taking the fixture)
+#define VEXIL_UNDO_WORLD_SETUP(...)                                                                          \
+    static ::vexil::test::WorldSetupRegistrar VEXIL_UNDO_EDIT_CAT(undoSetup_, __LINE__)(__VA_ARGS__)

@@ -11,6 +11,9 @@
 #include "selection/WeldedPoints.h"
 
 #include <QFile>
+#include <map>
+#include <memory>
+#include <string>
 
 namespace vexil::test {
 
@@ -20,6 +23,7 @@ class UndoPropertyFixture : public SelFixture {
     using SelFixture::model;
     using SelFixture::pixelOf;
     using SelFixture::views;
+    using SelFixture::world;
     std::string maxUndo() override { return "2000"; }
 
     void SetUp() override {
@@ -39,12 +43,26 @@ class UndoPropertyFixture : public SelFixture {
                 ZELMAR_polygon_set_group(p, grid);
                 ZELMAR_engine_add_polygon(p);
             }
+        for (const auto& setup : WorldSetupRegistry())
+            setup(*this);
         doc->PopulateTrees();
         FillNothing();
     }
     void TearDown() override {
+        extras.clear();
         WeldTable().Clear();
         SelFixture::TearDown();
+    }
+    // Controllers of other subsystems that their edits make on first use (cameras and tracks, lights,
+    // materials), gone before the world.
+    template <class T> T* Extra(const std::string& key) {
+        auto it = extras.find(key);
+        return it == extras.end() ? nullptr : static_cast<T*>(it->second.get());
+    }
+    template <class T> T& SetExtra(const std::string& key, std::shared_ptr<T> value) {
+        T& ref = *value;
+        extras[key] = std::move(value);
+        return ref;
     }
     static void FillNothing() { EditGeometry::EditModeChanged(false); }
 
@@ -112,6 +130,7 @@ class UndoPropertyFixture : public SelFixture {
 
     int grid = 0;
     QTemporaryDir m_dir;
+    std::map<std::string, std::shared_ptr<void>> extras;
 };
 
 } // namespace vexil::test
