@@ -145,7 +145,15 @@ int SurfSimpli::ContractEdge() {
         for (const std::int32_t s : tris_[static_cast<std::size_t>(*t)].edges) touchEdgeEnds(s);
     }
     for (const std::size_t p : {k, g}) {
-        for (const std::int32_t* t = pTris_.begin(p); t != pTris_.end(p); ++t) touchTriCorners(*t);
+        for (const std::int32_t* t = pTris_.begin(p); t != pTris_.end(p); ++t) {
+            // the texture coordinates are read by the interpolation below: on their way in now
+            if (!geomOnly_) {
+                const double* uv = tUV_[static_cast<std::size_t>(*t)].data();
+                __builtin_prefetch(uv);
+                __builtin_prefetch(uv + 5);
+            }
+            touchTriCorners(*t);
+        }
         for (const std::int32_t* e = pEdges_.begin(p); e != pEdges_.end(p); ++e) touchEdgeEnds(*e);
     }
     if (!geomOnly_) {
