@@ -469,6 +469,10 @@ private:
     std::vector<std::uint32_t> selStamp_;  // marks them while the heap is filled again
     std::uint32_t selId_ = 0;
     std::vector<double> costScratch_;
+    struct EdgeEnds {
+        std::int32_t edge, a, b;
+    };
+    std::vector<EdgeEnds> edgeEnds_; // keepsManifold's scratch
     std::vector<std::uint32_t> ptStamp_, edgeStamp_;
     std::uint32_t stamp_ = 0;
     std::vector<char> selectedMark_;

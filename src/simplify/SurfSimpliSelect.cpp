@@ -312,6 +312,16 @@ bool SurfSimpli::keepsManifold(int edge) {
         return n;
     };
     const std::size_t pa = static_cast<std::size_t>(E.a), pb = static_cast<std::size_t>(E.b);
+    // B's valid edges (other than this one) with their ends, read once: the pairs are then
+    // matched without going back to the records (the answer does not depend on the order in
+    // which the pairs are tried)
+    std::vector<EdgeEnds>& bs = edgeEnds_;
+    bs.clear();
+    for (const std::int32_t* bp = pEdges_.begin(pb); bp != pEdges_.end(pb); ++bp) {
+        if (*bp == edge) continue;
+        const EdgeHot& B = edges_[static_cast<std::size_t>(*bp)];
+        if (B.valid) bs.push_back(EdgeEnds{*bp, B.a, B.b});
+    }
     for (const std::int32_t* ap = pEdges_.begin(pa); ap != pEdges_.end(pa); ++ap) {
         const int a = *ap;
         if (a == edge) continue;
@@ -322,14 +332,10 @@ bool SurfSimpli::keepsManifold(int edge) {
         else if (A.b != E.a && A.b != E.b) far = A.b;
         else continue; // both ends on this edge: they do not meet
         int ca = -1;
-        for (const std::int32_t* bp = pEdges_.begin(pb); bp != pEdges_.end(pb); ++bp) {
-            const int b = *bp;
-            if (b == edge) continue;
-            const EdgeHot& B = edges_[static_cast<std::size_t>(b)];
-            if (!B.valid) continue;
-            if (B.a != far && B.b != far) continue;
+        for (const EdgeEnds& b : bs) {
+            if (b.a != far && b.b != far) continue;
             if (ca < 0) ca = count(a);
-            if (ca + count(b) > 2) return false;
+            if (ca + count(b.edge) > 2) return false;
         }
     }
     return true;
