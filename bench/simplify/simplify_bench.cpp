@@ -135,7 +135,7 @@ int main(int argc, char** argv) {
         }
         std::vector<double> wall, cpu, ex, lp, out;
         int result = 0;
-        long long selections = 0, candidates = 0, cached = 0;
+        long long selections = 0, candidates = 0, cached = 0, fills = 0;
         std::size_t modelBytes = 0, peakBytes = 0;
         for (int r = 0; r < runs; ++r) {
             MemoryEngine eng;
@@ -162,14 +162,15 @@ int main(int argc, char** argv) {
             selections = s.SelectionCount;
             candidates = s.CandidateCount;
             cached = s.CachedRefusals;
+            fills = s.HeapFills;
             modelBytes = s.MemoryBytes();
             peakBytes = s.PeakMemoryBytes();
         }
         std::printf("production%s keep %.2f: %d -> %d triangles, median of %d: wall %.1f ms, cpu %.1f ms "
                     "(extract+copy %.1f, loop %.1f, output %.1f); %lld selections, %lld candidates, %lld refusals "
-                    "from the cache\n",
+                    "from the cache, %lld heap fills\n",
                     plain ? " (no refusal cache)" : "", keep, total, result, runs, bench::median(wall), bench::median(cpu), bench::median(ex), bench::median(lp), bench::median(out), selections,
-                    candidates, cached);
+                    candidates, cached, fills);
         std::printf("  model held by SurfSimpli after the run (arrays, lists, copy, indexes, heap): %.1f MB, at most %.1f MB\n",
                     modelBytes / 1048576.0, peakBytes / 1048576.0);
     }

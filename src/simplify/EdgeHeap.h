@@ -9,6 +9,7 @@
 #pragma once
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace simplify {
@@ -88,14 +89,16 @@ public:
         return e;
     }
     // Visits the entries in (cost, index) order without changing the heap, until visit answers
-    // true; answers that entry's edge, or -1 when every entry was visited.
+    // true; answers that entry's edge, -1 when every entry was visited, or kLimitReached when the
+    // next entry in order costs limit or more (it is not visited).
     //
     // An entry's key may be below its edge's true cost (trueCost(edge)): a rise in cost is left
     // in the heap until the entry comes up (keys are lower bounds, so the heap order still bounds
     // every subtree). Such an entry is visited at its true cost, in its place in the order, and
     // its edge is added to `stale`, for the caller to set to its true cost afterwards.
+    static constexpr int kLimitReached = -2;
     template <class TrueCost, class Visit>
-    int visitInOrder(TrueCost trueCost, Visit visit, std::vector<int>& stale) {
+    int visitInOrder(TrueCost trueCost, Visit visit, std::vector<int>& stale, double limit = kNoLimit) {
         if (heap_.empty()) return -1;
         frontier_.clear();
         auto after = [](const Node& a, const Node& b) { return less(Entry{b.key, b.edge, b.order}, Entry{a.key, a.edge, a.order}); };
@@ -107,6 +110,7 @@ public:
         while (!frontier_.empty()) {
             std::pop_heap(frontier_.begin(), frontier_.end(), after);
             const Node n = frontier_.back();
+            if (!(n.key < limit)) return kLimitReached; // this and all that follow cost limit or more
             frontier_.pop_back();
             if (n.pos >= 0) {
                 const std::size_t i = static_cast<std::size_t>(n.pos);
@@ -126,6 +130,7 @@ public:
 
     std::size_t memoryBytes() const { return heap_.capacity() * sizeof(Entry) + pos_.capacity() * sizeof(int); }
 
+    static constexpr double kNoLimit = std::numeric_limits<double>::infinity();
     static bool less(const Entry& a, const Entry& b) {
         return a.cost < b.cost || (!(b.cost < a.cost) && a.order < b.order);
     }

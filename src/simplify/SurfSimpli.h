@@ -248,6 +248,8 @@ public:
     // Counts for the benchmarks: selections made, candidates visited by SelectContractibleEdge,
     // and candidates whose refusal was known without running the three tests again.
     long long SelectionCount = 0, CandidateCount = 0, CachedRefusals = 0;
+    // Times the heap of the cheapest edges was filled from all edges (docs/simplify.md).
+    long long HeapFills = 0;
     // Remember refusals until something near the edge changes (on by default; the tests compare
     // both settings). See docs/simplify.md, "Refusal cache".
     bool CacheRefusals = true;
@@ -379,6 +381,7 @@ private:
     static bool eligible(const EdgeHot& E); // can ever be chosen: valid, -1e21 <= cost < 1e32
     void heapUpdate(int edge, double oldCost);
     void rebuildHeap();
+    void fillHeap(std::size_t excludedFrom);
     void rebuildPointIndex();
     void rebuildEdgeIndex();
     void dropIndexes();
@@ -457,8 +460,19 @@ private:
     };
     FlatIndex<std::uint64_t, EdgeKeyHash> edgeIndex_;
     bool edgeIndexDirty_ = false;
+    // The heap holds the edges that cost less than heapLimit_ (the cheapest few thousand; all of
+    // them when the limit is infinite); the others wait outside until a selection reaches it.
     EdgeHeap heap_;
     bool heapDirty_ = true;
+    double heapLimit_ = EdgeHeap::kNoLimit;
+    std::vector<int> refusedNow_;          // candidates refused by the running selection
+    std::vector<std::uint32_t> selStamp_;  // marks them while the heap is filled again
+    std::uint32_t selId_ = 0;
+    std::vector<double> costScratch_;
+    struct EdgeEnds {
+        std::int32_t edge, a, b;
+    };
+    std::vector<EdgeEnds> edgeEnds_; // keepsManifold's scratch
     std::vector<std::uint32_t> ptStamp_, edgeStamp_;
     std::uint32_t stamp_ = 0;
     std::vector<char> selectedMark_;

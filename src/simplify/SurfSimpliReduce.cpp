@@ -145,7 +145,15 @@ int SurfSimpli::ContractEdge() {
         for (const std::int32_t s : tris_[static_cast<std::size_t>(*t)].edges) touchEdgeEnds(s);
     }
     for (const std::size_t p : {k, g}) {
-        for (const std::int32_t* t = pTris_.begin(p); t != pTris_.end(p); ++t) touchTriCorners(*t);
+        for (const std::int32_t* t = pTris_.begin(p); t != pTris_.end(p); ++t) {
+            // the texture coordinates are read by the interpolation below: on their way in now
+            if (!geomOnly_) {
+                const double* uv = tUV_[static_cast<std::size_t>(*t)].data();
+                __builtin_prefetch(uv);
+                __builtin_prefetch(uv + 5);
+            }
+            touchTriCorners(*t);
+        }
         for (const std::int32_t* e = pEdges_.begin(p); e != pEdges_.end(p); ++e) touchEdgeEnds(*e);
     }
     if (!geomOnly_) {
@@ -334,10 +342,16 @@ void SurfSimpli::collectAffected(int kept) {
         const std::size_t p = static_cast<std::size_t>(affectedPts_[i]);
         // dead edges leave the list as it is read
         pEdges_.filter(p, [&](std::int32_t e) {
-            if (!edges_[static_cast<std::size_t>(e)].valid) return false;
+            const EdgeHot& X = edges_[static_cast<std::size_t>(e)];
+            if (!X.valid) return false;
             if (edgeStamp_[static_cast<std::size_t>(e)] != stamp_) {
                 edgeStamp_[static_cast<std::size_t>(e)] = stamp_;
                 affectedEdges_.push_back(e);
+                // the far end's quadric is summed when the edge is costed, after the planes and
+                // the neighbourhood's quadrics: time enough for it to come in
+                const double* far = pts_[static_cast<std::size_t>(X.a == static_cast<std::int32_t>(p) ? X.b : X.a)].s;
+                __builtin_prefetch(far);
+                __builtin_prefetch(far + 8);
             }
             return true;
         });

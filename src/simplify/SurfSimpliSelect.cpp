@@ -41,30 +41,61 @@ int SurfSimpli::NextCheapestEdge(int after, const std::vector<int>& excluded) {
 }
 
 void SurfSimpli::rebuildHeap() {
-    std::vector<EdgeHeap::Entry> entries;
-    entries.reserve(edges_.size());
-    for (int e = 1; e <= EdgeCount(); ++e) {
-        const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
-        if (eligible(E)) entries.push_back({E.cost, e});
-    }
-    heap_.setOrder(&extOfEdge_); // ties go to the lower design index
-    heap_.build(std::move(entries), EdgeCount());
-    heapDirty_ = false;
     clearRefusals();
     parked_.assign(edges_.size(), 0);
+    refusedNow_.clear();
+    fillHeap(0);
+    heapDirty_ = false;
+}
+
+// Fills the heap afresh with the cheapest chosen-able edges that are not parked and not refused
+// by the running selection (refusedNow_ from excludedFrom on; those before were marked already),
+// and sets heapLimit_ so that the heap holds exactly the ones that cost less. Every edge below
+// the old limit was visited then (refused or parked), so those taken in cost at least as much.
+void SurfSimpli::fillHeap(std::size_t excludedFrom) {
+    ++HeapFills;
+    if (selStamp_.size() < edges_.size()) selStamp_.resize(edges_.size(), 0);
+    for (std::size_t i = excludedFrom; i < refusedNow_.size(); ++i) selStamp_[static_cast<std::size_t>(refusedNow_[i])] = selId_;
+    auto waiting = [&](std::size_t e) {
+        const EdgeHot& E = edges_[e];
+        return eligible(E) && !(e < parked_.size() && parked_[e]) && !(selId_ != 0 && selStamp_[e] == selId_);
+    };
+    costScratch_.clear();
+    for (std::size_t e = 1; e < edges_.size(); ++e)
+        if (waiting(e)) costScratch_.push_back(edges_[e].cost);
+    // A few thousand or an eighth of the waiting edges: the heap stays small enough for the
+    // caches, and is filled again rarely (each time costs one pass over the edges).
+    const std::size_t keep = std::max<std::size_t>(4096, costScratch_.size() / 8);
+    heapLimit_ = EdgeHeap::kNoLimit;
+    if (costScratch_.size() > keep) {
+        std::nth_element(costScratch_.begin(), costScratch_.begin() + static_cast<std::ptrdiff_t>(keep), costScratch_.end(),
+                         [](double a, double b) { return a < b; });
+        // everything that costs no more than the keep-th cheapest (ties included)
+        heapLimit_ = std::nextafter(costScratch_[keep], EdgeHeap::kNoLimit);
+    }
+    std::vector<EdgeHeap::Entry> entries;
+    entries.reserve(std::min(costScratch_.size(), keep * 2));
+    for (std::size_t e = 1; e < edges_.size(); ++e)
+        if (waiting(e) && edges_[e].cost < heapLimit_) entries.push_back({edges_[e].cost, static_cast<int>(e)});
+    heap_.setOrder(&extOfEdge_); // ties go to the lower design index
+    heap_.build(std::move(entries), EdgeCount());
 }
 
 // A cost that rose leaves the edge's key where it was (a lower bound, put right when the edge
-// comes up in a selection); a cost that fell moves the edge up at once.
+// comes up in a selection); a cost that fell moves the edge up at once. An edge outside the
+// heap comes in only when it costs less than the heap's limit.
 void SurfSimpli::heapUpdate(int edge, double oldCost) {
     if (heapDirty_) return;
     const std::size_t x = static_cast<std::size_t>(edge);
-    const bool wasParked = parked_[x] != 0;
-    clearPark(x);
+    clearPark(x); // parked edges are never in the heap
     const EdgeHot& E = edges_[x];
     if (!eligible(E)) heap_.remove(edge);
     // held keys are at most the cost they were set from, and oldCost was at least that
-    else if (wasParked || !heap_.contains(edge) || !(E.cost >= oldCost)) heap_.set(edge, E.cost);
+    else if (heap_.contains(edge)) {
+        if (!(E.cost >= oldCost)) heap_.set(edge, E.cost);
+    } else if (E.cost < heapLimit_) {
+        heap_.set(edge, E.cost);
+    }
 }
 
 // The scans of NextCheapestEdge, with the floor raised to each refused candidate's cost and the
@@ -76,34 +107,63 @@ void SurfSimpli::heapUpdate(int edge, double oldCost) {
 int SurfSimpli::SelectContractibleEdge() { return exEdge(selectEdge()); }
 
 int SurfSimpli::selectEdge() {
+    toPark_.clear();
+    refusedNow_.clear();
+    if (++selId_ == 0) { // wrapped: the marks start afresh
+        std::fill(selStamp_.begin(), selStamp_.end(), 0u);
+        selId_ = 1;
+    }
     if (heapDirty_) rebuildHeap();
     ++SelectionCount;
-    toPark_.clear();
     int result = -1;
+    bool refilled = false;
     try {
         stale_.clear();
-        result = heap_.visitInOrder([&](int e) { return edges_[static_cast<std::size_t>(e)].cost; }, [&](const EdgeHeap::Entry& top) {
-            ++CandidateCount;
-            minCost_ = top.cost;
-            if (CacheRefusals && knownRefused(top.edge)) {
-                ++CachedRefusals;
-                toPark_.push_back(top.edge);
-                return false;
-            }
-            const bool ok = !wouldDegenerate(top.edge) && !wouldFlipNormal(top.edge) && keepsManifold(top.edge);
-            if (!ok && CacheRefusals) {
-                const EdgeHot& E = edges_[static_cast<std::size_t>(top.edge)];
-                refusals_[top.edge] = Refusal{contractions_, E.a, E.b};
-                toPark_.push_back(top.edge);
-            }
-            return ok;
-        }, stale_);
+        std::size_t marked = 0;
+        for (;;) {
+            result = heap_.visitInOrder([&](int e) { return edges_[static_cast<std::size_t>(e)].cost; }, [&](const EdgeHeap::Entry& top) {
+                ++CandidateCount;
+                minCost_ = top.cost;
+                if (CacheRefusals && knownRefused(top.edge)) {
+                    ++CachedRefusals;
+                    toPark_.push_back(top.edge);
+                    refusedNow_.push_back(top.edge);
+                    return false;
+                }
+                const bool ok = !wouldDegenerate(top.edge) && !wouldFlipNormal(top.edge) && keepsManifold(top.edge);
+                if (!ok) {
+                    refusedNow_.push_back(top.edge);
+                    if (CacheRefusals) {
+                        const EdgeHot& E = edges_[static_cast<std::size_t>(top.edge)];
+                        refusals_[top.edge] = Refusal{contractions_, E.a, E.b};
+                        toPark_.push_back(top.edge);
+                    }
+                }
+                return ok;
+            }, stale_, heapLimit_);
+            // an empty heap or a visit to its end means the limit is reached as well
+            if (result >= 0 || heapLimit_ == EdgeHeap::kNoLimit) break;
+            // every edge below the limit was refused: the next cheapest come in, and the visit
+            // goes on in order from them
+            fillHeap(marked);
+            marked = refusedNow_.size();
+            refilled = true;
+            stale_.clear(); // the heap was made afresh from the true costs
+        }
     } catch (...) {
         heapDirty_ = true; // a test raised: the heap is rebuilt from the costs when next used
         throw;
     }
-    for (const int e : stale_) // risen costs met on the way: their keys become their costs
-        if (e != result && heap_.contains(e)) heap_.set(e, edges_[static_cast<std::size_t>(e)].cost);
+    for (const int e : stale_) { // risen costs met on the way: their keys become their costs
+        if (e == result || !heap_.contains(e)) continue;
+        const double cost = edges_[static_cast<std::size_t>(e)].cost;
+        if (cost < heapLimit_) heap_.set(e, cost);
+        else heap_.remove(e);
+    }
+    // a refill left out this selection's refused edges; without the refusal cache they stay
+    // candidates (they all cost less than the limit)
+    if (refilled && !CacheRefusals)
+        for (const int e : refusedNow_) heap_.set(e, edges_[static_cast<std::size_t>(e)].cost);
     for (const int e : toPark_) {
         heap_.remove(e);
         const std::size_t x = static_cast<std::size_t>(e);
@@ -140,7 +200,7 @@ void SurfSimpli::unpark(int edge) {
     if (static_cast<std::size_t>(edge) >= parked_.size() || !parked_[static_cast<std::size_t>(edge)]) return;
     clearPark(static_cast<std::size_t>(edge));
     const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
-    if (eligible(E)) heap_.set(edge, E.cost);
+    if (eligible(E) && E.cost < heapLimit_) heap_.set(edge, E.cost);
 }
 
 // Refusal cache. The three tests of an edge (A, B) read: the edge's ends, NewCoords and
@@ -252,6 +312,16 @@ bool SurfSimpli::keepsManifold(int edge) {
         return n;
     };
     const std::size_t pa = static_cast<std::size_t>(E.a), pb = static_cast<std::size_t>(E.b);
+    // B's valid edges (other than this one) with their ends, read once: the pairs are then
+    // matched without going back to the records (the answer does not depend on the order in
+    // which the pairs are tried)
+    std::vector<EdgeEnds>& bs = edgeEnds_;
+    bs.clear();
+    for (const std::int32_t* bp = pEdges_.begin(pb); bp != pEdges_.end(pb); ++bp) {
+        if (*bp == edge) continue;
+        const EdgeHot& B = edges_[static_cast<std::size_t>(*bp)];
+        if (B.valid) bs.push_back(EdgeEnds{*bp, B.a, B.b});
+    }
     for (const std::int32_t* ap = pEdges_.begin(pa); ap != pEdges_.end(pa); ++ap) {
         const int a = *ap;
         if (a == edge) continue;
@@ -262,14 +332,10 @@ bool SurfSimpli::keepsManifold(int edge) {
         else if (A.b != E.a && A.b != E.b) far = A.b;
         else continue; // both ends on this edge: they do not meet
         int ca = -1;
-        for (const std::int32_t* bp = pEdges_.begin(pb); bp != pEdges_.end(pb); ++bp) {
-            const int b = *bp;
-            if (b == edge) continue;
-            const EdgeHot& B = edges_[static_cast<std::size_t>(b)];
-            if (!B.valid) continue;
-            if (B.a != far && B.b != far) continue;
+        for (const EdgeEnds& b : bs) {
+            if (b.a != far && b.b != far) continue;
             if (ca < 0) ca = count(a);
-            if (ca + count(b) > 2) return false;
+            if (ca + count(b.edge) > 2) return false;
         }
     }
     return true;
