@@ -267,7 +267,8 @@ void Form1::MDIForm_Resize() {
         if (!Picture1 || !Picture2) return;
         // The width of tabWorkspace is ours to choose: wide enough for all its tab titles (long titles go on
         // two or three lines first), at most half the window, at least 260 pixels (docs/ui.md).
-        const int tabWidth = std::clamp(FitWorkspaceTabs(std::max(260, width() / 2)), 260, std::max(260, width() / 2));
+        const int cap = std::max(260, width() / 2 - TwipsToPixelsX(100)); // the panel's margin included
+        const int tabWidth = std::clamp(FitWorkspaceTabs(cap), 260, cap);
         tabWorkspace->setFixedWidth(tabWidth);
         Picture1->setFixedWidth(tabWidth + TwipsToPixelsX(100));
         const int w = Picture1->isVisible() ? width() - Picture1->width() - TwipsToPixelsX(20)
@@ -434,7 +435,8 @@ QString Form1::PrintAllControlNames() {
         if (auto* b = qobject_cast<QAbstractButton*>(w); b && !b->text().isEmpty()) lines << b->text();
         else if (auto* l = qobject_cast<QLabel*>(w); l && !l->text().isEmpty() && l->pixmap().isNull()) lines << l->text();
         else if (auto* t = qobject_cast<QTabWidget*>(w))
-            for (int i = 0; i < t->count(); ++i) lines << t->tabText(i);
+            for (int i = 0; i < t->count(); ++i)
+                lines << (t->tabToolTip(i).isEmpty() ? t->tabText(i) : t->tabToolTip(i)); // the whole title
     }
     QFile f(path);
     if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text))

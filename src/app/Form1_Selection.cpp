@@ -5,7 +5,6 @@
 #include "selection/EntityKinds.h"
 #include "selection/SelectionModel.h"
 #include "frame/ErrLog.h"
-#include "frame/NotAvailable.h"
 #include "Form1.h"
 #include "Form1_Tracks.h"
 #include "tracks/TracksController.h"
@@ -184,21 +183,6 @@ void on(QAction* a, const char* name, void (SelectionModel::*f)()) {
     });
 }
 
-// The Delete item of a popup menu: the current entity, if it is of the menu's kinds. A kind whose
-// deletion has not landed yet says so.
-void deleteFromMenu(QAction* item, std::initializer_list<int> kinds) {
-    const int type = Sel().CurrSelEntityType;
-    if (std::find(kinds.begin(), kinds.end(), type) == kinds.end()) return;
-    if (type != 1) {
-        const EntityKindOps& ops = KindOps(type);
-        if (!ops.FakeDelete || !ops.UnDelete) {
-            NotAvailableYet(item->text());
-            return;
-        }
-    }
-    g_model->DeleteSelected();
-}
-
 void hideOne(int kind, bool hide) {
     if (Sel().CurrSelEntityType != kind) return;
     if (hide)
@@ -252,10 +236,6 @@ void InstallSelection(Form1& f) {
             });
         });
     };
-    QAction* lightDelete = f.mnuLightMenuDelete;
-    QAction* camDelete = f.mnuCamTrkBkMenuDelete;
-    act(lightDelete, "mnuLightMenuDelete_Click", [lightDelete] { deleteFromMenu(lightDelete, {4}); });
-    act(camDelete, "mnuCamTrkBkMenuDelete_Click", [camDelete] { deleteFromMenu(camDelete, {2, 3, 5}); });
     act(f.mnuLightMenuHide, "mnuLightMenuHide_Click", [] { hideOne(4, true); });
     act(f.mnuLightMenuUnhide, "mnuLightMenuUnhide_Click", [] { hideOne(4, false); });
     act(f.mnuLightMenuHideAll, "mnuLightMenuHideAll_Click", [] { g_model->mnuLightMenuHideAll_Click(true); });

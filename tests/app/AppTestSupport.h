@@ -52,8 +52,9 @@ protected:
         setErrorPresenter({});
         formSplash::MinimumTimeMs() = 20;
         formSplash::LingerMs() = 0;
-        // No test may block on a modal window: a question nobody scripted gets the default answer.
-        m_noModal = std::make_unique<ScriptedDialogs>();
+        // No test may block on a modal window: a question nobody scripted gets the default answer. A
+        // fixture that scripts its own dialogs (a member made before this) keeps them.
+        if (!dynamic_cast<ScriptedDialogs*>(&dialogs())) m_noModal = std::make_unique<ScriptedDialogs>();
     }
     void TearDown() override {
         m_noModal.reset();

@@ -220,7 +220,8 @@ TEST_F(Form1Test, EveryMenuItemExistsWithItsCaption) {
     // The tabs, in the arrangement of docs/ui.md.
     const QStringList tabs{QStringLiteral("Groups"), QStringLiteral("Edit Group"), QStringLiteral("Background/Camera/Track"),
                            QStringLiteral("Light"), QStringLiteral("Model Gallery"), QStringLiteral("Texture")};
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(form->tabWorkspace->tabText(i), tabs[i]);
+    // (Long titles are broken over lines on the tab; the tip holds the whole title.)
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(form->tabWorkspace->tabToolTip(i), tabs[i]);
 }
 
 TEST_F(Form1Test, MaxUndoRedoZeroOrTextGivesTwenty) {

@@ -208,11 +208,12 @@ TEST_F(Form1Gizmo, ARightClickOnTheMoveButtonOpensTheTypedPanel) {
     ASSERT_NE(panel, nullptr);
     EXPECT_TRUE(panel->isVisible());
     EXPECT_EQ(panel->Kind(), TransformKind::Move);
+    const double z = location(box)[2]; // a new box stands on the ground
     panel->txtValue[2]->setText(QStringLiteral("40"));
     QTest::mouseClick(panel->cmdApply, Qt::LeftButton);
-    EXPECT_NEAR(location(box)[2], 40, 1e-9);
+    EXPECT_NEAR(location(box)[2], z + 40, 1e-9);
     form->mnuUndo->trigger();
-    EXPECT_NEAR(location(box)[2], 0, 1e-9);
+    EXPECT_NEAR(location(box)[2], z, 1e-9);
 }
 
 } // namespace

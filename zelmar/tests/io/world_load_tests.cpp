@@ -55,7 +55,8 @@ TEST(WorldLoad, UnreadableBitmapsLeaveTheirPolygonsColourFilledAndAreNamed) {
     writeFile(at("empty.bmp"), {});
     writeFile(at("empty.jpg"), {});
     writeFile(at("picture.png"), {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n', 0, 0, 0, 13});
-    writeFile(at("picture.tga"), {0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 1, 0, 24, 0, 1, 2, 3});
+    // A 2 x 1 true-colour .tga whose second pixel is cut off.
+    writeFile(at("picture.tga"), {0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 1, 0, 24, 0, 1, 2, 3});
     writeFile(at("palette.bmp"), iotest::bmpIndexPastPalette());
     writeFile(at("huge.jpg"), iotest::hugeJpegHeader());
     ASSERT_EQ(::mkfifo(at("pipe.bmp").c_str(), 0644), 0);
