@@ -2,6 +2,7 @@
 
 #include "maths/Maths.h"
 
+#include <algorithm>
 #include <cmath>
 #include <zelmar/zelmar.h>
 
@@ -9,11 +10,26 @@ namespace vexil {
 
 namespace {
 
-CutPoint readPoint(int pt) {
-    CutPoint c;
-    ZELMAR_point_get_xyz(pt, c.xyz);
-    ZELMAR_point_get_bitmap_xy(pt, c.uv);
-    return c;
+// The ring of a polygon, its locations and bitmap coordinates, in two engine calls.
+void readRing(int polygon, std::vector<CutPoint>& ring) {
+    static thread_local std::vector<int> points;
+    static thread_local std::vector<double> values;
+    ring.clear();
+    if (points.size() < 8) points.resize(8);
+    int n = ZELMAR_polygons_get_points(&polygon, 1, points.data(), nullptr, nullptr, static_cast<int>(points.size()));
+    if (n > static_cast<int>(points.size())) {
+        points.resize(size_t(n));
+        n = std::min(n, ZELMAR_polygons_get_points(&polygon, 1, points.data(), nullptr, nullptr, n));
+    }
+    if (n <= 0) return;
+    values.assign(5 * size_t(n), 0.0);
+    ZELMAR_points_get_values(points.data(), n, 3, values.data()); // x y z u v
+    ring.resize(size_t(n));
+    for (size_t i = 0; i < size_t(n); ++i) {
+        const double* v = &values[5 * i];
+        ring[i].xyz[0] = v[0], ring[i].xyz[1] = v[1], ring[i].xyz[2] = v[2];
+        ring[i].uv[0] = v[3], ring[i].uv[1] = v[4];
+    }
 }
 
 int makeHalf(int polygon, int group, const std::vector<CutPoint>& pts) {
@@ -46,13 +62,12 @@ int FindCutCrossings(int polygon, const CutLine& line, const EdgeToScreen& toScr
     list.clear();
     first = second = 0;
     int result = 0;
-    const int head = ZELMAR_polygon_get_first_point(polygon);
-    for (int p = head; p != 0; p = ZELMAR_point_get_next_point(p)) {
-        const CutPoint a = readPoint(p);
+    static thread_local std::vector<CutPoint> ring;
+    readRing(polygon, ring);
+    for (size_t i = 0; i < ring.size(); ++i) {
+        const CutPoint a = ring[i];
         list.push_back(a);
-        int q = ZELMAR_point_get_next_point(p);
-        if (q == 0) q = head;
-        const CutPoint b = readPoint(q);
+        const CutPoint b = ring[i + 1 < ring.size() ? i + 1 : 0];
         double s[2], e[2];
         if (!toScreen || !toScreen(a.xyz, b.xyz, s, e)) continue;
         // Parallel lines leave the crossing unset: they do not meet.

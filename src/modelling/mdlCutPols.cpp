@@ -78,8 +78,6 @@ void mdlCutPols::CutSelectedPols() {
         CutAddedPols.push_back(h.second);
         CutDeletedPols.push_back(pol);
     }
-    for (int p = ZELMAR_group_get_first_polygon(group); p != 0; p = ZELMAR_group_get_next_polygon(p))
-        ZELMAR_polygon_is_valid(p);
 }
 
 void mdlCutPols::CutMouseUp(int x, int y) {
@@ -104,10 +102,7 @@ void mdlCutPols::CutMouseUp(int x, int y) {
     AddPolygonNodes(group, CutAddedPols);
     WeldTableEnter(CutAddedPols);
     SelectPolygons(CutAddedPols);
-    if (v) {
-        v->UpdateCamerasSingle(v->ActiveWin);
-        v->SetMousePointer(QStringLiteral("Pointer"));
-    }
+    if (v) v->SetMousePointer(QStringLiteral("Pointer")); // UpdateCameras below repaints the active view too
     UpdateStatusBar();
     if (auto* a = env->As<ActionCutPol>()) {
         a->SetDeletedPolsArray(std::move(places));

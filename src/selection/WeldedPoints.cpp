@@ -89,9 +89,11 @@ void PointIndex::Set(int point, int value) {
 
 namespace {
 // Cells much larger than the weld tolerance: a lookup visits one cell, or two per axis near a border.
-constexpr double CellSize = 1e-4;
+// Any monotonic map of locations to cells serves (filing and finding use the same one): a product, not a
+// quotient, as it runs six times per point entered.
+constexpr double CellsPerUnit = 1e4;
 long long cellOf(double v) {
-    const double c = std::floor(v / CellSize);
+    const double c = std::floor(v * CellsPerUnit);
     if (!(c > -4e18)) return -(4LL << 60);
     if (!(c < 4e18)) return 4LL << 60;
     return static_cast<long long>(c);

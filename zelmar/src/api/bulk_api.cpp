@@ -189,6 +189,10 @@ int ZELMAR_polygons_set_plane_normals(const int* polygons, int count) {
         }
         double plane[4];
         polygonPlane(*p, plane);
+        if (!finiteValues(plane, 3)) { // as point_set_normal refuses it
+            inArray(plane, 3, "polygons_set_plane_normals");
+            continue;
+        }
         for (PointData& d : p->points)
             d.normal[0] = plane[0], d.normal[1] = plane[1], d.normal[2] = plane[2];
         w.changed(*p);
