@@ -10,26 +10,27 @@ namespace vexil {
 
 namespace {
 
-// The ring of a polygon, its locations and bitmap coordinates, in two engine calls.
-void readRing(int polygon, std::vector<CutPoint>& ring) {
+// Handles, then values x y z u v, then the points.
+void readRings(const int* polygons, int count, std::vector<CutPoint>& out, std::vector<int>* owners) {
     static thread_local std::vector<int> points;
     static thread_local std::vector<double> values;
-    ring.clear();
-    if (points.size() < 8) points.resize(8);
-    int n = ZELMAR_polygons_get_points(&polygon, 1, points.data(), nullptr, nullptr, static_cast<int>(points.size()));
-    if (n > static_cast<int>(points.size())) {
-        points.resize(size_t(n));
-        n = std::min(n, ZELMAR_polygons_get_points(&polygon, 1, points.data(), nullptr, nullptr, n));
-    }
+    out.clear();
+    if (count <= 0) return;
+    int n = ZELMAR_polygons_get_points(polygons, count, nullptr, nullptr, nullptr, 0);
     if (n <= 0) return;
+    points.resize(size_t(n));
+    if (owners) owners->resize(size_t(n));
+    n = std::min(n, ZELMAR_polygons_get_points(polygons, count, points.data(), owners ? owners->data() : nullptr,
+                                               nullptr, n));
     values.assign(5 * size_t(n), 0.0);
-    ZELMAR_points_get_values(points.data(), n, 3, values.data()); // x y z u v
-    ring.resize(size_t(n));
+    ZELMAR_points_get_values(points.data(), n, 3, values.data());
+    out.resize(size_t(n));
     for (size_t i = 0; i < size_t(n); ++i) {
         const double* v = &values[5 * i];
-        ring[i].xyz[0] = v[0], ring[i].xyz[1] = v[1], ring[i].xyz[2] = v[2];
-        ring[i].uv[0] = v[3], ring[i].uv[1] = v[4];
+        out[i].xyz[0] = v[0], out[i].xyz[1] = v[1], out[i].xyz[2] = v[2];
+        out[i].uv[0] = v[3], out[i].uv[1] = v[4];
     }
+    if (owners) owners->resize(size_t(n));
 }
 
 int makeHalf(int polygon, int group, const std::vector<CutPoint>& pts) {
@@ -57,13 +58,40 @@ int makeHalf(int polygon, int group, const std::vector<CutPoint>& pts) {
 
 } // namespace
 
+void ReadCutRings(const std::vector<int>& polygons, std::vector<CutPoint>& points, std::vector<size_t>& starts) {
+    std::vector<int> owners;
+    readRings(polygons.data(), static_cast<int>(polygons.size()), points, &owners);
+    // Dead polygons give no points: each ring is the run of its owner (a polygon listed m times in a row
+    // gives one run of m rings).
+    starts.assign(polygons.size() + 1, 0);
+    size_t k = 0;
+    for (size_t i = 0; i < polygons.size();) {
+        size_t m = 1;
+        while (i + m < polygons.size() && polygons[i + m] == polygons[i])
+            ++m;
+        size_t end = k;
+        while (end < owners.size() && owners[end] == polygons[i])
+            ++end;
+        const size_t ring = (end - k) / m;
+        for (size_t j = 0; j < m; ++j, ++i, k += ring)
+            starts[i] = k;
+        k = end;
+    }
+    starts[polygons.size()] = k;
+}
+
 int FindCutCrossings(int polygon, const CutLine& line, const EdgeToScreen& toScreen, std::vector<CutPoint>& list,
                      int& first, int& second) {
+    static thread_local std::vector<CutPoint> ring;
+    readRings(&polygon, 1, ring, nullptr);
+    return FindCutCrossingsOnRing(ring, line, toScreen, list, first, second);
+}
+
+int FindCutCrossingsOnRing(const std::vector<CutPoint>& ring, const CutLine& line, const EdgeToScreen& toScreen,
+                           std::vector<CutPoint>& list, int& first, int& second) {
     list.clear();
     first = second = 0;
     int result = 0;
-    static thread_local std::vector<CutPoint> ring;
-    readRing(polygon, ring);
     for (size_t i = 0; i < ring.size(); ++i) {
         const CutPoint a = ring[i];
         list.push_back(a);

@@ -89,11 +89,14 @@ void PointIndex::Set(int point, int value) {
 
 namespace {
 // Cells much larger than the weld tolerance: a lookup visits one cell, or two per axis near a border.
-// Any monotonic map of locations to cells serves (filing and finding use the same one): a product, not a
-// quotient, as it runs six times per point entered.
+// Any monotonic map of locations to cells serves (filing and finding use the same one). A product, not a
+// quotient, as it runs six times per point entered; and the borders sit off round numbers (a golden
+// fraction of a cell away), so that points on a grid (0, 0.5, 10) lie inside one cell and their lookup
+// visits one cell, not two per axis.
 constexpr double CellsPerUnit = 1e4;
+constexpr double BorderShift = 0.3819660112501051;
 long long cellOf(double v) {
-    const double c = std::floor(v * CellsPerUnit);
+    const double c = std::floor(v * CellsPerUnit + BorderShift);
     if (!(c > -4e18)) return -(4LL << 60);
     if (!(c < 4e18)) return 4LL << 60;
     return static_cast<long long>(c);
