@@ -292,21 +292,40 @@ void WeldTableT::LeavePolygons(const std::vector<int>& polygons) {
 }
 
 void WeldTableT::Rekey() {
-    m_cells.clear();
-    if (m_order.empty()) return;
+    if (m_order.empty()) {
+        m_cells.clear();
+        return;
+    }
     m_points.resize(m_order.size());
     for (size_t s = 0; s < m_order.size(); ++s)
         m_points[s] = m_recs[static_cast<size_t>(m_order[s])].set.Point(1);
     m_xyz.assign(3 * m_order.size(), 0.0);
     ZELMAR_points_get_values(m_points.data(), static_cast<int>(m_points.size()), 1, m_xyz.data());
+    // Every live set is filed under its key. When few sets changed cell only those move (a lookup compares
+    // the sets of a cell by slot, so their order within the cell does not matter); else all are filed anew.
+    m_moved.clear();
+    for (size_t s = 0; s < m_order.size(); ++s) {
+        Rec& r = m_recs[static_cast<size_t>(m_order[s])];
+        const double* p = &m_xyz[3 * s];
+        r.first = {p[0], p[1], p[2]};
+        r.stale = false;
+        if (!(keyOf(p) == r.key)) m_moved.push_back(static_cast<int>(s));
+    }
+    if (m_moved.size() * 4 <= m_order.size()) {
+        for (int s : m_moved) {
+            const int id = m_order[static_cast<size_t>(s)];
+            unfile(id);
+            m_recs[static_cast<size_t>(id)].key = keyOf(m_recs[static_cast<size_t>(id)].first.data());
+            file(id);
+        }
+        return;
+    }
+    m_cells.clear();
     m_cells.reserve(m_order.size());
     for (size_t s = 0; s < m_order.size(); ++s) {
         const int id = m_order[s];
         Rec& r = m_recs[static_cast<size_t>(id)];
-        const double* p = &m_xyz[3 * s];
-        r.first = {p[0], p[1], p[2]};
-        r.stale = false;
-        r.key = keyOf(p);
+        r.key = keyOf(r.first.data());
         file(id);
     }
 }

@@ -146,7 +146,7 @@ class WeldTableT {
     PointIndex m_idOfPoint;   // point -> id + 1
     FlatHashMap<Key, int, KeyHash> m_cells; // cell -> the first record filed there
     // Scratch of the bulk reads.
-    std::vector<int> m_points, m_owners;
+    std::vector<int> m_points, m_owners, m_moved;
     std::vector<double> m_xyz;
 };
 
