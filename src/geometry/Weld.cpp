@@ -10,8 +10,9 @@ namespace vexil {
 
 namespace {
 
+// WeldCell keeps every cell number within 32 bits: small keys, twice as many to a cache line.
 struct CellKey {
-    long long x, y, z;
+    int32_t x, y, z;
     bool operator==(const CellKey&) const = default;
 };
 struct CellHash {
@@ -65,9 +66,10 @@ WeldResult WeldPoints(const std::vector<int>& points, double threshold, int* wel
     FlatHashMap<CellKey, int, CellHash> index(live.size());
     for (int i = 0; i < n; ++i) {
         const double* p = &xyz[3 * size_t(i)];
-        CellKey k{};
-        if (!WeldCell(p[0], th, k.x) || !WeldCell(p[1], th, k.y) || !WeldCell(p[2], th, k.z))
+        long long cx = 0, cy = 0, cz = 0;
+        if (!WeldCell(p[0], th, cx) || !WeldCell(p[1], th, cy) || !WeldCell(p[2], th, cz))
             return WeldResult::ThresholdTooSmall;
+        const CellKey k{static_cast<int32_t>(cx), static_cast<int32_t>(cy), static_cast<int32_t>(cz)};
         auto [c, fresh] = index.insert(k, static_cast<int>(cells.size()));
         if (fresh) cells.emplace_back();
         Cell& cell = cells[size_t(*c)];

@@ -253,8 +253,7 @@ void WeldTableT::leavePoints(const std::vector<int>& polygons, std::vector<int>&
         const bool wasFirst = r.set.Point(1) == pt;
         r.set.RemovePt(pt);
         if (r.set.Count() == 0) {
-            unfile(id);
-            emptied.push_back(id);
+            emptied.push_back(id); // unfiled by the caller, all together
         } else if (wasFirst) {
             r.stale = true; // compared by where its new first point is
         }
@@ -288,6 +287,16 @@ void WeldTableT::LeavePolygons(const std::vector<int>& polygons) {
     if (polygons.empty() || m_order.empty()) return;
     std::vector<int> emptied;
     leavePoints(polygons, emptied);
+    // Many sets emptied (a whole group leaving): the survivors are filed anew, which is cheaper than taking
+    // each emptied set out of its cell.
+    if (emptied.size() * 4 >= m_order.size()) {
+        m_cells.clear();
+        for (int id : m_order)
+            if (m_recs[static_cast<size_t>(id)].set.Count() > 0) file(id);
+    } else {
+        for (int id : emptied)
+            unfile(id);
+    }
     dropAll(emptied);
 }
 

@@ -122,12 +122,13 @@ class WeldTableT {
     // One set and what finding it needs. Records are kept by a stable id; the slot (the set's number - 1)
     // changes when an earlier set is dropped.
     struct Rec {
-        WeldedPoints set;
+        // What a lookup reads first, side by side.
         std::array<double, 3> first{}; // where the first point is, as last read
-        Key key{};                     // cell of the location the set began at (or had at the last Rekey)
         int slot = -1;                 // -1: the record is free
         int nextInCell = -1;           // the next record filed under the same cell
         bool stale = false;            // the first point left: `first` is read again when needed
+        Key key{};                     // cell of the location the set began at (or had at the last Rekey)
+        WeldedPoints set;
     };
     static Key keyOf(const double p[3]);
     int findSet(const double p[3]);
