@@ -2,6 +2,7 @@
 
 #include "base/FlatHashMap.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <zelmar/zelmar.h>
@@ -48,7 +49,21 @@ WeldResult WeldPoints(const std::vector<int>& points, double threshold, int* wel
     // The live points, each once, in the order given; then their locations in one read.
     std::vector<int> live;
     live.reserve(points.size());
-    {
+    int top = 0;
+    for (int p : points)
+        top = std::max(top, p);
+    if (size_t(top) <= 64 * points.size() + 65536) {
+        // Handles are dense: one bit per handle up to the largest, read in the order they come.
+        std::vector<uint64_t> seen(size_t(top) / 64 + 1, 0);
+        for (int p : points) {
+            if (p <= 0) continue; // no point has such a handle
+            uint64_t& w = seen[size_t(p) >> 6];
+            const uint64_t bit = uint64_t(1) << (p & 63);
+            if (w & bit) continue;
+            w |= bit;
+            if (ZELMAR_point_is_point(p) == 1) live.push_back(p);
+        }
+    } else {
         FlatHashSet<int> seen(points.size());
         for (int p : points)
             if (p != 0 && seen.insert(p) && ZELMAR_point_is_point(p) == 1) live.push_back(p);
