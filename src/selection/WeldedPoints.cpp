@@ -114,6 +114,83 @@ uint64_t WeldTableT::KeyHash::operator()(const Key& k) const noexcept {
     return h ^ (h >> 31);
 }
 
+// ---- the cells ----------------------------------------------------------------------------------
+
+size_t WeldTableT::Cells::home(const Key& k) const {
+    return static_cast<size_t>((KeyHash()(k) * 0x9E3779B97F4A7C15ull) >> m_shift) & m_mask;
+}
+
+void WeldTableT::Cells::Prefetch(const Key& k) const {
+    if (m_size != 0) __builtin_prefetch(&m_slots[home(k)]);
+}
+
+int* WeldTableT::Cells::find(const Key& k) {
+    if (m_size == 0) return nullptr;
+    for (size_t i = home(k);; i = (i + 1) & m_mask) {
+        Slot& s = m_slots[i];
+        if (s.head < 0) return nullptr;
+        if (s.key == k) return &s.head;
+    }
+}
+
+std::pair<int*, bool> WeldTableT::Cells::insert(const Key& k, int head) {
+    if ((m_size + 1) * 10 > m_slots.size() * 7) rehash(m_slots.empty() ? 16 : m_slots.size() * 2);
+    size_t i = home(k);
+    for (; m_slots[i].head >= 0; i = (i + 1) & m_mask)
+        if (m_slots[i].key == k) return {&m_slots[i].head, false};
+    m_slots[i].key = k;
+    m_slots[i].head = head;
+    ++m_size;
+    return {&m_slots[i].head, true};
+}
+
+void WeldTableT::Cells::erase(const Key& k) {
+    if (m_size == 0) return;
+    size_t i = home(k);
+    for (;; i = (i + 1) & m_mask) {
+        if (m_slots[i].head < 0) return;
+        if (m_slots[i].key == k) break;
+    }
+    // Entries after the hole that could sit in it move back, so that no probe chain is broken.
+    for (size_t j = (i + 1) & m_mask; m_slots[j].head >= 0; j = (j + 1) & m_mask) {
+        const size_t h = home(m_slots[j].key);
+        if (((j - h) & m_mask) >= ((j - i) & m_mask)) {
+            m_slots[i] = m_slots[j];
+            i = j;
+        }
+    }
+    m_slots[i].head = -1;
+    --m_size;
+}
+
+void WeldTableT::Cells::clear() {
+    if (m_size == 0) return;
+    for (Slot& s : m_slots)
+        s.head = -1;
+    m_size = 0;
+}
+
+void WeldTableT::Cells::reserve(size_t n) {
+    size_t cap = 16;
+    while (cap * 7 / 10 < n)
+        cap *= 2;
+    if (cap > m_slots.size()) rehash(cap);
+}
+
+void WeldTableT::Cells::rehash(size_t cap) {
+    std::vector<Slot> old(cap, Slot{Key{}, -1});
+    std::swap(old, m_slots);
+    m_mask = cap - 1;
+    m_shift = 64;
+    for (size_t c = cap; c > 1; c >>= 1)
+        --m_shift;
+    m_size = 0;
+    for (const Slot& s : old)
+        if (s.head >= 0) insert(s.key, s.head);
+}
+
+// ---- the table ----------------------------------------------------------------------------------
+
 WeldTableT::Key WeldTableT::keyOf(const double p[3]) {
     return {cellOf(p[0]), cellOf(p[1]), cellOf(p[2])};
 }
@@ -192,7 +269,11 @@ void WeldTableT::unfile(int id) {
 }
 
 void WeldTableT::enterPoints(const int* points, const int* owners, const double* xyz, size_t n) {
+    // The cells of the points a few ahead are asked for while this one is looked up (a hint only: each
+    // lookup still sees every set entered before it).
+    constexpr size_t Ahead = 8;
     for (size_t i = 0; i < n; ++i) {
+        if (i + Ahead < n) m_cells.Prefetch(keyOf(xyz + 3 * (i + Ahead)));
         const double* p = xyz + 3 * i;
         const int found = findSet(p);
         if (found >= 0) {
