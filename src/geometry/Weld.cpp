@@ -78,7 +78,8 @@ WeldResult WeldPoints(const std::vector<int>& points, double threshold, int* wel
     };
     std::vector<Cell> cells;
     std::vector<int> cellOf(live.size());
-    FlatHashMap<CellKey, int, CellHash> index(live.size());
+    // Room for a quarter as many cells as points (corners shared by four): it grows when fewer weld.
+    FlatHashMap<CellKey, int, CellHash> index(live.size() / 4 + 16);
     for (int i = 0; i < n; ++i) {
         const double* p = &xyz[3 * size_t(i)];
         long long cx = 0, cy = 0, cz = 0;
