@@ -2,6 +2,7 @@
 
 #include "maths/Maths.h"
 
+#include <algorithm>
 #include <cmath>
 #include <zelmar/zelmar.h>
 
@@ -9,11 +10,27 @@ namespace vexil {
 
 namespace {
 
-CutPoint readPoint(int pt) {
-    CutPoint c;
-    ZELMAR_point_get_xyz(pt, c.xyz);
-    ZELMAR_point_get_bitmap_xy(pt, c.uv);
-    return c;
+// Handles, then values x y z u v, then the points.
+void readRings(const int* polygons, int count, std::vector<CutPoint>& out, std::vector<int>* owners) {
+    static thread_local std::vector<int> points;
+    static thread_local std::vector<double> values;
+    out.clear();
+    if (count <= 0) return;
+    int n = ZELMAR_polygons_get_points(polygons, count, nullptr, nullptr, nullptr, 0);
+    if (n <= 0) return;
+    points.resize(size_t(n));
+    if (owners) owners->resize(size_t(n));
+    n = std::min(n, ZELMAR_polygons_get_points(polygons, count, points.data(), owners ? owners->data() : nullptr,
+                                               nullptr, n));
+    values.assign(5 * size_t(n), 0.0);
+    ZELMAR_points_get_values(points.data(), n, 3, values.data());
+    out.resize(size_t(n));
+    for (size_t i = 0; i < size_t(n); ++i) {
+        const double* v = &values[5 * i];
+        out[i].xyz[0] = v[0], out[i].xyz[1] = v[1], out[i].xyz[2] = v[2];
+        out[i].uv[0] = v[3], out[i].uv[1] = v[4];
+    }
+    if (owners) owners->resize(size_t(n));
 }
 
 int makeHalf(int polygon, int group, const std::vector<CutPoint>& pts) {
@@ -41,18 +58,44 @@ int makeHalf(int polygon, int group, const std::vector<CutPoint>& pts) {
 
 } // namespace
 
+void ReadCutRings(const std::vector<int>& polygons, std::vector<CutPoint>& points, std::vector<size_t>& starts) {
+    std::vector<int> owners;
+    readRings(polygons.data(), static_cast<int>(polygons.size()), points, &owners);
+    // Dead polygons give no points: each ring is the run of its owner (a polygon listed m times in a row
+    // gives one run of m rings).
+    starts.assign(polygons.size() + 1, 0);
+    size_t k = 0;
+    for (size_t i = 0; i < polygons.size();) {
+        size_t m = 1;
+        while (i + m < polygons.size() && polygons[i + m] == polygons[i])
+            ++m;
+        size_t end = k;
+        while (end < owners.size() && owners[end] == polygons[i])
+            ++end;
+        const size_t ring = (end - k) / m;
+        for (size_t j = 0; j < m; ++j, ++i, k += ring)
+            starts[i] = k;
+        k = end;
+    }
+    starts[polygons.size()] = k;
+}
+
 int FindCutCrossings(int polygon, const CutLine& line, const EdgeToScreen& toScreen, std::vector<CutPoint>& list,
                      int& first, int& second) {
+    static thread_local std::vector<CutPoint> ring;
+    readRings(&polygon, 1, ring, nullptr);
+    return FindCutCrossingsOnRing(ring, line, toScreen, list, first, second);
+}
+
+int FindCutCrossingsOnRing(const std::vector<CutPoint>& ring, const CutLine& line, const EdgeToScreen& toScreen,
+                           std::vector<CutPoint>& list, int& first, int& second) {
     list.clear();
     first = second = 0;
     int result = 0;
-    const int head = ZELMAR_polygon_get_first_point(polygon);
-    for (int p = head; p != 0; p = ZELMAR_point_get_next_point(p)) {
-        const CutPoint a = readPoint(p);
+    for (size_t i = 0; i < ring.size(); ++i) {
+        const CutPoint a = ring[i];
         list.push_back(a);
-        int q = ZELMAR_point_get_next_point(p);
-        if (q == 0) q = head;
-        const CutPoint b = readPoint(q);
+        const CutPoint b = ring[i + 1 < ring.size() ? i + 1 : 0];
         double s[2], e[2];
         if (!toScreen || !toScreen(a.xyz, b.xyz, s, e)) continue;
         // Parallel lines leave the crossing unset: they do not meet.

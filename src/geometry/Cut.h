@@ -27,6 +27,12 @@ struct CutLine {
 // last crossing.
 int FindCutCrossings(int polygon, const CutLine& line, const EdgeToScreen& toScreen, std::vector<CutPoint>& list,
                      int& first, int& second);
+// The same on a ring already read (its points in order, each with its location and bitmap coordinates);
+// toScreen is asked about each edge in ring order, the closing edge last.
+int FindCutCrossingsOnRing(const std::vector<CutPoint>& ring, const CutLine& line, const EdgeToScreen& toScreen,
+                           std::vector<CutPoint>& list, int& first, int& second);
+// The rings of many polygons in a few engine calls: ring i is points[starts[i]] to points[starts[i + 1] - 1].
+void ReadCutRings(const std::vector<int>& polygons, std::vector<CutPoint>& points, std::vector<size_t>& starts);
 
 // The two halves of a polygon with two crossings: points 1..first then second..end, and first..second,
 // each a vertex with brightness 100, with the polygon's animation, else bitmap, else colour, named

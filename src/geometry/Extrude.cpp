@@ -212,12 +212,7 @@ void ScaleWeldSetsAbout(const std::vector<WeldSet>& sets, const Vec3d& centre, d
 }
 
 void SetPlaneNormals(const std::vector<int>& polygons) {
-    for (int pol : polygons) {
-        double plane[4] = {0, 0, 0, 0};
-        ZELMAR_polygon_get_plane(pol, plane);
-        for (int pt = ZELMAR_polygon_get_first_point(pol); pt != 0; pt = ZELMAR_point_get_next_point(pt))
-            ZELMAR_point_set_normal(pt, plane);
-    }
+    if (!polygons.empty()) ZELMAR_polygons_set_plane_normals(polygons.data(), static_cast<int>(polygons.size()));
 }
 
 } // namespace vexil

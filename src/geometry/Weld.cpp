@@ -2,6 +2,7 @@
 
 #include "base/FlatHashMap.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <zelmar/zelmar.h>
@@ -10,8 +11,9 @@ namespace vexil {
 
 namespace {
 
+// WeldCell keeps every cell number within 32 bits: small keys, twice as many to a cache line.
 struct CellKey {
-    long long x, y, z;
+    int32_t x, y, z;
     bool operator==(const CellKey&) const = default;
 };
 struct CellHash {
@@ -47,7 +49,21 @@ WeldResult WeldPoints(const std::vector<int>& points, double threshold, int* wel
     // The live points, each once, in the order given; then their locations in one read.
     std::vector<int> live;
     live.reserve(points.size());
-    {
+    int top = 0;
+    for (int p : points)
+        top = std::max(top, p);
+    if (size_t(top) <= 64 * points.size() + 65536) {
+        // Handles are dense: one bit per handle up to the largest, read in the order they come.
+        std::vector<uint64_t> seen(size_t(top) / 64 + 1, 0);
+        for (int p : points) {
+            if (p <= 0) continue; // no point has such a handle
+            uint64_t& w = seen[size_t(p) >> 6];
+            const uint64_t bit = uint64_t(1) << (p & 63);
+            if (w & bit) continue;
+            w |= bit;
+            if (ZELMAR_point_is_point(p) == 1) live.push_back(p);
+        }
+    } else {
         FlatHashSet<int> seen(points.size());
         for (int p : points)
             if (p != 0 && seen.insert(p) && ZELMAR_point_is_point(p) == 1) live.push_back(p);
@@ -62,12 +78,14 @@ WeldResult WeldPoints(const std::vector<int>& points, double threshold, int* wel
     };
     std::vector<Cell> cells;
     std::vector<int> cellOf(live.size());
-    FlatHashMap<CellKey, int, CellHash> index(live.size());
+    // Room for a quarter as many cells as points (corners shared by four): it grows when fewer weld.
+    FlatHashMap<CellKey, int, CellHash> index(live.size() / 4 + 16);
     for (int i = 0; i < n; ++i) {
         const double* p = &xyz[3 * size_t(i)];
-        CellKey k{};
-        if (!WeldCell(p[0], th, k.x) || !WeldCell(p[1], th, k.y) || !WeldCell(p[2], th, k.z))
+        long long cx = 0, cy = 0, cz = 0;
+        if (!WeldCell(p[0], th, cx) || !WeldCell(p[1], th, cy) || !WeldCell(p[2], th, cz))
             return WeldResult::ThresholdTooSmall;
+        const CellKey k{static_cast<int32_t>(cx), static_cast<int32_t>(cy), static_cast<int32_t>(cz)};
         auto [c, fresh] = index.insert(k, static_cast<int>(cells.size()));
         if (fresh) cells.emplace_back();
         Cell& cell = cells[size_t(*c)];

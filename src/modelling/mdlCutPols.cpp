@@ -57,29 +57,48 @@ void mdlCutPols::CutSelectedPols() {
     const int i = v->ActiveWin;
     // The active view's camera and size answer the projections.
     ZELMAR_camera_set_current(v->ViewCams(i).CamHandle, v->PicWindow(i)->Target());
-    const EdgeToScreen toScreen = [](const double a[3], const double b[3], double s[2], double e[2]) {
-        int r1[2] = {0, 0}, r2[2] = {0, 0};
-        if (ZELMAR_engine_3D_edge_to_2D(a, b, r1, r2) != 1) return false;
-        s[0] = r1[0];
-        s[1] = r1[1];
-        e[0] = r2[0];
-        e[1] = r2[1];
-        return true;
-    };
     const CutLine line{double(CutStartX), double(CutStartY), double(CutEndX), double(CutEndY)};
     const int group = Sel().CurrSelEntity;
-    std::vector<CutPoint> list;
-    for (int pol : Sel().SelPols.ToVector()) {
+    // Every ring in a few reads and every edge projected in one call; the crossings then ask the answers
+    // in ring order.
+    const std::vector<int> pols = Sel().SelPols.ToVector();
+    std::vector<CutPoint> rings;
+    std::vector<size_t> starts;
+    ReadCutRings(pols, rings, starts);
+    std::vector<double> ends(6 * rings.size());
+    for (size_t i = 0; i + 1 < starts.size(); ++i)
+        for (size_t j = starts[i]; j < starts[i + 1]; ++j) {
+            const CutPoint& a = rings[j];
+            const CutPoint& b = rings[j + 1 < starts[i + 1] ? j + 1 : starts[i]];
+            std::copy(a.xyz, a.xyz + 3, &ends[6 * j]);
+            std::copy(b.xyz, b.xyz + 3, &ends[6 * j + 3]);
+        }
+    std::vector<int> screen(4 * rings.size(), 0), shown(rings.size(), 0);
+    if (!rings.empty())
+        ZELMAR_engine_3D_edges_to_2D(ends.data(), static_cast<int>(rings.size()), screen.data(), shown.data());
+    size_t edge = 0;
+    const EdgeToScreen toScreen = [&](const double*, const double*, double s[2], double e[2]) {
+        const size_t j = edge++;
+        if (j >= shown.size() || shown[j] != 1) return false;
+        s[0] = screen[4 * j];
+        s[1] = screen[4 * j + 1];
+        e[0] = screen[4 * j + 2];
+        e[1] = screen[4 * j + 3];
+        return true;
+    };
+    std::vector<CutPoint> list, ring;
+    for (size_t i = 0; i < pols.size(); ++i) {
+        const int pol = pols[i];
+        edge = starts[i];
+        ring.assign(rings.begin() + std::ptrdiff_t(starts[i]), rings.begin() + std::ptrdiff_t(starts[i + 1]));
         int first = 0, second = 0;
-        if (FindCutCrossings(pol, line, toScreen, list, first, second) != 2) continue;
+        if (FindCutCrossingsOnRing(ring, line, toScreen, list, first, second) != 2) continue;
         const CutHalves h = BuildCutPols(pol, group, list, first, second);
         if (h.first == 0) continue;
         CutAddedPols.push_back(h.first);
         CutAddedPols.push_back(h.second);
         CutDeletedPols.push_back(pol);
     }
-    for (int p = ZELMAR_group_get_first_polygon(group); p != 0; p = ZELMAR_group_get_next_polygon(p))
-        ZELMAR_polygon_is_valid(p);
 }
 
 void mdlCutPols::CutMouseUp(int x, int y) {
@@ -104,10 +123,7 @@ void mdlCutPols::CutMouseUp(int x, int y) {
     AddPolygonNodes(group, CutAddedPols);
     WeldTableEnter(CutAddedPols);
     SelectPolygons(CutAddedPols);
-    if (v) {
-        v->UpdateCamerasSingle(v->ActiveWin);
-        v->SetMousePointer(QStringLiteral("Pointer"));
-    }
+    if (v) v->SetMousePointer(QStringLiteral("Pointer")); // UpdateCameras below repaints the active view too
     UpdateStatusBar();
     if (auto* a = env->As<ActionCutPol>()) {
         a->SetDeletedPolsArray(std::move(places));

@@ -105,6 +105,7 @@ void mdlExtrude::moveSets(const std::function<Vec3d(const Vec3d&)>& to) {
     if (!l.points.empty())
         ZELMAR_points_set_values(l.points.data(), static_cast<int>(l.points.size()), 1, l.xyz.data());
     l.uniform = true;
+    l.centred = false;
     if (!m_pressed) m_live.valid = false;
 }
 
@@ -118,6 +119,8 @@ void mdlExtrude::computeCentre() {
         m->ComputeSelPolsAvgCenter();
         return;
     }
+    SelectionState& s = Sel();
+    if (m_pressed && l.centred && s.SelPolsAvgCenter == l.centre && s.PtNearestToAvgCenter == l.nearest) return;
     const int n = static_cast<int>(l.polygons.size());
     l.centres.assign(3 * l.polygons.size(), 0.0);
     ZELMAR_polygons_get_centers(l.polygons.data(), n, l.centres.data());
@@ -125,7 +128,6 @@ void mdlExtrude::computeCentre() {
     for (size_t i = 0; i < l.polygons.size(); ++i)
         for (size_t k = 0; k < 3; ++k)
             sum[k] += l.centres[3 * i + k];
-    SelectionState& s = Sel();
     for (size_t k = 0; k < 3; ++k)
         s.SelPolsAvgCenter[k] = sum[k] / n;
     double best = SelectionState::FarAway;
@@ -136,6 +138,9 @@ void mdlExtrude::computeCentre() {
             s.PtNearestToAvgCenter = l.firstPoint[i];
         }
     }
+    l.centred = true;
+    l.centre = s.SelPolsAvgCenter;
+    l.nearest = s.PtNearestToAvgCenter;
 }
 
 // SelectionModel::ValidateChangedPolygons on the kept list of touched polygons.

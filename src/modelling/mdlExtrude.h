@@ -51,6 +51,10 @@ class mdlExtrude {
         std::vector<int> touched;       // the polygons of the sets' points, each once, in handle order
         std::vector<int> polygons;      // the selected polygons
         std::vector<double> centres;    // scratch, three per selected polygon
+        // What computeCentre last answered, while no set moved since (a bevel step asks before it moves).
+        bool centred = false;
+        Vec3d centre{0, 0, 0};
+        int nearest = 0;
     };
     LiveSets& live();
     void buildLive();

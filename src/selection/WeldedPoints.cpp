@@ -89,9 +89,14 @@ void PointIndex::Set(int point, int value) {
 
 namespace {
 // Cells much larger than the weld tolerance: a lookup visits one cell, or two per axis near a border.
-constexpr double CellSize = 1e-4;
+// Any monotonic map of locations to cells serves (filing and finding use the same one). A product, not a
+// quotient, as it runs six times per point entered; and the borders sit off round numbers (a golden
+// fraction of a cell away), so that points on a grid (0, 0.5, 10) lie inside one cell and their lookup
+// visits one cell, not two per axis.
+constexpr double CellsPerUnit = 1e4;
+constexpr double BorderShift = 0.3819660112501051;
 long long cellOf(double v) {
-    const double c = std::floor(v / CellSize);
+    const double c = std::floor(v * CellsPerUnit + BorderShift);
     if (!(c > -4e18)) return -(4LL << 60);
     if (!(c < 4e18)) return 4LL << 60;
     return static_cast<long long>(c);
@@ -108,6 +113,83 @@ uint64_t WeldTableT::KeyHash::operator()(const Key& k) const noexcept {
     h ^= (h >> 32) + static_cast<uint64_t>(k.z) * 0x165667B19E3779F9ull;
     return h ^ (h >> 31);
 }
+
+// ---- the cells ----------------------------------------------------------------------------------
+
+size_t WeldTableT::Cells::home(const Key& k) const {
+    return static_cast<size_t>((KeyHash()(k) * 0x9E3779B97F4A7C15ull) >> m_shift) & m_mask;
+}
+
+void WeldTableT::Cells::Prefetch(const Key& k) const {
+    if (m_size != 0) __builtin_prefetch(&m_slots[home(k)]);
+}
+
+int* WeldTableT::Cells::find(const Key& k) {
+    if (m_size == 0) return nullptr;
+    for (size_t i = home(k);; i = (i + 1) & m_mask) {
+        Slot& s = m_slots[i];
+        if (s.head < 0) return nullptr;
+        if (s.key == k) return &s.head;
+    }
+}
+
+std::pair<int*, bool> WeldTableT::Cells::insert(const Key& k, int head) {
+    if ((m_size + 1) * 10 > m_slots.size() * 7) rehash(m_slots.empty() ? 16 : m_slots.size() * 2);
+    size_t i = home(k);
+    for (; m_slots[i].head >= 0; i = (i + 1) & m_mask)
+        if (m_slots[i].key == k) return {&m_slots[i].head, false};
+    m_slots[i].key = k;
+    m_slots[i].head = head;
+    ++m_size;
+    return {&m_slots[i].head, true};
+}
+
+void WeldTableT::Cells::erase(const Key& k) {
+    if (m_size == 0) return;
+    size_t i = home(k);
+    for (;; i = (i + 1) & m_mask) {
+        if (m_slots[i].head < 0) return;
+        if (m_slots[i].key == k) break;
+    }
+    // Entries after the hole that could sit in it move back, so that no probe chain is broken.
+    for (size_t j = (i + 1) & m_mask; m_slots[j].head >= 0; j = (j + 1) & m_mask) {
+        const size_t h = home(m_slots[j].key);
+        if (((j - h) & m_mask) >= ((j - i) & m_mask)) {
+            m_slots[i] = m_slots[j];
+            i = j;
+        }
+    }
+    m_slots[i].head = -1;
+    --m_size;
+}
+
+void WeldTableT::Cells::clear() {
+    if (m_size == 0) return;
+    for (Slot& s : m_slots)
+        s.head = -1;
+    m_size = 0;
+}
+
+void WeldTableT::Cells::reserve(size_t n) {
+    size_t cap = 16;
+    while (cap * 7 / 10 < n)
+        cap *= 2;
+    if (cap > m_slots.size()) rehash(cap);
+}
+
+void WeldTableT::Cells::rehash(size_t cap) {
+    std::vector<Slot> old(cap, Slot{Key{}, -1});
+    std::swap(old, m_slots);
+    m_mask = cap - 1;
+    m_shift = 64;
+    for (size_t c = cap; c > 1; c >>= 1)
+        --m_shift;
+    m_size = 0;
+    for (const Slot& s : old)
+        if (s.head >= 0) insert(s.key, s.head);
+}
+
+// ---- the table ----------------------------------------------------------------------------------
 
 WeldTableT::Key WeldTableT::keyOf(const double p[3]) {
     return {cellOf(p[0]), cellOf(p[1]), cellOf(p[2])};
@@ -187,7 +269,11 @@ void WeldTableT::unfile(int id) {
 }
 
 void WeldTableT::enterPoints(const int* points, const int* owners, const double* xyz, size_t n) {
+    // The cells of the points a few ahead are asked for while this one is looked up (a hint only: each
+    // lookup still sees every set entered before it).
+    constexpr size_t Ahead = 8;
     for (size_t i = 0; i < n; ++i) {
+        if (i + Ahead < n) m_cells.Prefetch(keyOf(xyz + 3 * (i + Ahead)));
         const double* p = xyz + 3 * i;
         const int found = findSet(p);
         if (found >= 0) {
@@ -248,8 +334,7 @@ void WeldTableT::leavePoints(const std::vector<int>& polygons, std::vector<int>&
         const bool wasFirst = r.set.Point(1) == pt;
         r.set.RemovePt(pt);
         if (r.set.Count() == 0) {
-            unfile(id);
-            emptied.push_back(id);
+            emptied.push_back(id); // unfiled by the caller, all together
         } else if (wasFirst) {
             r.stale = true; // compared by where its new first point is
         }
@@ -283,25 +368,54 @@ void WeldTableT::LeavePolygons(const std::vector<int>& polygons) {
     if (polygons.empty() || m_order.empty()) return;
     std::vector<int> emptied;
     leavePoints(polygons, emptied);
+    // Many sets emptied (a whole group leaving): the survivors are filed anew, which is cheaper than taking
+    // each emptied set out of its cell.
+    if (emptied.size() * 4 >= m_order.size()) {
+        m_cells.clear();
+        for (int id : m_order)
+            if (m_recs[static_cast<size_t>(id)].set.Count() > 0) file(id);
+    } else {
+        for (int id : emptied)
+            unfile(id);
+    }
     dropAll(emptied);
 }
 
 void WeldTableT::Rekey() {
-    m_cells.clear();
-    if (m_order.empty()) return;
+    if (m_order.empty()) {
+        m_cells.clear();
+        return;
+    }
     m_points.resize(m_order.size());
     for (size_t s = 0; s < m_order.size(); ++s)
         m_points[s] = m_recs[static_cast<size_t>(m_order[s])].set.Point(1);
     m_xyz.assign(3 * m_order.size(), 0.0);
     ZELMAR_points_get_values(m_points.data(), static_cast<int>(m_points.size()), 1, m_xyz.data());
+    // Every live set is filed under its key. When few sets changed cell only those move (a lookup compares
+    // the sets of a cell by slot, so their order within the cell does not matter); else all are filed anew.
+    m_moved.clear();
+    for (size_t s = 0; s < m_order.size(); ++s) {
+        Rec& r = m_recs[static_cast<size_t>(m_order[s])];
+        const double* p = &m_xyz[3 * s];
+        r.first = {p[0], p[1], p[2]};
+        r.stale = false;
+        if (!(keyOf(p) == r.key)) m_moved.push_back(static_cast<int>(s));
+    }
+    if (m_moved.size() * 4 <= m_order.size()) {
+        for (int s : m_moved) {
+            const int id = m_order[static_cast<size_t>(s)];
+            unfile(id);
+            m_recs[static_cast<size_t>(id)].key = keyOf(m_recs[static_cast<size_t>(id)].first.data());
+            file(id);
+        }
+        return;
+    }
+    m_cells.clear();
     m_cells.reserve(m_order.size());
     for (size_t s = 0; s < m_order.size(); ++s) {
         const int id = m_order[s];
         Rec& r = m_recs[static_cast<size_t>(id)];
-        const double* p = &m_xyz[3 * s];
-        r.first = {p[0], p[1], p[2]};
-        r.stale = false;
-        r.key = keyOf(p);
+        r.key = keyOf(r.first.data());
         file(id);
     }
 }

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace vexil {
@@ -122,12 +123,13 @@ class WeldTableT {
     // One set and what finding it needs. Records are kept by a stable id; the slot (the set's number - 1)
     // changes when an earlier set is dropped.
     struct Rec {
-        WeldedPoints set;
+        // What a lookup reads first, side by side.
         std::array<double, 3> first{}; // where the first point is, as last read
-        Key key{};                     // cell of the location the set began at (or had at the last Rekey)
         int slot = -1;                 // -1: the record is free
         int nextInCell = -1;           // the next record filed under the same cell
         bool stale = false;            // the first point left: `first` is read again when needed
+        Key key{};                     // cell of the location the set began at (or had at the last Rekey)
+        WeldedPoints set;
     };
     static Key keyOf(const double p[3]);
     int findSet(const double p[3]);
@@ -144,9 +146,32 @@ class WeldTableT {
     std::vector<int> m_free;  // ids of free records
     std::vector<int> m_order; // slot -> id
     PointIndex m_idOfPoint;   // point -> id + 1
-    FlatHashMap<Key, int, KeyHash> m_cells; // cell -> the first record filed there
+    // Cell -> the first record filed there: open addressing in one array (key and head side by side, head
+    // -1 for an empty slot), so that a lookup reads one cache line, and a walk over many points can ask for
+    // the lines of the points ahead (Prefetch) while it works on the present one.
+    class Cells {
+      public:
+        int* find(const Key& k);
+        std::pair<int*, bool> insert(const Key& k, int head);
+        void erase(const Key& k);
+        void clear();
+        void reserve(size_t n);
+        void Prefetch(const Key& k) const;
+
+      private:
+        struct Slot {
+            Key key;
+            int head;
+        };
+        size_t home(const Key& k) const;
+        void rehash(size_t cap);
+        std::vector<Slot> m_slots;
+        size_t m_size = 0, m_mask = 0;
+        unsigned m_shift = 64;
+    };
+    Cells m_cells;
     // Scratch of the bulk reads.
-    std::vector<int> m_points, m_owners;
+    std::vector<int> m_points, m_owners, m_moved;
     std::vector<double> m_xyz;
 };
 

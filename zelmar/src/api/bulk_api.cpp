@@ -25,6 +25,18 @@ bool finiteValues(const double* v, int n) {
     return true;
 }
 
+// The first three values of polygonPlane, without its D (a walk for the centre) and with the Newell normal
+// made once: hasArea's test on it, then the same normalisation of the front normal.
+void unitFrontNormal(const Polygon& p, double n[3]) {
+    n[0] = n[1] = n[2] = 0;
+    if (p.points.size() < 3) return;
+    const double size = ringSize(p);
+    const V3 newell = newellNormal(p);
+    const double len = length(newell);
+    if (!(std::isfinite(len) && size > 0 && len > 1e-12 * size * size)) return;
+    normalized(newell * -1.0).store(n);
+}
+
 } // namespace
 
 extern "C" {
@@ -187,8 +199,12 @@ int ZELMAR_polygons_set_plane_normals(const int* polygons, int count) {
             polygonArg(polygons[i], "polygons_set_plane_normals");
             continue;
         }
-        double plane[4];
-        polygonPlane(*p, plane);
+        double plane[3];
+        unitFrontNormal(*p, plane);
+        if (!finiteValues(plane, 3)) { // as point_set_normal refuses it
+            inArray(plane, 3, "polygons_set_plane_normals");
+            continue;
+        }
         for (PointData& d : p->points)
             d.normal[0] = plane[0], d.normal[1] = plane[1], d.normal[2] = plane[2];
         w.changed(*p);

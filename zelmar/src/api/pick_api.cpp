@@ -77,6 +77,22 @@ int ZELMAR_engine_3D_edge_to_2D(const double p1[3], const double p2[3], int r1[2
     return render::projectEdge(v, p1, p2, r1, r2);
 }
 
+int ZELMAR_engine_3D_edges_to_2D(const double* ends, int count, int* screen, int* shown) {
+    if (!ends || !screen || !shown || count <= 0) return 0;
+    for (int i = 0; i < count; ++i)
+        shown[i] = 0;
+    render::View v; // made once: the single call makes it per edge
+    if (!currentView(v)) return 0;
+    int n = 0;
+    for (int i = 0; i < count; ++i) {
+        const double* e = ends + 6 * static_cast<size_t>(i);
+        int* s = screen + 4 * static_cast<size_t>(i);
+        shown[i] = render::projectEdge(v, e, e + 3, s, s + 2);
+        if (shown[i] == 1) ++n;
+    }
+    return n;
+}
+
 int ZELMAR_engine_2D_point_to_3D(int x, int y, double result[3], int* group_out, int* polygon_out) {
     if (group_out) *group_out = 0;
     if (polygon_out) *polygon_out = 0;

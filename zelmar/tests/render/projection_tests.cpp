@@ -162,3 +162,27 @@ TEST_F(Projection, ProjectionAndPixelRayAgree) {
 }
 
 } // namespace
+
+TEST_F(Projection, ManyEdgesAnswerAsOneByOne) {
+    // Whole, clipped at the near plane, out of view, across the view, not finite.
+    const double ends[5][6] = {{10, 5, 0, 10, -5, 2.5}, {-5, 0, 0, 10, 5, 0}, {-5, 0, 0, -1, 3, 0},
+                               {10, 30, 0, 10, -30, 0}, {NAN, 0, 0, 10, 0, 0}};
+    int screen[5][4], shown[5];
+    for (auto& s : screen)
+        for (int& v : s)
+            v = -7;
+    EXPECT_EQ(ZELMAR_engine_3D_edges_to_2D(&ends[0][0], 5, &screen[0][0], shown), 1);
+    for (int i = 0; i < 5; ++i) {
+        int r1[2] = {-7, -7}, r2[2] = {-7, -7};
+        EXPECT_EQ(shown[i], ZELMAR_engine_3D_edge_to_2D(ends[i], ends[i] + 3, r1, r2)) << "edge " << i;
+        EXPECT_EQ(screen[i][0], r1[0]) << "edge " << i;
+        EXPECT_EQ(screen[i][1], r1[1]) << "edge " << i;
+        EXPECT_EQ(screen[i][2], r2[0]) << "edge " << i;
+        EXPECT_EQ(screen[i][3], r2[1]) << "edge " << i;
+    }
+    ZELMAR_target_destroy(target);
+    EXPECT_EQ(ZELMAR_engine_3D_edges_to_2D(&ends[0][0], 5, &screen[0][0], shown), 0);
+    for (int s : shown)
+        EXPECT_EQ(s, 0) << "no current target: nothing shown";
+    target = ZELMAR_target_create(64, 48);
+}
