@@ -63,7 +63,8 @@ TEST_F(UndoProperty, EveryRegisteredEditIsThere) {
     for (const EditGenerator& g : EditRegistry())
         names.push_back(g.name);
     for (const char* n : {"MovePoints", "RotatePolygons", "Weld", "DeletePolygons", "Detach", "Flip", "Triangulate",
-                          "Mirror", "Duplicate", "Extrude", "Bevel", "Cut"})
+                          "Mirror", "Duplicate", "Extrude", "Bevel", "Cut", "Materials", "CreateCamera", "DeleteCamera",
+                          "CreateCircularTrack", "CreateLight", "DeleteLight"})
         EXPECT_NE(names.end(), std::find(names.begin(), names.end(), n)) << n;
 }
 
@@ -72,7 +73,7 @@ TEST_F(UndoProperty, UndoAllAndRedoAllGiveTheSameBytes) {
         Check(unsigned(std::strtoul(s, nullptr, 10)), editsPerRun());
         return;
     }
-    for (unsigned seed : {11u, 23u, 37u, 41u, 59u}) {
+    for (unsigned seed : {11u, 23u, 37u, 41u, 59u, 71u, 83u, 97u, 101u, 113u}) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         TearDown();
         SetUp();
