@@ -1,8 +1,8 @@
 #include "PointsSnapshot.h"
 
-#include "base/FlatHashMap.h"
-
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
@@ -10,13 +10,34 @@ namespace vexil {
 void PointsSnapshot::Capture(const std::vector<int>& points) {
     m_points.clear();
     m_values.clear();
-    FlatHashSet<int> seen(points.size());
+    // A point named twice is kept once: one bit per handle (handles are small and dense).
+    int top = 0;
+    for (int p : points)
+        top = std::max(top, p);
+    std::vector<uint64_t> seen(std::size_t(top) / 64 + 1, 0);
     m_points.reserve(points.size());
     for (int p : points) {
-        if (p == 0 || !seen.insert(p)) continue;
-        if (ZELMAR_point_is_point(p) != 1) continue;
+        if (p <= 0) continue;
+        uint64_t& word = seen[std::size_t(p) / 64];
+        const uint64_t bit = uint64_t(1) << (p % 64);
+        if (word & bit) continue;
+        word |= bit;
         m_points.push_back(p);
     }
+    read();
+}
+
+void PointsSnapshot::read() {
+    m_values.assign(m_points.size() * PerPoint, 0.0);
+    if (m_points.empty()) return;
+    const int n = static_cast<int>(m_points.size());
+    // The bulk read skips dead handles; only when it met one are they sorted out one by one.
+    if (ZELMAR_points_get_values(m_points.data(), n, 7, m_values.data()) == n) return;
+    std::vector<int> live;
+    live.reserve(m_points.size());
+    for (int p : m_points)
+        if (ZELMAR_point_is_point(p) == 1) live.push_back(p);
+    m_points = std::move(live);
     m_values.assign(m_points.size() * PerPoint, 0.0);
     if (!m_points.empty())
         ZELMAR_points_get_values(m_points.data(), static_cast<int>(m_points.size()), 7, m_values.data());
@@ -24,7 +45,8 @@ void PointsSnapshot::Capture(const std::vector<int>& points) {
 
 PointsSnapshot PointsSnapshot::Again() const {
     PointsSnapshot s;
-    s.Capture(m_points);
+    s.m_points = m_points; // already without repeats
+    s.read();
     return s;
 }
 

@@ -20,6 +20,8 @@ class PointsSnapshot {
     const std::vector<int>& Points() const { return m_points; }
 
   private:
+    // Reads m_points' values, dropping the handles that are dead.
+    void read();
     static constexpr int PerPoint = 8; // x y z u v nx ny nz
     std::vector<int> m_points;
     std::vector<double> m_values;
