@@ -1,6 +1,6 @@
 // End to end on the main window (offscreen): a box made from the create panel, picked in a viewport,
 // dragged by its X handle, undone, redone, saved and loaded again.
-#include "AppTestSupport.h"
+#include "MainWindowFixture.h"
 #include "app/Form1.h"
 #include "frame/InputState.h"
 #include "frame/Spinner.h"
@@ -33,55 +33,18 @@ using namespace vexil;
 
 namespace {
 
-class Form1Gizmo : public vexil::test::AppEnv {
+class Form1Gizmo : public vexil::test::MainWindowTest {
   protected:
     void SetUp() override {
-        AppEnv::SetUp();
-        form = StartApplication(QString());
-        ASSERT_NE(form, nullptr);
+        MainWindowTest::SetUp();
         ASSERT_TRUE(form->WorldOpen());
-        fake = std::make_unique<FakeInputState>();
-        form->resize(1100, 800);
-        QCoreApplication::processEvents();
     }
-    void TearDown() override {
-        fake.reset();
-        delete form;
-        form = nullptr;
-        AppEnv::TearDown();
-    }
-    picWindow* win(int i) { return form->frmPicWins->PicWindow(i); }
-    void mouse(int i, QEvent::Type type, QPoint p, Qt::MouseButton b, Qt::MouseButtons held) {
-        const QPoint g = win(i)->mapToGlobal(p);
-        fake->setCursorPos(g);
-        QMouseEvent e(type, QPointF(p), QPointF(g), b, held, Qt::NoModifier);
-        QApplication::sendEvent(win(i), &e);
-    }
-    void drag(int i, QPoint from, QPoint to, int steps) {
-        mouse(i, QEvent::MouseMove, from, Qt::NoButton, Qt::NoButton);
-        fake->press(VkLButton);
-        mouse(i, QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
-        for (int s = 1; s <= steps; ++s)
-            mouse(i, QEvent::MouseMove, from + (to - from) * s / steps, Qt::NoButton, Qt::LeftButton);
-        mouse(i, QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
-        fake->release(VkLButton);
-    }
-    void click(int i, QPoint p) { drag(i, p, p, 0); }
     std::array<double, 3> location(int g) {
         std::array<double, 3> l{};
         ZELMAR_group_get_location(g, l.data());
         return l;
     }
-    // Makes a box from the create panel of the Edit Group tab.
-    int createBox() {
-        form->tabWorkspace->setCurrentIndex(Form1::TabEditGroup);
-        form->frmCreate->SetKind(PrimitiveKind::Box);
-        QTest::mouseClick(form->frmCreate->cmdCreate, Qt::LeftButton);
-        return Sel().CurrSelEntity;
-    }
 
-    Form1* form = nullptr;
-    std::unique_ptr<FakeInputState> fake;
 };
 
 TEST_F(Form1Gizmo, CreateDragUndoRedoSaveAndLoad) {

@@ -1,7 +1,7 @@
 // Shared set-up of the lighting tests on the main window (offscreen): the program started with the sample
 // world, a scripted input state, mouse helpers on the real viewports, and the light controller.
 #pragma once
-#include "AppTestSupport.h"
+#include "MainWindowFixture.h"
 #include "app/Form1.h"
 #include "app/Form1_Gizmo.h"
 #include "app/Form1_Lighting.h"
@@ -42,41 +42,16 @@ inline V3 groupLocation(int g) {
     return v;
 }
 
-class LightForm : public AppEnv {
+class LightForm : public MainWindowTest {
   protected:
+    QString CommandLine() override { return QStringLiteral("\"" VEXIL_SOURCE_DATA "/samples/Sample.wld\""); }
+    QSize WindowSize() override { return {1200, 850}; }
     void SetUp() override {
-        AppEnv::SetUp();
-        form = StartApplication(QStringLiteral("\"" VEXIL_SOURCE_DATA "/samples/Sample.wld\""));
-        ASSERT_NE(form, nullptr);
+        MainWindowTest::SetUp();
         ASSERT_TRUE(form->WorldOpen());
-        fake = std::make_unique<FakeInputState>();
-        form->resize(1200, 850);
-        QCoreApplication::processEvents();
         lights = FormLighting();
         ASSERT_NE(lights, nullptr);
         root = form->Document()->RootGrp;
-    }
-    void TearDown() override {
-        fake.reset();
-        delete form;
-        form = nullptr;
-        AppEnv::TearDown();
-    }
-    picWindow* win(int i) { return form->frmPicWins->PicWindow(i); }
-    void mouse(int i, QEvent::Type type, QPoint p, Qt::MouseButton b, Qt::MouseButtons held) {
-        const QPoint g = win(i)->mapToGlobal(p);
-        fake->setCursorPos(g);
-        QMouseEvent e(type, QPointF(p), QPointF(g), b, held, Qt::NoModifier);
-        QApplication::sendEvent(win(i), &e);
-    }
-    void drag(int i, QPoint from, QPoint to, int steps) {
-        mouse(i, QEvent::MouseMove, from, Qt::NoButton, Qt::NoButton);
-        fake->press(VkLButton);
-        mouse(i, QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
-        for (int s = 1; s <= steps; ++s)
-            mouse(i, QEvent::MouseMove, from + (to - from) * s / steps, Qt::NoButton, Qt::LeftButton);
-        mouse(i, QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
-        fake->release(VkLButton);
     }
     // Drags the gizmo of view i along its handle (0 x, 1 y, 2 z) by `pixels` towards the tip.
     bool dragHandle(int i, int axis, int pixels) {
@@ -103,9 +78,7 @@ class LightForm : public AppEnv {
         form->grab().save(dir + QLatin1Char('/') + QLatin1String(name) + QStringLiteral(".png"));
     }
 
-    Form1* form = nullptr;
     LightController* lights = nullptr;
-    std::unique_ptr<FakeInputState> fake;
     int root = 0;
 };
 

@@ -1,6 +1,6 @@
 // The main window (offscreen): a box made from the create panel, edited through the Edit Geometry panel,
 // the gizmo in polygon and point mode, the views' point marks, Align as a tool of the views.
-#include "AppTestSupport.h"
+#include "MainWindowFixture.h"
 #include "app/Form1.h"
 #include "app/mdlSubMain.h"
 #include "builders/CreatePanel.h"
@@ -38,45 +38,8 @@ using namespace vexil;
 
 namespace {
 
-class Form1Modelling : public vexil::test::AppEnv {
+class Form1Modelling : public vexil::test::MainWindowTest {
   protected:
-    void SetUp() override {
-        AppEnv::SetUp();
-        form = StartApplication(QString());
-        ASSERT_NE(form, nullptr);
-        fake = std::make_unique<FakeInputState>();
-        form->resize(1100, 800);
-        QCoreApplication::processEvents();
-    }
-    void TearDown() override {
-        fake.reset();
-        delete form;
-        form = nullptr;
-        AppEnv::TearDown();
-    }
-    picWindow* win(int i) { return form->frmPicWins->PicWindow(i); }
-    void mouse(int i, QEvent::Type type, QPoint p, Qt::MouseButton b, Qt::MouseButtons held) {
-        const QPoint g = win(i)->mapToGlobal(p);
-        fake->setCursorPos(g);
-        QMouseEvent e(type, QPointF(p), QPointF(g), b, held, Qt::NoModifier);
-        QApplication::sendEvent(win(i), &e);
-    }
-    void drag(int i, QPoint from, QPoint to, int steps) {
-        mouse(i, QEvent::MouseMove, from, Qt::NoButton, Qt::NoButton);
-        fake->press(VkLButton);
-        mouse(i, QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton);
-        for (int s = 1; s <= steps; ++s)
-            mouse(i, QEvent::MouseMove, from + (to - from) * s / steps, Qt::NoButton, Qt::LeftButton);
-        mouse(i, QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton);
-        fake->release(VkLButton);
-    }
-    void click(int i, QPoint p) { drag(i, p, p, 0); }
-    int createBox() {
-        form->tabWorkspace->setCurrentIndex(Form1::TabEditGroup);
-        form->frmCreate->SetKind(PrimitiveKind::Box);
-        QTest::mouseClick(form->frmCreate->cmdCreate, Qt::LeftButton);
-        return Sel().CurrSelEntity;
-    }
     // Opens Edit Geometry with "Point" or "Polygon".
     void editGeometry(int stringId) {
         form->tabWorkspace->setCurrentIndex(Form1::TabEditGroup);
@@ -108,8 +71,6 @@ class Form1Modelling : public vexil::test::AppEnv {
         emit s->MouseUp();
     }
 
-    Form1* form = nullptr;
-    std::unique_ptr<FakeInputState> fake;
 };
 
 // Found by trying the editor: opening Edit Geometry left the weld table empty, so the polygon-mode gizmo
