@@ -4,6 +4,7 @@
 // model and, as the in-memory engine computes planes and centres with libzelmar3's arithmetic,
 // the same contractions and bit-identical output on the corpus. The engine's reducing
 // operations run the simplifier once it is installed as their reducer.
+#include "EngineMeshes.h"
 #include "Harness.h"
 #include "MeshMaker.h"
 #include "simplify/EngineReducer.h"
@@ -24,24 +25,6 @@ protected:
     void SetUp() override { ZELMAR_engine_close(); }
     void TearDown() override { ZELMAR_engine_close(); }
 
-    // The mesh as an engine group.
-    static int toEngine(const MeshData& m) {
-        const int g = ZELMAR_group_create("source");
-        for (const MeshFace& f : m.faces) {
-            const int p = ZELMAR_polygon_create();
-            for (int vi : f.v) {
-                const MeshVertex& v = m.vertices[static_cast<std::size_t>(vi)];
-                const double vx[6] = {v.xyz[0], v.xyz[1], v.xyz[2], v.uv[0], v.uv[1], v.brightness};
-                const int pt = ZELMAR_polygon_add_point(p, vx);
-                ZELMAR_point_set_normal(pt, v.normal);
-            }
-            ZELMAR_polygon_set_group(p, g);
-            ZELMAR_engine_add_polygon(p);
-            ZELMAR_polygon_set_color_fill(p, f.color[0], f.color[1], f.color[2]);
-            ZELMAR_polygon_set_brightness(p, f.brightness);
-        }
-        return g;
-    }
     static bool engineIsReal() { return ZELMAR_group_create("probe") != 0; }
 
 };
@@ -199,26 +182,6 @@ TEST_F(EngineCrossing, EmptyGroupAndSavedOutput) {
 }
 
 
-// The output group as the engine holds it, in the form readOutput gives for the in-memory one.
-std::vector<OutputTri> readEngineOutput(int group) {
-    std::vector<OutputTri> out;
-    for (int p = ZELMAR_group_get_first_polygon(group); p != 0; p = ZELMAR_group_get_next_polygon(p)) {
-        OutputTri t;
-        for (int pt = ZELMAR_polygon_get_first_point(p); pt != 0; pt = ZELMAR_point_get_next_point(pt)) {
-            double xyz[3], uv[2];
-            ZELMAR_point_get_xyz(pt, xyz);
-            ZELMAR_point_get_bitmap_xy(pt, uv);
-            for (double v : xyz) t.values.push_back(v);
-            for (double v : uv) t.values.push_back(v);
-            t.values.push_back(ZELMAR_point_get_brightness(pt));
-        }
-        t.bitmap = ZELMAR_polygon_get_bitmap_handle(p);
-        ZELMAR_polygon_get_color(p, t.color);
-        t.brightness = ZELMAR_polygon_get_brightness(p);
-        out.push_back(t);
-    }
-    return out;
-}
 
 // One simplifier, two crossings: the same rings through libzelmar3 and through the in-memory
 // engine give the same extraction (planes and centre to the bit), the same contractions and
