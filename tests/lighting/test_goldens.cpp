@@ -1,6 +1,7 @@
 // Pictures of lit scenes drawn by the engine, compared with small golden images: a box lit by an
 // omnidirectional light, the same box under a directional light, a sphere flat and smoothed, and fog.
 // VEXIL_UPDATE_GOLDEN=1 rewrites the images (look at them before committing).
+#include "../support/GoldenImages.h"
 #include "../support/OffscreenApp.h"
 #include "builders/Primitives.h"
 #include "lighting/mdlSmoothLight.h"
@@ -12,36 +13,13 @@
 #include <zelmar/zelmar.h>
 
 using namespace vexil;
+using vexil::test::compareGolden;
 
 namespace {
 
 constexpr int W = 128, H = 96;
 
-// Pixels whose channels differ by more than `tolerance` from the golden.
-int compareGolden(const QString& name, const QImage& got, int tolerance = 6) {
-    const QString path = QStringLiteral(VEXIL_GOLDEN_DIR "/") + name + QStringLiteral(".png");
-    if (qEnvironmentVariableIsSet("VEXIL_UPDATE_GOLDEN")) {
-        QDir().mkpath(QStringLiteral(VEXIL_GOLDEN_DIR));
-        got.save(path);
-        return 0;
-    }
-    QImage want(path);
-    if (want.isNull()) {
-        ADD_FAILURE() << "missing golden " << path.toStdString();
-        return -1;
-    }
-    want = want.convertToFormat(QImage::Format_RGB32);
-    if (want.size() != got.size()) return got.width() * got.height();
-    int bad = 0;
-    for (int y = 0; y < got.height(); ++y)
-        for (int x = 0; x < got.width(); ++x) {
-            const QRgb a = got.pixel(x, y), b = want.pixel(x, y);
-            if (std::abs(qRed(a) - qRed(b)) > tolerance || std::abs(qGreen(a) - qGreen(b)) > tolerance ||
-                std::abs(qBlue(a) - qBlue(b)) > tolerance)
-                ++bad;
-        }
-    return bad;
-}
+constexpr int kTolerance = 6; // per channel, against the golden pictures
 
 class LitScenes : public ::testing::Test {
   protected:
@@ -102,7 +80,7 @@ TEST_F(LitScenes, ABoxLitByAnOmnidirectionalLight) {
     ZELMAR_light_activate(l, 0);
     const QImage lit = render();
     EXPECT_NE(lit, unlit);
-    EXPECT_EQ(compareGolden(QStringLiteral("light_omni_box"), lit), 0);
+    EXPECT_EQ(compareGolden(QStringLiteral("light_omni_box"), lit, kTolerance), 0);
 }
 
 TEST_F(LitScenes, ABoxUnderADirectionalLight) {
@@ -113,7 +91,7 @@ TEST_F(LitScenes, ABoxUnderADirectionalLight) {
     ZELMAR_light_activate(l, 0);
     const QImage img = render();
     // The three faces seen turn to the light at three angles: three different shades.
-    EXPECT_EQ(compareGolden(QStringLiteral("light_directional_box"), img), 0);
+    EXPECT_EQ(compareGolden(QStringLiteral("light_directional_box"), img, kTolerance), 0);
 }
 
 TEST_F(LitScenes, ASphereFlatAndSmoothed) {
@@ -129,8 +107,8 @@ TEST_F(LitScenes, ASphereFlatAndSmoothed) {
     SmoothLight(pols, 60);
     const QImage smooth = render();
     EXPECT_NE(flat, smooth);
-    EXPECT_EQ(compareGolden(QStringLiteral("light_sphere_flat"), flat), 0);
-    EXPECT_EQ(compareGolden(QStringLiteral("light_sphere_smooth"), smooth), 0);
+    EXPECT_EQ(compareGolden(QStringLiteral("light_sphere_flat"), flat, kTolerance), 0);
+    EXPECT_EQ(compareGolden(QStringLiteral("light_sphere_smooth"), smooth, kTolerance), 0);
 }
 
 TEST_F(LitScenes, FogFadesTheFarBoxesIntoItsColour) {
@@ -145,7 +123,7 @@ TEST_F(LitScenes, FogFadesTheFarBoxesIntoItsColour) {
     ZELMAR_engine_set_atmospheric_effect_intensity(0.006);
     const QImage foggy = render();
     EXPECT_NE(clear, foggy);
-    EXPECT_EQ(compareGolden(QStringLiteral("light_fog"), foggy), 0);
+    EXPECT_EQ(compareGolden(QStringLiteral("light_fog"), foggy, kTolerance), 0);
     ZELMAR_engine_set_atmospheric_effect_intensity(0);
     EXPECT_EQ(render(), clear);
 }

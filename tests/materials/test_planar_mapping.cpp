@@ -1,6 +1,7 @@
 // The planar mapper: exact coordinates of a known quad for each option, the averaged normal with its
 // exact-sum fallback and its ties, one range for both directions, the undo step it always pushes, and a world
 // left as it was when all points sit on one spot. Golden pictures of a textured box after each option.
+#include "../support/GoldenImages.h"
 #include "MaterialsTestSupport.h"
 #include "base/VexilError.h"
 #include "materials/PlanarMapper.h"
@@ -109,31 +110,7 @@ TEST_F(PlanarMapping, PointsOnOneSpotRaiseADivisionFailureAndLeaveTheWorldAsItWa
 
 // ---- golden pictures ----------------------------------------------------------------------------------------
 
-int compareGolden(const QString& name, const QImage& actual, int tolerance = 6) {
-    const QString path = QStringLiteral(VEXIL_GOLDEN_DIR "/") + name + QStringLiteral(".png");
-    const QImage got = actual.convertToFormat(QImage::Format_RGB32);
-    if (qEnvironmentVariableIsSet("VEXIL_UPDATE_GOLDEN")) {
-        QDir().mkpath(QStringLiteral(VEXIL_GOLDEN_DIR));
-        got.save(path);
-        return 0;
-    }
-    QImage want(path);
-    if (want.isNull()) {
-        ADD_FAILURE() << "missing golden " << path.toStdString() << " (VEXIL_UPDATE_GOLDEN=1 writes it)";
-        return -1;
-    }
-    want = want.convertToFormat(QImage::Format_RGB32);
-    if (want.size() != got.size()) return got.width() * got.height();
-    int bad = 0;
-    for (int y = 0; y < got.height(); ++y)
-        for (int x = 0; x < got.width(); ++x) {
-            const QRgb a = got.pixel(x, y), b = want.pixel(x, y);
-            if (std::abs(qRed(a) - qRed(b)) > tolerance || std::abs(qGreen(a) - qGreen(b)) > tolerance ||
-                std::abs(qBlue(a) - qBlue(b)) > tolerance)
-                ++bad;
-        }
-    return bad;
-}
+constexpr int kTolerance = 6; // per channel, against the golden pictures
 
 QImage render(int camera, int w = 96, int h = 72) {
     const int t = ZELMAR_target_create(w, h);
@@ -170,7 +147,7 @@ TEST_F(PlanarMapping, GoldenPicturesOfATexturedBoxAfterEachOption) {
         SCOPED_TRACE(names[option]);
         if (option == 3) select(g, seen);
         PlanarMapSelection(option);
-        EXPECT_EQ(compareGolden(QString::fromLatin1(names[option]), render(cam)), 0);
+        EXPECT_EQ(compareGolden(QString::fromLatin1(names[option]), render(cam), kTolerance), 0);
     }
 }
 

@@ -1,5 +1,6 @@
 // Pictures of an extruded and a cut box, rendered by the engine through a fixed camera and compared with
 // small golden images. VEXIL_UPDATE_GOLDEN=1 rewrites the images (look at them before committing).
+#include "../support/GoldenImages.h"
 #include "undo_property/UndoPropertyFixture.h"
 
 #include "modelling/mdlCutPols.h"
@@ -11,31 +12,7 @@
 namespace vexil::test {
 namespace {
 
-int compareGolden(const QString& name, const QImage& actual, int tolerance = 12) {
-    const QString path = QStringLiteral(VEXIL_GOLDEN_DIR "/") + name + QStringLiteral(".png");
-    const QImage got = actual.convertToFormat(QImage::Format_RGB32);
-    if (qEnvironmentVariableIsSet("VEXIL_UPDATE_GOLDEN")) {
-        QDir().mkpath(QStringLiteral(VEXIL_GOLDEN_DIR));
-        got.save(path);
-        return 0;
-    }
-    QImage want(path);
-    if (want.isNull()) {
-        ADD_FAILURE() << "missing golden " << path.toStdString();
-        return -1;
-    }
-    want = want.convertToFormat(QImage::Format_RGB32);
-    if (want.size() != got.size()) return got.width() * got.height();
-    int bad = 0;
-    for (int y = 0; y < got.height(); ++y)
-        for (int x = 0; x < got.width(); ++x) {
-            const QRgb a = got.pixel(x, y), b = want.pixel(x, y);
-            if (std::abs(qRed(a) - qRed(b)) > tolerance || std::abs(qGreen(a) - qGreen(b)) > tolerance ||
-                std::abs(qBlue(a) - qBlue(b)) > tolerance)
-                ++bad;
-        }
-    return bad;
-}
+constexpr int kTolerance = 12; // per channel, against the golden pictures
 
 class Goldens : public UndoPropertyFixture {
   protected:
@@ -70,7 +47,7 @@ TEST_F(Goldens, AnExtrudedBox) {
     x.updwnExtBvl_MouseDown(1);
     x.updwnExtBvl_Change(1, 0.5);
     x.updwnExtBvl_MouseUp(1, 0.5);
-    EXPECT_LE(compareGolden(QStringLiteral("extruded_box"), render()), 40);
+    EXPECT_LE(compareGolden(QStringLiteral("extruded_box"), render(), kTolerance), 40);
 }
 
 TEST_F(Goldens, ACutBox) {
@@ -93,7 +70,7 @@ TEST_F(Goldens, ACutBox) {
         const double d[3] = {plane[0] * 6 * side, plane[1] * 6 * side, plane[2] * 6 * side};
         ZELMAR_polygon_move(h, d);
     }
-    EXPECT_LE(compareGolden(QStringLiteral("cut_box"), render()), 40);
+    EXPECT_LE(compareGolden(QStringLiteral("cut_box"), render(), kTolerance), 40);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // Overlays drawn over a black picture through a fixed camera, compared with small golden images.
 // VEXIL_UPDATE_GOLDEN=1 rewrites the images (inspect them before committing).
+#include "../support/GoldenImages.h"
 #include "ViewTestSupport.h"
 #include "view/Overlays.h"
 
@@ -44,32 +45,7 @@ template <class Host> struct ShownViews {
 
 namespace {
 
-// Counts pixels whose channels differ by more than `tolerance` from the golden.
-int compareGolden(const QString& name, const QImage& actual, int tolerance = 8) {
-    const QString path = QStringLiteral(VEXIL_GOLDEN_DIR "/") + name + QStringLiteral(".png");
-    const QImage got = actual.convertToFormat(QImage::Format_RGB32);
-    if (qEnvironmentVariableIsSet("VEXIL_UPDATE_GOLDEN")) {
-        QDir().mkpath(QStringLiteral(VEXIL_GOLDEN_DIR));
-        got.save(path);
-        return 0;
-    }
-    QImage want(path);
-    if (want.isNull()) {
-        ADD_FAILURE() << "missing golden " << path.toStdString();
-        return -1;
-    }
-    want = want.convertToFormat(QImage::Format_RGB32);
-    if (want.size() != got.size()) return got.width() * got.height();
-    int bad = 0;
-    for (int y = 0; y < got.height(); ++y)
-        for (int x = 0; x < got.width(); ++x) {
-            const QRgb a = got.pixel(x, y), b = want.pixel(x, y);
-            if (std::abs(qRed(a) - qRed(b)) > tolerance || std::abs(qGreen(a) - qGreen(b)) > tolerance ||
-                std::abs(qBlue(a) - qBlue(b)) > tolerance)
-                ++bad;
-        }
-    return bad;
-}
+constexpr int kTolerance = 8; // per channel, against the golden pictures
 
 class Overlays : public ::testing::Test {
   protected:
@@ -108,7 +84,7 @@ TEST_F(Overlays, BoundingBoxOfAGroup) {
         QPainter p(&image);
         box.Draw(p);
     }
-    EXPECT_EQ(compareGolden("view_bounding_box", image), 0);
+    EXPECT_EQ(compareGolden("view_bounding_box", image, kTolerance), 0);
 }
 
 TEST_F(Overlays, WireframeLeavesOutBackFacesAndDisabledPolygons) {
@@ -120,7 +96,7 @@ TEST_F(Overlays, WireframeLeavesOutBackFacesAndDisabledPolygons) {
     }
     // From (+x, -y, +z) the faces +x, -y and +z face the camera.
     EXPECT_EQ(drawn, 3);
-    EXPECT_EQ(compareGolden("view_wireframe", image), 0);
+    EXPECT_EQ(compareGolden("view_wireframe", image, kTolerance), 0);
 
     ZELMAR_polygon_disable(world.faces[0]);
     QImage other(96, 72, QImage::Format_RGB32);
@@ -140,7 +116,7 @@ TEST_F(Overlays, EdgesAndPointMarksOutsideTheViewDrawNothing) {
     p.setPen(Pens().green1);
     EXPECT_TRUE(DrawPointMark(p, b, 3));
     p.end();
-    EXPECT_EQ(compareGolden("view_edge_and_mark", image), 0);
+    EXPECT_EQ(compareGolden("view_edge_and_mark", image, kTolerance), 0);
 }
 
 TEST_F(Overlays, BoxAndWireOnTopOfTheEngineImageInAViewport) {
