@@ -1,4 +1,5 @@
 #include "SurfSimView.h"
+#include "view/RenderTarget.h"
 
 #include "frame/ErrLog.h"
 #include "view/picWindow.h" // the dispatch's button numbers
@@ -37,14 +38,7 @@ SurfSimView::~SurfSimView() {
 }
 
 int SurfSimView::Target() {
-    const int w = width(), h = height();
-    if (w < 1 || h < 1) return m_target;
-    if (m_target && ZELMAR_target_is_target(m_target)) {
-        if (ZELMAR_target_get_width(m_target) != w || ZELMAR_target_get_height(m_target) != h)
-            ZELMAR_target_resize(m_target, w, h);
-        return m_target;
-    }
-    m_target = ZELMAR_target_create(w, h);
+    m_target = TargetOfSize(m_target, width(), height());
     return m_target;
 }
 
