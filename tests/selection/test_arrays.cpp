@@ -93,8 +93,9 @@ class EntitySets : public ::testing::Test {
   protected:
     void SetUp() override {
         ZELMAR_engine_close();
+        const char* names[3] = {"G0", "G1", "G2"};
         for (int i = 0; i < 3; ++i)
-            g[i] = ZELMAR_group_create(("G" + std::to_string(i)).c_str());
+            g[i] = ZELMAR_group_create(names[i]);
     }
     void TearDown() override { ZELMAR_engine_close(); }
     int g[3]{};
