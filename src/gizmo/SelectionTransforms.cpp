@@ -511,4 +511,19 @@ ActionRef CloseScaleAction(const ActionRef& open, ViewportHost& host, SelectMode
     return env && env->Object() ? env : nullptr;
 }
 
+PointsSnapshot SubObjectPointsBefore(SelectMode mode) {
+    PointsSnapshot before;
+    if (mode == SelectMode::Point) before.Capture(Sel().SelPts.ToVector());
+    if (mode == SelectMode::Polygon) before.Capture(PointsOfSets(SelectedWeldSets()));
+    return before;
+}
+
+void GiveBefore(const ActionRef& env, const PointsSnapshot& before) {
+    if (!env || before.Empty()) return;
+    if (auto* a = env->As<ActionRotateGrpPoints>()) a->SetBefore(before);
+    if (auto* a = env->As<ActionRotateGrpPols>()) a->SetBefore(before);
+    if (auto* a = env->As<ActionScaleGrpPoints>()) a->SetBefore(before);
+    if (auto* a = env->As<ActionScaleGrpPols>()) a->SetBefore(before);
+}
+
 } // namespace vexil

@@ -58,5 +58,10 @@ ActionRef OpenScaleAction(ViewportHost& host, SelectMode mode);
 // The scale action to push for a scale by `total` (factors of the whole change), or null when nothing
 // changed. `open` is what OpenScaleAction gave.
 ActionRef CloseScaleAction(const ActionRef& open, ViewportHost& host, SelectMode mode, const Vec3& total);
+// The points a sub-object turn or scale is about to move, as they are now (empty outside point and polygon
+// mode). Handed to the action after the change with GiveBefore, so that its undo puts back these exact
+// values rather than turning or scaling back, which would leave rounding in the last bits.
+PointsSnapshot SubObjectPointsBefore(SelectMode mode);
+void GiveBefore(const ActionRef& action, const PointsSnapshot& before);
 
 } // namespace vexil

@@ -13,21 +13,6 @@ namespace vexil {
 
 namespace {
 
-// The points a sub-object turn or scale will move.
-std::vector<int> subObjectPoints(SelectMode mode) {
-    if (mode == SelectMode::Point) return Sel().SelPts.ToVector();
-    if (mode == SelectMode::Polygon) return PointsOfSets(SelectedWeldSets());
-    return {};
-}
-
-void giveBefore(const ActionRef& env, const PointsSnapshot& before) {
-    if (!env || before.Empty()) return;
-    if (auto* a = env->As<ActionRotateGrpPoints>()) a->SetBefore(before);
-    if (auto* a = env->As<ActionRotateGrpPols>()) a->SetBefore(before);
-    if (auto* a = env->As<ActionScaleGrpPoints>()) a->SetBefore(before);
-    if (auto* a = env->As<ActionScaleGrpPols>()) a->SetBefore(before);
-}
-
 bool moved(const ActionRef& env) {
     if (auto* a = env->As<ActionMoveGrpPoints>()) return a->FrmLoc() != a->ToLoc();
     if (auto* a = env->As<ActionMoveGrpPols>()) return a->FrmLoc() != a->ToLoc();
@@ -48,11 +33,11 @@ void TransformGizmo::BeginActions() {
         m_open = OpenMoveAction(host, mode);
         break;
     case ToolRotate:
-        m_before.Capture(subObjectPoints(mode));
+        m_before = SubObjectPointsBefore(mode);
         break;
     case ToolScale:
         m_open = OpenScaleAction(host, mode);
-        m_before.Capture(subObjectPoints(mode));
+        m_before = SubObjectPointsBefore(mode);
         break;
     default:
         break;
@@ -72,7 +57,7 @@ void TransformGizmo::EndActions() {
         if (ActiveAxis < AxisX || ActiveAxis > AxisZ) return;
         const ActionRef env = MakeRotateAction(mode, {{TotalRotation[size_t(ActiveAxis)], ActiveAxis}});
         if (!env) return;
-        giveBefore(env, m_before);
+        GiveBefore(env, m_before);
         m_stack.Push(env);
         if (mode == SelectMode::Point)
             if (SelectionModel* m = selectionModel()) m->ComputeSelPtsAvgCenter();
@@ -81,7 +66,7 @@ void TransformGizmo::EndActions() {
     case ToolScale: {
         const Vec3& total = mode == SelectMode::TrackPoint ? TotalTrackScale : TotalScale;
         if (const ActionRef env = CloseScaleAction(m_open, host, mode, total)) {
-            giveBefore(env, m_before);
+            GiveBefore(env, m_before);
             m_stack.Push(env);
         }
         break;

@@ -3,7 +3,7 @@
 // out: a turn undone equals the start only to the last bits of the direction (docs/lighting.md).
 #include "UndoPropertyFixture.h"
 
-#include "gizmo/SelectionTransforms.h"
+#include "gizmo/TypedTransform.h"
 #include "lighting/LightController.h"
 
 namespace vexil::test {
@@ -57,11 +57,9 @@ VEXIL_UNDO_EDIT(MoveLight, [](EditContext& c) {
     const int before = c.fixture.Changes();
     c.fixture.model->SelectEntityFromTree(4, light);
     c.fixture.host.mode = SelectMode::Entity;
-    ActionRef a = OpenMoveAction(c.fixture.host, SelectMode::Entity);
-    if (!a) return c.fixture.Changes() != before;
-    MoveSelectionBy(c.fixture.host, SelectMode::Entity,
-                    {double(c.Int(-40, 40)), double(c.Int(-40, 40)), double(c.Int(-40, 40))});
-    CloseMoveAction(a, c.fixture.host, SelectMode::Entity);
+    TypedTransform t;
+    t.values = {double(c.Int(-40, 40)), double(c.Int(-40, 40)), double(c.Int(-40, 40))};
+    ApplyTypedTransform(c.fixture.host, SelectMode::Entity, t, *c.fixture.host.stack);
     return c.fixture.Changes() != before;
 });
 

@@ -4,8 +4,7 @@
 #include "modelling/ObjectTools.h"
 #include "modelling/mdlCutPols.h"
 #include "modelling/mdlExtrude.h"
-#include "selection/ActionTransformSubObject.h"
-#include "selection/SubObjectTransforms.h"
+#include "gizmo/TypedTransform.h"
 
 namespace vexil::test {
 namespace {
@@ -65,6 +64,30 @@ bool pushed(EditContext& c, int before) {
     return c.fixture.Changes() != before;
 }
 
+// Moves, turns or scales the selected points or polygons by typed values, along the world's or the group's
+// axes, as the typed transform panel applies them (the same actions as a gizmo drag).
+bool typedTransform(EditContext& c, SelectMode mode, TransformKind kind) {
+    if (!(mode == SelectMode::Point ? withPoints(c) : withPolygons(c))) return false;
+    TypedTransform t;
+    t.kind = kind;
+    t.worldSpace = c.Chance(0.5);
+    switch (kind) {
+    case TransformKind::Move:
+        t.values = randomVec(c, 30);
+        break;
+    case TransformKind::Rotate:
+        t.values[size_t(c.Int(0, 2))] = c.Real(-90, 90);
+        break;
+    case TransformKind::Scale:
+        t.values = {c.Real(0.5, 1.8), c.Real(0.5, 1.8), c.Real(0.5, 1.8)};
+        break;
+    }
+    const int before = c.fixture.Changes();
+    if (!ApplyTypedTransform(c.fixture.host, mode, t, *c.fixture.host.stack).isEmpty()) return false;
+    RefreshAfterTransform(c.fixture.host, mode, nullptr);
+    return pushed(c, before);
+}
+
 } // namespace
 
 VEXIL_UNDO_EDIT(SelectGroup, [](EditContext& c) {
@@ -87,101 +110,12 @@ VEXIL_UNDO_EDIT(SelectPoints, [](EditContext& c) {
     return pushed(c, before);
 });
 
-VEXIL_UNDO_EDIT(MovePoints, [](EditContext& c) {
-    if (!withPoints(c)) return false;
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionMoveGrpPoints);
-    auto* a = env->As<ActionMoveGrpPoints>();
-    a->SetMovedPtsToCurrSelPts();
-    const Vec3 from = Sel().SelPtsAvgCenter, d = randomVec(c, 30);
-    a->SetFrmLoc(from);
-    MovePoints(Sel().SelPts.ToVector(), d);
-    a->SetToLoc({from[0] + d[0], from[1] + d[1], from[2] + d[2]});
-    c.fixture.host.stack->Push(env);
-    c.fixture.model->ComputeSelPtsAvgCenter();
-    return true;
-});
-
-VEXIL_UNDO_EDIT(RotatePoints, [](EditContext& c) {
-    if (!withPoints(c)) return false;
-    const std::vector<int> pts = Sel().SelPts.ToVector();
-    PointsSnapshot before(pts);
-    const int axis = c.Int(0, 2);
-    const double deg = c.Real(-90, 90);
-    RotatePoints(pts, Sel().SelPtsAvgCenter, deg, axis);
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionRotateGrpPoints);
-    auto* a = env->As<ActionRotateGrpPoints>();
-    a->SetRotatedPtsToCurrSelPts();
-    a->SetRotatedPtsParentGrp(Sel().CurrSelEntity);
-    Vec3 amounts{0, 0, 0};
-    amounts[size_t(axis)] = deg;
-    a->AddRotation(amounts, axis);
-    a->SetBefore(before);
-    c.fixture.host.stack->Push(env);
-    return true;
-});
-
-VEXIL_UNDO_EDIT(ScalePoints, [](EditContext& c) {
-    if (!withPoints(c)) return false;
-    const std::vector<int> pts = Sel().SelPts.ToVector();
-    PointsSnapshot before(pts);
-    const Vec3 f{c.Real(0.5, 1.8), c.Real(0.5, 1.8), c.Real(0.5, 1.8)};
-    ScalePoints(pts, Sel().SelPtsAvgCenter, f);
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionScaleGrpPoints);
-    auto* a = env->As<ActionScaleGrpPoints>();
-    a->SetScaledPtsToCurrSelPts();
-    a->SetScaleChng(f);
-    a->SetBefore(before);
-    c.fixture.host.stack->Push(env);
-    return true;
-});
-
-VEXIL_UNDO_EDIT(MovePolygons, [](EditContext& c) {
-    if (!withPolygons(c)) return false;
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionMoveGrpPols);
-    auto* a = env->As<ActionMoveGrpPols>();
-    a->SetMovedWeldedPtsToCurrWeldedPts();
-    const Vec3 from = Sel().SelPolsAvgCenter, d = randomVec(c, 30);
-    a->SetFrmLoc(from);
-    MoveWeldSets(SelectedWeldSets(), d);
-    a->SetToLoc({from[0] + d[0], from[1] + d[1], from[2] + d[2]});
-    c.fixture.host.stack->Push(env);
-    c.fixture.model->ComputeSelPolsAvgCenter();
-    return true;
-});
-
-VEXIL_UNDO_EDIT(RotatePolygons, [](EditContext& c) {
-    if (!withPolygons(c)) return false;
-    const std::vector<PointSet> sets = SelectedWeldSets();
-    PointsSnapshot before(PointsOfSets(sets));
-    const int axis = c.Int(0, 2);
-    const double deg = c.Real(-90, 90);
-    RotateWeldSets(sets, Sel().SelPolsAvgCenter, deg, axis);
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionRotateGrpPols);
-    auto* a = env->As<ActionRotateGrpPols>();
-    a->SetRotatedWeldedPtsToCurrWeldedPts();
-    a->SetRotatedPolsParentGrp(Sel().CurrSelEntity);
-    Vec3 amounts{0, 0, 0};
-    amounts[size_t(axis)] = deg;
-    a->AddRotation(amounts, axis);
-    a->SetBefore(before);
-    c.fixture.host.stack->Push(env);
-    return true;
-});
-
-VEXIL_UNDO_EDIT(ScalePolygons, [](EditContext& c) {
-    if (!withPolygons(c)) return false;
-    const std::vector<PointSet> sets = SelectedWeldSets();
-    PointsSnapshot before(PointsOfSets(sets));
-    const Vec3 f{c.Real(0.5, 1.8), c.Real(0.5, 1.8), c.Real(0.5, 1.8)};
-    ScaleWeldSets(sets, Sel().SelPolsAvgCenter, f);
-    ActionRef env = ActionUndoRedo_Stack::MakeAction(AT_ActionScaleGrpPols);
-    auto* a = env->As<ActionScaleGrpPols>();
-    a->SetScaledWeldedPtsToCurrWeldedPts();
-    a->SetScaleChng(f);
-    a->SetBefore(before);
-    c.fixture.host.stack->Push(env);
-    return true;
-});
+VEXIL_UNDO_EDIT(MovePoints, [](EditContext& c) { return typedTransform(c, SelectMode::Point, TransformKind::Move); });
+VEXIL_UNDO_EDIT(RotatePoints, [](EditContext& c) { return typedTransform(c, SelectMode::Point, TransformKind::Rotate); });
+VEXIL_UNDO_EDIT(ScalePoints, [](EditContext& c) { return typedTransform(c, SelectMode::Point, TransformKind::Scale); });
+VEXIL_UNDO_EDIT(MovePolygons, [](EditContext& c) { return typedTransform(c, SelectMode::Polygon, TransformKind::Move); });
+VEXIL_UNDO_EDIT(RotatePolygons, [](EditContext& c) { return typedTransform(c, SelectMode::Polygon, TransformKind::Rotate); });
+VEXIL_UNDO_EDIT(ScalePolygons, [](EditContext& c) { return typedTransform(c, SelectMode::Polygon, TransformKind::Scale); });
 
 VEXIL_UNDO_EDIT(Weld, [](EditContext& c) {
     if (!withPoints(c, 16)) return false;

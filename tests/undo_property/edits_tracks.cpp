@@ -2,7 +2,7 @@
 // scene cameras; circular tracks made and deleted; the same commands the tab and the gizmo run.
 #include "UndoPropertyFixture.h"
 
-#include "gizmo/SelectionTransforms.h"
+#include "gizmo/TypedTransform.h"
 #include "tracks/TracksController.h"
 #include "tracks/TracksHost.h"
 #include "tracks/formCreateTrack.h"
@@ -92,11 +92,9 @@ VEXIL_UNDO_EDIT(MoveCamera, [](EditContext& c) {
     const int before = c.fixture.Changes();
     c.fixture.model->SelectEntityFromTree(2, cam);
     c.fixture.host.mode = SelectMode::Entity;
-    ActionRef a = OpenMoveAction(c.fixture.host, SelectMode::Entity);
-    if (!a) return pushed(c, before);
-    MoveSelectionBy(c.fixture.host, SelectMode::Entity,
-                    {double(c.Int(-40, 40)), double(c.Int(-40, 40)), double(c.Int(-40, 40))});
-    CloseMoveAction(a, c.fixture.host, SelectMode::Entity);
+    TypedTransform t;
+    t.values = {double(c.Int(-40, 40)), double(c.Int(-40, 40)), double(c.Int(-40, 40))};
+    ApplyTypedTransform(c.fixture.host, SelectMode::Entity, t, *c.fixture.host.stack);
     return pushed(c, before);
 });
 
