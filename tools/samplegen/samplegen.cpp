@@ -264,7 +264,7 @@ int camera(const char* name, V3 at, V3 lookAt) {
     const double loc[3] = {at.x, at.y, at.z};
     const double dir[3] = {lookAt.x - at.x, lookAt.y - at.y, lookAt.z - at.z};
     ZELMAR_camera_set_location(c, loc);
-    ZELMAR_camera_set_direction(c, dir);
+    ZELMAR_camera_set_direction1(c, dir); // level: a saved camera is not rolled
     ZELMAR_camera_set_save_flag(c, 1);
     return c;
 }
