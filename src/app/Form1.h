@@ -193,6 +193,7 @@ public:
     void DuplicatGrp();
     void AlignObjects();
     void DisplaceGrp();
+    void BendGrp();
     void ToggleWireframe();
     void ToggleWindowMinMax();
     void DeleteSelected();

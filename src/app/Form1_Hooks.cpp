@@ -34,7 +34,7 @@ void Form1::PluginsKeyDown(int, Qt::KeyboardModifiers) {}
 // Menu items of features that have not landed: each says so when used.
 void Form1::ConnectPendingCommands() {
     for (QAction* a : {mnuModelGalleryAdd, mnuModelGalleryAddFolder, mnuModelGalleryDeleteFolder,
-                       mnuModelGalleryRemove, mnuBend})
+                       mnuModelGalleryRemove})
         ConnectNotAvailableYet(a);
     // The view commands of the window menu act on the active viewport.
     const std::pair<QAction*, int> views[] = {{mnuWinViewTop, ViewTop},         {mnuWinViewBottom, ViewBottom},

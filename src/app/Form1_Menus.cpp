@@ -234,7 +234,7 @@ void Form1::buildMenus() {
     mnuModelGalleryRemove = item(mnuModelGallery, "mnuModelGalleryRemove", 317);
 
     mnuWorkSpacePopup = submenu(this, "mnuWorkSpace", 318);
-    mnuBend = item(mnuWorkSpacePopup, "mnuBend", 319);
+    mnuBend = item(mnuWorkSpacePopup, "mnuBend", 319, [this] { BendGrp(); });
 }
 
 std::vector<QMenu*> Form1::PopupMenus() const {

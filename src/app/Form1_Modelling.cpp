@@ -60,6 +60,9 @@ void Form1::DuplicatGrp() {
 void Form1::DisplaceGrp() {
     vexil::DisplaceGrp();
 }
+void Form1::BendGrp() {
+    vexil::BendGrp();
+}
 
 void Form1::AlignObjects() {
     // The Align button is down: the next click in a view names the target.

@@ -31,6 +31,8 @@
 #include <QProgressBar>
 #include <QScrollArea>
 #include <QStatusBar>
+#include <QMenu>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QTreeWidget>
@@ -62,6 +64,11 @@ void Form1::buildWorkspace() {
     tabWorkspace->setUsesScrollButtons(true);
     tabWorkspace->setDocumentMode(false);
     p1->addWidget(tabWorkspace);
+    // The workspace's own popup (Bend) opens on a right click on the tabs.
+    tabWorkspace->tabBar()->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(tabWorkspace->tabBar(), &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
+        if (mnuWorkSpacePopup) mnuWorkSpacePopup->popup(tabWorkspace->tabBar()->mapToGlobal(at));
+    });
 
     auto page = [this](const char* name) {
         auto* w = new QWidget(tabWorkspace);

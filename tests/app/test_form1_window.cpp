@@ -72,13 +72,16 @@ TEST_F(Form1Test, EveryMenuItemDoesSomethingWhenChosen) {
 TEST_F(Form1Test, ACommandNotBuiltYetSaysSo) {
     start();
     ScriptedDialogs dlg;
-    form->mnuBend->trigger();
+    form->mnuModelGalleryAddFolder->trigger();
     ASSERT_EQ(dlg.count(QStringLiteral("msgBox")), 1);
-    EXPECT_EQ(dlg.last(QStringLiteral("msgBox"))->text, NotAvailableYetText(form->mnuBend->text()));
+    EXPECT_EQ(dlg.last(QStringLiteral("msgBox"))->text, NotAvailableYetText(form->mnuModelGalleryAddFolder->text()));
     EXPECT_EQ(dlg.last(QStringLiteral("msgBox"))->icon, MsgInformation);
-    // Commands that have landed no longer say so.
+    // Commands that have landed no longer say so: Bend asks for a group first.
     form->mnuCamera->trigger();
     EXPECT_EQ(dlg.count(QStringLiteral("msgBox")), 1);
+    form->mnuBend->trigger();
+    ASSERT_EQ(dlg.count(QStringLiteral("msgBox")), 2);
+    EXPECT_EQ(dlg.last(QStringLiteral("msgBox"))->text, GetLocaleString(357));
     EXPECT_EQ(NotAvailableYetText(QStringLiteral("Light &Maps")), QStringLiteral("\"Light Maps\" is not available yet."));
 }
 
