@@ -45,29 +45,6 @@ size_t countOf(const WorldData& d, Kind k) {
     }
 }
 
-const char* kindName(Kind k) {
-    switch (k) {
-    case Kind::Group:
-        return "group";
-    case Kind::Polygon:
-        return "polygon";
-    case Kind::Camera:
-        return "camera";
-    case Kind::Light:
-        return "light";
-    case Kind::Track:
-        return "track";
-    case Kind::Background:
-        return "background";
-    case Kind::Bitmap:
-        return "bitmap";
-    case Kind::Animation:
-        return "animation";
-    default:
-        return "entity";
-    }
-}
-
 bool validFileName(const std::string& f) {
     if (f.empty() || f == "." || f == ".." || f.size() > 255) return false;
     for (char c : f)
@@ -95,7 +72,7 @@ bool validate(const WorldData& d, const char* unit, std::string& error) {
     for (const StagedRef& r : d.refs) {
         const size_t n = countOf(d, r.kind);
         if (r.index >= n) {
-            error = at(unit, r.where) + "reference to " + kindName(r.kind) + " " + std::to_string(r.index) +
+            error = at(unit, r.where) + "reference to " + kindWord(r.kind) + " " + std::to_string(r.index) +
                     ", but the file has " + std::to_string(n);
             return false;
         }

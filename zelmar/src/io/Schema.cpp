@@ -18,6 +18,28 @@ const char* recordName(RecordKind k) {
     return names[static_cast<int>(k)];
 }
 
+namespace {
+struct KindWord {
+    Kind kind;
+    const char* word;
+};
+constexpr KindWord kKindWords[] = {{Kind::Group, "group"},   {Kind::Polygon, "polygon"},       {Kind::Camera, "camera"},
+                                   {Kind::Light, "light"},   {Kind::Track, "track"},           {Kind::Background, "background"},
+                                   {Kind::Bitmap, "bitmap"}, {Kind::Animation, "animation"}};
+} // namespace
+
+const char* kindWord(Kind k) {
+    for (const KindWord& kw : kKindWords)
+        if (kw.kind == k) return kw.word;
+    return "none";
+}
+
+Kind kindOfWord(std::string_view word) {
+    for (const KindWord& kw : kKindWords)
+        if (word == kw.word) return kw.kind;
+    return Kind::None;
+}
+
 void bitmapFields(Bitmap& b, Fields& f) {
     f.str("name", b.name);
     f.i32("transparent_index", b.transparentIndex);

@@ -6,6 +6,7 @@
 #include "scene/Entities.h"
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zelmar::io {
@@ -60,6 +61,11 @@ class Fields {
 enum class RecordKind : uint8_t { Bitmap, Animation, Group, Style, Point, Camera, Light, Track, Background };
 constexpr int kRecordKinds = 9;
 const char* recordName(RecordKind k);
+
+// The word a text world writes for a reference's kind ("none" for a kind that is never referenced), and
+// back (Kind::None for a word that is not one of them).
+const char* kindWord(Kind k);
+Kind kindOfWord(std::string_view word);
 
 void bitmapFields(Bitmap& b, Fields& f);
 void animationFields(Animation& a, Fields& f);

@@ -26,18 +26,6 @@ std::string quoted(std::string_view key) {
     return s;
 }
 
-Kind kindFromWord(std::string_view w) {
-    if (w == "group") return Kind::Group;
-    if (w == "polygon") return Kind::Polygon;
-    if (w == "camera") return Kind::Camera;
-    if (w == "light") return Kind::Light;
-    if (w == "track") return Kind::Track;
-    if (w == "background") return Kind::Background;
-    if (w == "bitmap") return Kind::Bitmap;
-    if (w == "animation") return Kind::Animation;
-    return Kind::None;
-}
-
 // One line split into its record word, an optional index and key=value pairs.
 struct Line {
     std::string_view word;
@@ -222,7 +210,7 @@ struct TextReader {
             Handle h = 0;
             if (v != "none") {
                 const size_t c = v.find(':');
-                const Kind k = c == std::string_view::npos ? Kind::None : kindFromWord(v.substr(0, c));
+                const Kind k = c == std::string_view::npos ? Kind::None : kindOfWord(v.substr(0, c));
                 if (k == Kind::None)
                     fail("\"" + key + "\" needs none or kind:index, not \"" + std::string(v) + "\"");
                 if (f.refKind != Kind::None && k != f.refKind)

@@ -12,29 +12,6 @@ namespace {
 
 constexpr size_t kFlushBytes = size_t(4) << 20;
 
-const char* kindWord(Kind k) {
-    switch (k) {
-    case Kind::Group:
-        return "group";
-    case Kind::Polygon:
-        return "polygon";
-    case Kind::Camera:
-        return "camera";
-    case Kind::Light:
-        return "light";
-    case Kind::Track:
-        return "track";
-    case Kind::Background:
-        return "background";
-    case Kind::Bitmap:
-        return "bitmap";
-    case Kind::Animation:
-        return "animation";
-    default:
-        return "none";
-    }
-}
-
 struct TextWriter {
     const World& w;
     const SaveSet& s;
