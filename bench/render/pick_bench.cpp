@@ -33,7 +33,7 @@ int main(int argc, char** argv) {
         if (a == "--polygons")
             polygons = std::atoi(argv[i + 1]);
         else if (a == "--clicks")
-            clicks = std::atoi(argv[i + 1]);
+            clicks = std::max(1, std::atoi(argv[i + 1]));
         else if (a == "--updates")
             updates = std::max(1, std::atoi(argv[i + 1]));
     }
@@ -73,20 +73,28 @@ int main(int argc, char** argv) {
     pick::refreshAll();
     const double firstBuild = bench::nowMs() - t0;
 
-    std::vector<double> pickTimes, pickCpu;
+    // Clicks are timed in batches: the thread's processor clock is a system call costing about
+    // as much as a pick, so one pair per batch; the wall clock (cheap) also times each click
+    // alone, for the percentiles and the slowest one.
+    constexpr int kBatch = 20;
+    std::vector<double> pickTimes, batchWall, batchCpu;
     int hits = 0, slowX = 0, slowY = 0, slowHit = 0;
     double slowest = -1;
-    for (int k = 0; k < clicks; ++k) {
-        const int x = (k * 7919) % 1280, y = (k * 104729) % 720;
-        double r[3];
-        int g = 0, p = 0;
-        t0 = bench::nowMs();
-        const double c0 = cpuMs();
-        const int hit = ZELMAR_engine_2D_point_to_3D(x, y, r, &g, &p) == 1;
-        pickCpu.push_back(cpuMs() - c0);
-        pickTimes.push_back(bench::nowMs() - t0);
-        hits += hit;
-        if (pickTimes.back() > slowest) slowest = pickTimes.back(), slowX = x, slowY = y, slowHit = hit;
+    for (int first = 0; first < clicks; first += kBatch) {
+        const int last = std::min(clicks, first + kBatch);
+        const double w0 = bench::nowMs(), c0 = cpuMs();
+        for (int k = first; k < last; ++k) {
+            const int x = (k * 7919) % 1280, y = (k * 104729) % 720;
+            double r[3];
+            int g = 0, p = 0;
+            t0 = bench::nowMs();
+            const int hit = ZELMAR_engine_2D_point_to_3D(x, y, r, &g, &p) == 1;
+            pickTimes.push_back(bench::nowMs() - t0);
+            hits += hit;
+            if (pickTimes.back() > slowest) slowest = pickTimes.back(), slowX = x, slowY = y, slowHit = hit;
+        }
+        batchCpu.push_back((cpuMs() - c0) / (last - first));
+        batchWall.push_back((bench::nowMs() - w0) / (last - first));
     }
 
     std::vector<double> rebuild, rebuildCpu;
@@ -109,9 +117,11 @@ int main(int argc, char** argv) {
     std::printf("first build of all pick structures: %.1f ms\n", firstBuild);
     std::vector<double> sorted = pickTimes;
     std::sort(sorted.begin(), sorted.end());
-    std::printf("click pick: median %.3f ms, 95th percentile %.3f ms, max %.3f ms (%d of %d clicks hit)\n",
-                bench::median(pickTimes), sorted[sorted.size() * 95 / 100], sorted.back(), hits, clicks);
-    std::printf("click pick, processor time of the thread: median %.4f ms\n", bench::median(pickCpu));
+    std::printf("click pick (%d of %d clicks hit), per click in batches of %d, median over the batches: "
+                "wall %.4f ms, processor time of the thread %.4f ms\n",
+                hits, clicks, kBatch, bench::median(batchWall), bench::median(batchCpu));
+    std::printf("click pick, each click alone (wall): median %.4f ms, 95th percentile %.4f ms, max %.3f ms\n",
+                bench::median(pickTimes), sorted[sorted.size() * 95 / 100], sorted.back());
     std::vector<double> again;
     for (int k = 0; k < 5; ++k) {
         double r[3];
