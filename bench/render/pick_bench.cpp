@@ -1,6 +1,8 @@
 // Picking on a world of 1,000,000 quads in 1,000 groups: a click pick, and bringing the
 // pick structure up to date after one group of 1,000 polygons moved.
-//   pick_bench [--polygons N] [--clicks K] [--updates U]
+//   pick_bench [--polygons N] [--clicks K] [--updates U] [--dump FILE]
+// --dump writes every click's answer (after the clicks and again after the updates) in hex,
+// so that two builds can be compared answer for answer.
 #include "BenchScene.h"
 
 #include "pick/Picker.h"
@@ -28,6 +30,7 @@ double cpuMs() {
 
 int main(int argc, char** argv) {
     int polygons = 1000000, clicks = 200, updates = 9;
+    const char* dumpPath = nullptr;
     for (int i = 1; i + 1 < argc; i += 2) {
         const std::string a = argv[i];
         if (a == "--polygons")
@@ -36,6 +39,8 @@ int main(int argc, char** argv) {
             clicks = std::max(1, std::atoi(argv[i + 1]));
         else if (a == "--updates")
             updates = std::max(1, std::atoi(argv[i + 1]));
+        else if (a == "--dump")
+            dumpPath = argv[i + 1];
     }
     World& w = world();
     Group* root = w.createGroup("the_world");
@@ -97,6 +102,18 @@ int main(int argc, char** argv) {
         batchWall.push_back((bench::nowMs() - w0) / (last - first));
     }
 
+    FILE* dump = dumpPath ? std::fopen(dumpPath, "w") : nullptr;
+    const auto dumpClicks = [&] {
+        for (int k = 0; dump && k < clicks; ++k) {
+            const int x = (k * 7919) % 1280, y = (k * 104729) % 720;
+            double r[3] = {0, 0, 0};
+            int g = 0, p = 0;
+            const int status = ZELMAR_engine_2D_point_to_3D(x, y, r, &g, &p);
+            std::fprintf(dump, "%d %d %d %d %d %a %a %a\n", x, y, status, g, p, r[0], r[1], r[2]);
+        }
+    };
+    dumpClicks();
+
     std::vector<double> rebuild, rebuildCpu;
     for (int rep = 0; rep < updates; ++rep) {
         Group* g = groups[static_cast<size_t>(rep * 37) % groups.size()];
@@ -113,6 +130,8 @@ int main(int argc, char** argv) {
         rebuildCpu.push_back(cpuMs() - c0);
         rebuild.push_back(bench::nowMs() - t0);
     }
+    dumpClicks();
+    if (dump) std::fclose(dump);
     std::printf("polygons %d in %zu groups\n", polygons, groups.size());
     std::printf("first build of all pick structures: %.1f ms\n", firstBuild);
     std::vector<double> sorted = pickTimes;
