@@ -50,6 +50,9 @@ struct PickWorld {
     std::unordered_map<Handle, Entry> entries; // by group handle
     std::vector<Hot> hot;                      // by member
     uint64_t generation = std::numeric_limits<uint64_t>::max();
+    // The render cache's last stamp when a refresh ended: every entry then matched its
+    // cache entry, and still does while the stamp stays.
+    uint64_t cacheStamp = std::numeric_limits<uint64_t>::max();
 
     struct Known {
         const Group* group;
@@ -202,6 +205,7 @@ void PickWorld::refresh(bool force) {
         setHot(*e);
     scene.commit();
     generation = w.generation;
+    cacheStamp = cache.lastStamp();
 }
 
 struct Query {
@@ -213,7 +217,8 @@ struct Query {
     bool lastPickable = false;
     bool rootKnown = false;
     const Group* root = nullptr;
-    bool stale = false; // a group's packed data changed behind the world's back
+    bool checkStamps = true; // some group was repacked since the last refresh
+    bool stale = false;      // a group's packed data changed behind the world's back
 };
 
 // Read live at each pick (a group's flag may be set without a version change).
@@ -248,7 +253,7 @@ bool accept(void* user, rays::PickScene::Member member, uint32_t triangle, doubl
     Query& q = *static_cast<Query*>(user);
     const Hot* h = q.world->member(member);
     if (!h || triangle >= h->triangleCount) return false;
-    if (h->gc->stamp != h->stamp) {
+    if (q.checkStamps && h->gc->stamp != h->stamp) {
         q.stale = true;
         return false;
     }
@@ -263,7 +268,9 @@ bool accept(void* user, rays::PickScene::Member member, uint32_t triangle, doubl
         if (pp.normal[0] * q.dir[0] + pp.normal[1] * q.dir[1] + pp.normal[2] * q.dir[2] >= 0) return false;
     }
     t = exactT(q, *h, c);
-    return t >= q.tMin && t < q.tMax;
+    if (!(t >= q.tMin && t < q.tMax)) return false;
+    __builtin_prefetch(&h->polys[c[3] & ~kFrontOnly].handle); // read if this hit stays the nearest
+    return true;
 }
 
 } // namespace
@@ -273,6 +280,7 @@ bool pickRay(const double origin[3], const double dir[3], double tMin, double tM
     for (int attempt = 0; attempt < 2; ++attempt) {
         pw.refresh(attempt > 0);
         Query q{&pw, origin, dir, tMin, tMax};
+        q.checkStamps = render::sceneCache().lastStamp() != pw.cacheStamp;
         rays::PickScene::Hit hit;
         const bool found = pw.scene.nearest(origin, dir, tMin, tMax, accept, &q, hit);
         if (q.stale) continue;

@@ -75,8 +75,16 @@ inline bool slab(const double org[3], const double inv[3], const double box[6], 
 
 } // namespace
 
+// What the traversal reads of a member it enters, copied out of MemberData at each commit
+// into one array: a click enters a few members and would otherwise miss the cache on each.
+struct Entered {
+    RTCScene scene = nullptr;
+    double origin[3] = {0, 0, 0};
+};
+
 struct PickScene::Impl {
     std::vector<std::unique_ptr<MemberData>> members;
+    std::vector<Entered> entered; // by member, valid for live members after a commit
     std::vector<Member> freeIds;
     std::vector<Node> nodes;
     // Changes since the last commit: members whose box moved, and whether members came,
@@ -106,6 +114,12 @@ struct PickScene::Impl {
     }
     void build();
     void refit();
+    void enter(Member id) {
+        const MemberData& m = *members[id];
+        if (entered.size() < members.size()) entered.resize(members.size());
+        entered[id].scene = m.scene;
+        std::copy(m.origin, m.origin + 3, entered[id].origin);
+    }
 };
 
 void PickScene::Impl::build() {
@@ -145,6 +159,7 @@ void PickScene::Impl::build() {
             nodes[t.node].member = ids[t.begin];
             nodes[t.node].count = 1;
             members[ids[t.begin]]->leaf = t.node;
+            enter(ids[t.begin]);
             continue;
         }
         int axis = 0;
@@ -170,6 +185,7 @@ void PickScene::Impl::refit() {
         if (!m || !m->live) continue;
         uint32_t n = m->leaf;
         worldBox(*m, nodes[n].box);
+        enter(id);
         while (n != 0) {
             n = nodes[n].parent;
             const double* a = nodes[nodes[n].left].box;
@@ -322,7 +338,7 @@ bool PickScene::nearest(const double org[3], const double dir[3], double tNear, 
         if (it.t0 > c.best.t) continue;
         const Node& n = s.nodes[it.node];
         if (n.count) {
-            const MemberData& m = *s.members[n.member];
+            const Entered& m = s.entered[n.member];
             // Start where the ray enters the member's box (a little before), relative to its
             // origin: single precision then suffices however far away the eye is.
             const double span = it.t1 - it.t0;

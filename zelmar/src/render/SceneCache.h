@@ -58,6 +58,8 @@ class SceneCache {
     // Drops entries of groups that no longer exist.
     void prune();
     size_t size() const { return groups_.size(); }
+    // The last stamp given: unchanged means no entry was repacked in between.
+    uint64_t lastStamp() const { return stamps_; }
 
   private:
     std::unordered_map<Handle, GroupCache> groups_;
