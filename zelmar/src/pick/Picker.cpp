@@ -165,10 +165,10 @@ void PickWorld::refresh(bool force) {
     }
     render::SceneCache& cache = render::sceneCache();
     const int threads = render::workerCount();
-    cache.update(changed, threads);
+    cache.updateGeometry(changed, threads); // the looks wait for the next frame
     std::vector<Entry*> stale;
     for (const Group* g : changed) {
-        const render::GroupCache& gc = cache.get(*g);
+        const render::GroupCache& gc = cache.geometry(*g);
         Entry& e = entries[g->handle];
         if (e.gc == &gc && e.stamp == gc.stamp) continue;
         e.group = g->handle;
