@@ -109,7 +109,7 @@ void packGeometry(const Group& g, GroupCache& c) {
         for (const PointData& d : p->points)
             finite = finite && std::isfinite(d.xyz[0]) && std::isfinite(d.xyz[1]) && std::isfinite(d.xyz[2]);
         if (!finite) continue; // such a polygon cannot be drawn or hit
-        PackedPolygon pp;
+        PackedPolygon& pp = c.polys.emplace_back(); // filled in place: a copy of it stalls on its piecewise stores
         pp.handle = p->handle;
         pp.firstVertex = static_cast<uint32_t>(c.verts.size());
         pp.vertexCount = static_cast<uint32_t>(n);
@@ -155,7 +155,6 @@ void packGeometry(const Group& g, GroupCache& c) {
         pp.firstTri = static_cast<uint32_t>(c.tris.size() / 3);
         triangulate(ring.data(), 3, n, c.tris);
         pp.triCount = static_cast<uint32_t>(c.tris.size() / 3) - pp.firstTri;
-        c.polys.push_back(pp);
     }
 }
 
