@@ -6,6 +6,7 @@
 #include "render/Settings.h"
 #include "render/ThreadPool.h"
 #include "scene/World.h"
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <unordered_map>
@@ -27,6 +28,7 @@ struct Entry {
     rays::PickScene::Member member = kNoMember;
     uint32_t triangleCount = 0;
     double origin[3] = {0, 0, 0};
+    bool moved = false; // this refresh: the member's triangles stay, only its origin changes
     // Filled in parallel, then handed to the scene.
     std::vector<float> points;
     std::vector<uint32_t> triangles;
@@ -74,16 +76,15 @@ PickWorld& pickWorld() {
     return w;
 }
 
-// The group's triangles of enabled polygons, points relative to the middle of its box.
-void pack(Entry& e) {
+// The middle of the group's box: its points are kept relative to it.
+void setOrigin(Entry& e) {
     const render::GroupCache& gc = *e.gc;
     for (int k = 0; k < 3; ++k)
         e.origin[k] = gc.box[k] <= gc.box[k + 3] ? 0.5 * (gc.box[k] + gc.box[k + 3]) : 0.0;
-    e.points.resize(gc.verts.size() * 3);
-    for (size_t i = 0; i < gc.verts.size(); ++i)
-        for (int k = 0; k < 3; ++k)
-            e.points[i * 3 + k] = rays::narrow(gc.verts[i].xyz[k] - e.origin[k]);
-    e.triangles.clear();
+}
+
+// Calls f(a, b, c, word) for each triangle of the group's enabled polygons, in order.
+template <class F> void forEachTriangle(const render::GroupCache& gc, F&& f) {
     for (uint32_t p = 0; p < gc.polys.size(); ++p) {
         const render::PackedPolygon& pp = gc.polys[p];
         if (pp.disabled) continue;
@@ -92,10 +93,48 @@ void pack(Entry& e) {
         for (uint32_t i = 0; i < pp.triCount; ++i) {
             const uint32_t a = t[3 * i], b = t[3 * i + 1], c = t[3 * i + 2];
             if (a >= pp.vertexCount || b >= pp.vertexCount || c >= pp.vertexCount) continue;
-            e.triangles.insert(e.triangles.end(), {pp.firstVertex + a, pp.firstVertex + b, pp.firstVertex + c, word});
+            if (!f(pp.firstVertex + a, pp.firstVertex + b, pp.firstVertex + c, word)) return;
         }
     }
-    e.triangleCount = static_cast<uint32_t>(e.triangles.size() / 4);
+}
+
+// True when the member already holds, bit for bit, what pack would give it: a group moved
+// as a whole keeps its points relative to its box. Compared as they are made, with nothing
+// allocated.
+bool holdsPacked(const Entry& e, const rays::PickScene& scene) {
+    if (e.member == kNoMember) return false;
+    const render::GroupCache& gc = *e.gc;
+    const float* pts = scene.points(e.member);
+    if (scene.pointFloats(e.member) != gc.verts.size() * 3) return false;
+    for (size_t i = 0; i < gc.verts.size(); ++i)
+        for (int k = 0; k < 3; ++k)
+            if (std::bit_cast<uint32_t>(rays::narrow(gc.verts[i].xyz[k] - e.origin[k])) !=
+                std::bit_cast<uint32_t>(pts[i * 3 + k]))
+                return false;
+    const uint32_t* held = scene.triangles(e.member);
+    const size_t words = scene.triangleWords(e.member);
+    size_t at = 0;
+    bool same = true;
+    forEachTriangle(gc, [&](uint32_t a, uint32_t b, uint32_t c, uint32_t word) {
+        same = at + 4 <= words && held[at] == a && held[at + 1] == b && held[at + 2] == c && held[at + 3] == word;
+        at += 4;
+        return same;
+    });
+    return same && at == words;
+}
+
+// The group's triangles of enabled polygons, points relative to the origin.
+void pack(Entry& e) {
+    const render::GroupCache& gc = *e.gc;
+    e.points.resize(gc.verts.size() * 3);
+    for (size_t i = 0; i < gc.verts.size(); ++i)
+        for (int k = 0; k < 3; ++k)
+            e.points[i * 3 + k] = rays::narrow(gc.verts[i].xyz[k] - e.origin[k]);
+    e.triangles.clear();
+    forEachTriangle(gc, [&](uint32_t a, uint32_t b, uint32_t c, uint32_t word) {
+        e.triangles.insert(e.triangles.end(), {a, b, c, word});
+        return true;
+    });
 }
 
 void PickWorld::setHot(Entry& e) {
@@ -177,9 +216,15 @@ void PickWorld::refresh(bool force) {
         e.stamp = gc.stamp;
         stale.push_back(&e);
     }
-    render::parallelFor(threads, static_cast<int>(stale.size()), [&](int i) { pack(*stale[static_cast<size_t>(i)]); });
+    render::parallelFor(threads, static_cast<int>(stale.size()), [&](int i) {
+        Entry& e = *stale[static_cast<size_t>(i)];
+        setOrigin(e);
+        e.moved = holdsPacked(e, scene);
+        if (!e.moved) pack(e);
+    });
     // Members come and go on this thread only; their scenes are built in parallel below.
     for (Entry* e : stale) {
+        if (e->moved) continue;
         if (e->triangles.empty() && e->member != kNoMember) {
             scene.remove(e->member);
             hot[e->member] = Hot{};
@@ -192,17 +237,17 @@ void PickWorld::refresh(bool force) {
     }
     render::parallelFor(threads, static_cast<int>(stale.size()), [&](int i) {
         Entry& e = *stale[static_cast<size_t>(i)];
-        if (e.member != kNoMember) {
-            if (scene.holds(e.member, e.points, e.triangles))
-                scene.setOrigin(e.member, e.origin); // moved as a whole, or not at all
-            else
-                scene.setTriangles(e.member, std::move(e.points), std::move(e.triangles), e.origin);
-        }
+        if (e.moved)
+            scene.setOrigin(e.member, e.origin); // moved as a whole, or not at all
+        else if (e.member != kNoMember)
+            scene.setTriangles(e.member, std::move(e.points), std::move(e.triangles), e.origin);
         e.points = {};
         e.triangles = {};
     });
-    for (Entry* e : stale)
+    for (Entry* e : stale) {
+        if (!e->moved) e->triangleCount = static_cast<uint32_t>(scene.triangleWords(e->member) / 4);
         setHot(*e);
+    }
     scene.commit();
     generation = w.generation;
     cacheStamp = cache.lastStamp();

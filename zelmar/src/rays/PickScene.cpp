@@ -296,6 +296,21 @@ const uint32_t* PickScene::triangles(Member id) const {
     return m ? m->triangles.data() : nullptr;
 }
 
+size_t PickScene::triangleWords(Member id) const {
+    const MemberData* m = impl_->get(id);
+    return m ? m->triangles.size() : 0;
+}
+
+const float* PickScene::points(Member id) const {
+    const MemberData* m = impl_->get(id);
+    return m ? m->points.data() : nullptr;
+}
+
+size_t PickScene::pointFloats(Member id) const {
+    const MemberData* m = impl_->get(id);
+    return m && !m->points.empty() ? m->points.size() - 1 : 0; // less the padding
+}
+
 void PickScene::commit() {
     // Boxes that moved are refitted; the hierarchy is built anew when members came or went,
     // or when refits may have spoilt it (a quarter of the members moved since the build).

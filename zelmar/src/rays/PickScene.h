@@ -32,8 +32,11 @@ class PickScene {
     // True when the member holds exactly these points and triangles.
     bool holds(Member m, const std::vector<float>& points, const std::vector<uint32_t>& triangles) const;
     void setOrigin(Member m, const double origin[3]);
-    // The member's triangles (four words each), as given.
+    // The member's triangles (four words each) and points, as given.
     const uint32_t* triangles(Member m) const;
+    size_t triangleWords(Member m) const;
+    const float* points(Member m) const;
+    size_t pointFloats(Member m) const;
     // Makes the changes since the last commit visible to queries.
     void commit();
 
