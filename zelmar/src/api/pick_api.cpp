@@ -8,11 +8,33 @@
 #include "scene/Current.h"
 #include <zelmar/zelmar.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 
 using namespace zelmar;
 
 namespace {
+
+// The view of the last call, with what it was made from: a click or a drag asks for the
+// same view many times, and making it takes square roots, divisions and a tangent. Keyed on
+// every camera field makeView reads (and the target's size), so it cannot go stale.
+struct ViewMemo {
+    static constexpr int kKey = 17;
+    bool valid = false;
+    double key[kKey] = {}; // compared bit for bit: a -0 is not a 0 here
+    render::View view;
+
+    static void keyOf(const Camera& c, int w, int h, double out[kKey]) {
+        std::copy(c.location, c.location + 3, out);
+        std::copy(&c.axis[0][0], &c.axis[0][0] + 9, out + 3);
+        out[12] = c.zoom;
+        out[13] = c.distanceFromEye;
+        out[14] = c.parallelWidth;
+        out[15] = c.perspective ? 1.0 : 0.0;
+        out[16] = static_cast<double>(w) * 65536.0 * 65536.0 + static_cast<double>(h);
+    }
+};
 
 // The current camera on its target, or false with the last error set.
 bool currentView(render::View& v) {
@@ -22,10 +44,20 @@ bool currentView(render::View& v) {
         setLastError("no current camera on a render target (camera_set_current)");
         return false;
     }
+    static ViewMemo memo;
+    double key[ViewMemo::kKey];
+    ViewMemo::keyOf(*c, t->width, t->height, key);
+    if (memo.valid && std::memcmp(key, memo.key, sizeof key) == 0) {
+        v = memo.view;
+        return true;
+    }
     if (!render::makeView(*c, t->width, t->height, v)) {
         setLastError("the current camera has no usable location, axis system or zoom");
         return false;
     }
+    std::copy(key, key + ViewMemo::kKey, memo.key);
+    memo.view = v;
+    memo.valid = true;
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include "render/Settings.h"
 #include "render/ThreadPool.h"
 #include "scene/World.h"
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <unordered_map>
@@ -14,36 +15,60 @@ namespace zelmar::pick {
 namespace {
 
 constexpr rays::PickScene::Member kNoMember = std::numeric_limits<rays::PickScene::Member>::max();
+// The caller's word of a triangle: its polygon's index in the group's packed polygons, and
+// whether that polygon is seen from the front only (so a hit on a two-sided one reads no
+// polygon data).
+constexpr uint32_t kFrontOnly = 0x80000000u;
 
 struct Entry {
     Handle group = 0;
+    const Group* owner = nullptr;           // alive while the entry is (refresh drops dead groups' entries)
     const render::GroupCache* gc = nullptr; // stable: the cache's entries are map nodes
     uint64_t stamp = 0;                     // of gc when this entry was built
     rays::PickScene::Member member = kNoMember;
-    std::vector<uint32_t> polygonOf; // per triangle: index into gc->polys
+    uint32_t triangleCount = 0;
     double origin[3] = {0, 0, 0};
+    bool moved = false; // this refresh: the member's triangles stay, only its origin changes
     // Filled in parallel, then handed to the scene.
     std::vector<float> points;
-    std::vector<uint32_t> corners;
+    std::vector<uint32_t> triangles;
+};
+
+// What a candidate hit reads of its member, side by side in one array indexed by member:
+// the chain entry -> cache -> arrays would cost a cache miss per link on every click.
+struct Hot {
+    const uint32_t* triangles = nullptr; // four words each (rays::PickScene)
+    uint32_t triangleCount = 0;
+    const render::PackedVertex* verts = nullptr;
+    const render::PackedPolygon* polys = nullptr;
+    const render::GroupCache* gc = nullptr;
+    uint64_t stamp = 0;
+    const Group* owner = nullptr;
+    Entry* entry = nullptr;
 };
 
 struct PickWorld {
     rays::PickScene scene;
     std::unordered_map<Handle, Entry> entries; // by group handle
-    std::vector<Entry*> byMember;
+    std::vector<Hot> hot;                      // by member
     uint64_t generation = std::numeric_limits<uint64_t>::max();
+    // The render cache's last stamp when a refresh ended: every entry then matched its
+    // cache entry, and still does while the stamp stays.
+    uint64_t cacheStamp = std::numeric_limits<uint64_t>::max();
 
     struct Known {
         const Group* group;
-        Handle handle;
         uint32_t version;
         int64_t own;
     };
     std::vector<Known> known;
+    const World* knownWorld = nullptr;
+    uint64_t knownTree = std::numeric_limits<uint64_t>::max();
 
     void refresh(bool force);
     bool changedGroups(std::vector<const Group*>& changed);
-    Entry* entry(rays::PickScene::Member m) const { return m < byMember.size() ? byMember[m] : nullptr; }
+    const Hot* member(rays::PickScene::Member m) const { return m < hot.size() && hot[m].entry ? &hot[m] : nullptr; }
+    void setHot(Entry& e);
 };
 
 PickWorld& pickWorld() {
@@ -51,39 +76,95 @@ PickWorld& pickWorld() {
     return w;
 }
 
-// The group's triangles of enabled polygons, points relative to the middle of its box.
-void pack(Entry& e) {
+// The middle of the group's box: its points are kept relative to it.
+void setOrigin(Entry& e) {
     const render::GroupCache& gc = *e.gc;
     for (int k = 0; k < 3; ++k)
         e.origin[k] = gc.box[k] <= gc.box[k + 3] ? 0.5 * (gc.box[k] + gc.box[k + 3]) : 0.0;
-    e.points.resize(gc.verts.size() * 3);
-    for (size_t i = 0; i < gc.verts.size(); ++i)
-        for (int k = 0; k < 3; ++k)
-            e.points[i * 3 + k] = rays::narrow(gc.verts[i].xyz[k] - e.origin[k]);
-    e.corners.clear();
-    e.polygonOf.clear();
+}
+
+// Calls f(a, b, c, word) for each triangle of the group's enabled polygons, in order.
+template <class F> void forEachTriangle(const render::GroupCache& gc, F&& f) {
     for (uint32_t p = 0; p < gc.polys.size(); ++p) {
         const render::PackedPolygon& pp = gc.polys[p];
         if (pp.disabled) continue;
+        const uint32_t word = p | (pp.frontOnly ? kFrontOnly : 0u);
         const uint32_t* t = gc.tris.data() + static_cast<size_t>(pp.firstTri) * 3;
         for (uint32_t i = 0; i < pp.triCount; ++i) {
             const uint32_t a = t[3 * i], b = t[3 * i + 1], c = t[3 * i + 2];
             if (a >= pp.vertexCount || b >= pp.vertexCount || c >= pp.vertexCount) continue;
-            e.corners.insert(e.corners.end(), {pp.firstVertex + a, pp.firstVertex + b, pp.firstVertex + c});
-            e.polygonOf.push_back(p);
+            if (!f(pp.firstVertex + a, pp.firstVertex + b, pp.firstVertex + c, word)) return;
         }
     }
 }
 
-// The groups as the last refresh saw them, in the world's order: a refresh after an edit
-// reads each group's version once, in one pass, and looks nothing up.
+// True when the member already holds, bit for bit, what pack would give it: a group moved
+// as a whole keeps its points relative to its box. Compared as they are made, with nothing
+// allocated.
+bool holdsPacked(const Entry& e, const rays::PickScene& scene) {
+    if (e.member == kNoMember) return false;
+    const render::GroupCache& gc = *e.gc;
+    const float* pts = scene.points(e.member);
+    if (scene.pointFloats(e.member) != gc.verts.size() * 3) return false;
+    for (size_t i = 0; i < gc.verts.size(); ++i)
+        for (int k = 0; k < 3; ++k)
+            if (std::bit_cast<uint32_t>(rays::narrow(gc.verts[i].xyz[k] - e.origin[k])) !=
+                std::bit_cast<uint32_t>(pts[i * 3 + k]))
+                return false;
+    const uint32_t* held = scene.triangles(e.member);
+    const size_t words = scene.triangleWords(e.member);
+    size_t at = 0;
+    bool same = true;
+    forEachTriangle(gc, [&](uint32_t a, uint32_t b, uint32_t c, uint32_t word) {
+        same = at + 4 <= words && held[at] == a && held[at + 1] == b && held[at + 2] == c && held[at + 3] == word;
+        at += 4;
+        return same;
+    });
+    return same && at == words;
+}
+
+// The group's triangles of enabled polygons, points relative to the origin.
+void pack(Entry& e) {
+    const render::GroupCache& gc = *e.gc;
+    e.points.resize(gc.verts.size() * 3);
+    for (size_t i = 0; i < gc.verts.size(); ++i)
+        for (int k = 0; k < 3; ++k)
+            e.points[i * 3 + k] = rays::narrow(gc.verts[i].xyz[k] - e.origin[k]);
+    e.triangles.clear();
+    forEachTriangle(gc, [&](uint32_t a, uint32_t b, uint32_t c, uint32_t word) {
+        e.triangles.insert(e.triangles.end(), {a, b, c, word});
+        return true;
+    });
+}
+
+void PickWorld::setHot(Entry& e) {
+    if (e.member == kNoMember) return;
+    if (e.member >= hot.size()) hot.resize(e.member + 1);
+    Hot& h = hot[e.member];
+    h.triangles = scene.triangles(e.member);
+    h.triangleCount = e.triangleCount;
+    h.verts = e.gc->verts.data();
+    h.polys = e.gc->polys.data();
+    h.gc = e.gc;
+    h.stamp = e.stamp;
+    h.owner = e.owner;
+    h.entry = &e;
+}
+
+// The groups as the last refresh saw them, in the world's order. While no group came or
+// died (the same count and tree generation: a death moves it on) they are still the world's
+// groups in its order, so a refresh after an edit reads each group's version through this
+// array, fetching ahead, rather than chasing the world's list one miss at a time.
 bool PickWorld::changedGroups(std::vector<const Group*>& changed) {
     World& w = world();
-    if (w.groupCount() != known.size()) return false;
-    size_t i = 0;
-    for (const Group* g = w.firstGroup(); g; g = g->nextInWorld, ++i) {
+    if (&w != knownWorld || w.treeGeneration() != knownTree || w.groupCount() != known.size() ||
+        (!known.empty() && w.firstGroup() != known.front().group))
+        return false;
+    constexpr size_t kAhead = 8;
+    for (size_t i = 0; i < known.size(); ++i) {
+        if (i + kAhead < known.size()) __builtin_prefetch(&known[i + kAhead].group->version);
         Known& k = known[i];
-        if (k.group != g || k.handle != g->handle) return false;
+        const Group* g = k.group;
         if (k.version != g->version || k.own != g->ownPolygons) {
             changed.push_back(g);
             k.version = g->version;
@@ -105,8 +186,10 @@ void PickWorld::refresh(bool force) {
         known.clear();
         for (const Group* g = w.firstGroup(); g; g = g->nextInWorld) {
             changed.push_back(g);
-            known.push_back({g, g->handle, g->version, g->ownPolygons});
+            known.push_back({g, g->version, g->ownPolygons});
         }
+        knownWorld = &w;
+        knownTree = w.treeGeneration();
         for (auto it = entries.begin(); it != entries.end();) {
             if (w.group(it->first)) {
                 ++it;
@@ -114,61 +197,60 @@ void PickWorld::refresh(bool force) {
             }
             if (it->second.member != kNoMember) {
                 scene.remove(it->second.member);
-                byMember[it->second.member] = nullptr;
+                hot[it->second.member] = Hot{};
             }
             it = entries.erase(it);
         }
     }
     render::SceneCache& cache = render::sceneCache();
     const int threads = render::workerCount();
-    cache.update(changed, threads);
+    cache.updateGeometry(changed, threads); // the looks wait for the next frame
     std::vector<Entry*> stale;
     for (const Group* g : changed) {
-        const render::GroupCache& gc = cache.get(*g);
+        const render::GroupCache& gc = cache.geometry(*g);
         Entry& e = entries[g->handle];
         if (e.gc == &gc && e.stamp == gc.stamp) continue;
         e.group = g->handle;
+        e.owner = g;
         e.gc = &gc;
         e.stamp = gc.stamp;
         stale.push_back(&e);
     }
-    render::parallelFor(threads, static_cast<int>(stale.size()), [&](int i) { pack(*stale[static_cast<size_t>(i)]); });
+    render::parallelFor(threads, static_cast<int>(stale.size()), [&](int i) {
+        Entry& e = *stale[static_cast<size_t>(i)];
+        setOrigin(e);
+        e.moved = holdsPacked(e, scene);
+        if (!e.moved) pack(e);
+    });
     // Members come and go on this thread only; their scenes are built in parallel below.
     for (Entry* e : stale) {
-        if (e->corners.empty() && e->member != kNoMember) {
+        if (e->moved) continue;
+        if (e->triangles.empty() && e->member != kNoMember) {
             scene.remove(e->member);
-            byMember[e->member] = nullptr;
+            hot[e->member] = Hot{};
             e->member = kNoMember;
-        } else if (!e->corners.empty() && e->member == kNoMember) {
+        } else if (!e->triangles.empty() && e->member == kNoMember) {
             e->member = scene.add();
             if (e->member == kNoMember) continue; // no ray kernel on this machine
-            if (e->member >= byMember.size()) byMember.resize(e->member + 1, nullptr);
-            byMember[e->member] = e;
+            if (e->member >= hot.size()) hot.resize(e->member + 1);
         }
     }
     render::parallelFor(threads, static_cast<int>(stale.size()), [&](int i) {
         Entry& e = *stale[static_cast<size_t>(i)];
-        if (e.member != kNoMember) {
-            if (scene.holds(e.member, e.points, e.corners))
-                scene.setOrigin(e.member, e.origin); // moved as a whole, or not at all
-            else
-                scene.setTriangles(e.member, std::move(e.points), std::move(e.corners), e.origin);
-        }
+        if (e.moved)
+            scene.setOrigin(e.member, e.origin); // moved as a whole, or not at all
+        else if (e.member != kNoMember)
+            scene.setTriangles(e.member, std::move(e.points), std::move(e.triangles), e.origin);
         e.points = {};
-        e.corners = {};
+        e.triangles = {};
     });
+    for (Entry* e : stale) {
+        if (!e->moved) e->triangleCount = static_cast<uint32_t>(scene.triangleWords(e->member) / 4);
+        setHot(*e);
+    }
     scene.commit();
     generation = w.generation;
-}
-
-bool pickable(Handle group) {
-    World& w = world();
-    const Group* g = w.group(group);
-    if (!g) return false;
-    for (const Group* a = g; a; a = a->father)
-        if (a->disabled) return false;
-    const Group* root = w.group(render::settings().groupToRender);
-    return !root || w.inSubtree(*g, *root);
+    cacheStamp = cache.lastStamp();
 }
 
 struct Query {
@@ -178,15 +260,28 @@ struct Query {
     double tMin, tMax;
     rays::PickScene::Member lastMember = kNoMember; // the group test, remembered for the next candidate
     bool lastPickable = false;
-    bool stale = false; // a group's packed data changed behind the world's back
+    bool rootKnown = false;
+    const Group* root = nullptr;
+    bool checkStamps = true; // some group was repacked since the last refresh
+    bool stale = false;      // a group's packed data changed behind the world's back
 };
 
+// Read live at each pick (a group's flag may be set without a version change).
+bool pickable(Query& q, const Group& g) {
+    for (const Group* a = &g; a; a = a->father)
+        if (a->disabled) return false;
+    if (!q.rootKnown) {
+        q.root = world().group(render::settings().groupToRender);
+        q.rootKnown = true;
+    }
+    return !q.root || world().inSubtree(g, *q.root);
+}
+
 // Distance along the ray to the triangle's plane, in double precision; NaN when parallel.
-double exactT(const Query& q, const Entry& e, uint32_t triangle) {
-    const uint32_t* c = q.world->scene.corners(e.member) + static_cast<size_t>(triangle) * 3;
-    const double* a = e.gc->verts[c[0]].xyz;
-    const double* b = e.gc->verts[c[1]].xyz;
-    const double* cc = e.gc->verts[c[2]].xyz;
+double exactT(const Query& q, const Hot& h, const uint32_t* c) {
+    const double* a = h.verts[c[0]].xyz;
+    const double* b = h.verts[c[1]].xyz;
+    const double* cc = h.verts[c[2]].xyz;
     const double* d = q.dir;
     const double e1[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};
     const double e2[3] = {cc[0] - a[0], cc[1] - a[1], cc[2] - a[2]};
@@ -201,22 +296,26 @@ double exactT(const Query& q, const Entry& e, uint32_t triangle) {
 
 bool accept(void* user, rays::PickScene::Member member, uint32_t triangle, double& t) {
     Query& q = *static_cast<Query*>(user);
-    const Entry* e = q.world->entry(member);
-    if (!e || triangle >= e->polygonOf.size()) return false;
-    if (e->gc->stamp != e->stamp) {
+    const Hot* h = q.world->member(member);
+    if (!h || triangle >= h->triangleCount) return false;
+    if (q.checkStamps && h->gc->stamp != h->stamp) {
         q.stale = true;
         return false;
     }
     if (member != q.lastMember) {
         q.lastMember = member;
-        q.lastPickable = pickable(e->group);
+        q.lastPickable = pickable(q, *h->owner);
     }
     if (!q.lastPickable) return false;
-    const render::PackedPolygon& pp = e->gc->polys[e->polygonOf[triangle]];
-    if (pp.frontOnly && pp.normal[0] * q.dir[0] + pp.normal[1] * q.dir[1] + pp.normal[2] * q.dir[2] >= 0)
-        return false;
-    t = exactT(q, *e, triangle);
-    return t >= q.tMin && t < q.tMax;
+    const uint32_t* c = h->triangles + static_cast<size_t>(triangle) * 4;
+    if (c[3] & kFrontOnly) {
+        const render::PackedPolygon& pp = h->polys[c[3] & ~kFrontOnly];
+        if (pp.normal[0] * q.dir[0] + pp.normal[1] * q.dir[1] + pp.normal[2] * q.dir[2] >= 0) return false;
+    }
+    t = exactT(q, *h, c);
+    if (!(t >= q.tMin && t < q.tMax)) return false;
+    __builtin_prefetch(&h->polys[c[3] & ~kFrontOnly].handle); // read if this hit stays the nearest
+    return true;
 }
 
 } // namespace
@@ -226,14 +325,15 @@ bool pickRay(const double origin[3], const double dir[3], double tMin, double tM
     for (int attempt = 0; attempt < 2; ++attempt) {
         pw.refresh(attempt > 0);
         Query q{&pw, origin, dir, tMin, tMax};
+        q.checkStamps = render::sceneCache().lastStamp() != pw.cacheStamp;
         rays::PickScene::Hit hit;
         const bool found = pw.scene.nearest(origin, dir, tMin, tMax, accept, &q, hit);
         if (q.stale) continue;
         if (!found) return false;
-        const Entry* e = pw.entry(hit.member);
+        const Hot* h = pw.member(hit.member);
         out.t = hit.t;
-        out.polygon = e->gc->polys[e->polygonOf[hit.triangle]].handle;
-        out.group = e->group;
+        out.polygon = h->polys[h->triangles[static_cast<size_t>(hit.triangle) * 4 + 3] & ~kFrontOnly].handle;
+        out.group = h->entry->group;
         for (int k = 0; k < 3; ++k)
             out.point[k] = origin[k] + dir[k] * out.t;
         return true;

@@ -18,7 +18,7 @@ namespace {
 struct MemberData {
     RTCScene scene = nullptr;
     std::vector<float> points; // shared with the kernel, padded by one float
-    std::vector<uint32_t> corners;
+    std::vector<uint32_t> triangles; // corners a, b, c and the caller's word
     double origin[3] = {0, 0, 0};
     double local[6] = {0, 0, 0, 0, 0, 0}; // box of the points relative to the origin
     bool live = false;
@@ -57,26 +57,34 @@ void filter(const RTCFilterFunctionNArguments* a) {
     }
 }
 
-// Entry and exit of the ray in the box, within [t0, t1]; false when it misses.
-bool slab(const double org[3], const double inv[3], const double box[6], double& t0, double& t1) {
+// Entry and exit of the ray in the box, within [t0, t1]; false when it misses. Inlined into
+// the traversal and free of unpredictable branches: a click tests dozens of boxes.
+inline bool slab(const double org[3], const double inv[3], const double box[6], double& t0, double& t1) {
     for (int k = 0; k < 3; ++k) {
-        double a = (box[k] - org[k]) * inv[k], b = (box[k + 3] - org[k]) * inv[k];
-        if (std::isnan(a) || std::isnan(b)) { // parallel to the slab with the origin on a face
+        const double a = (box[k] - org[k]) * inv[k], b = (box[k + 3] - org[k]) * inv[k];
+        if (a != a || b != b) [[unlikely]] { // parallel to the slab with the origin on a face
             if (org[k] < box[k] || org[k] > box[k + 3]) return false;
             continue;
         }
-        if (a > b) std::swap(a, b);
-        t0 = std::max(t0, a);
-        t1 = std::min(t1, b);
-        if (t0 > t1) return false;
+        const bool swap = a > b; // selects rather than branches
+        t0 = std::max(t0, swap ? b : a);
+        t1 = std::min(t1, swap ? a : b);
     }
-    return true;
+    return t0 <= t1;
 }
 
 } // namespace
 
+// What the traversal reads of a member it enters, copied out of MemberData at each commit
+// into one array: a click enters a few members and would otherwise miss the cache on each.
+struct Entered {
+    RTCScene scene = nullptr;
+    double origin[3] = {0, 0, 0};
+};
+
 struct PickScene::Impl {
     std::vector<std::unique_ptr<MemberData>> members;
+    std::vector<Entered> entered; // by member, valid for live members after a commit
     std::vector<Member> freeIds;
     std::vector<Node> nodes;
     // Changes since the last commit: members whose box moved, and whether members came,
@@ -106,6 +114,12 @@ struct PickScene::Impl {
     }
     void build();
     void refit();
+    void enter(Member id) {
+        const MemberData& m = *members[id];
+        if (entered.size() < members.size()) entered.resize(members.size());
+        entered[id].scene = m.scene;
+        std::copy(m.origin, m.origin + 3, entered[id].origin);
+    }
 };
 
 void PickScene::Impl::build() {
@@ -145,6 +159,7 @@ void PickScene::Impl::build() {
             nodes[t.node].member = ids[t.begin];
             nodes[t.node].count = 1;
             members[ids[t.begin]]->leaf = t.node;
+            enter(ids[t.begin]);
             continue;
         }
         int axis = 0;
@@ -170,6 +185,7 @@ void PickScene::Impl::refit() {
         if (!m || !m->live) continue;
         uint32_t n = m->leaf;
         worldBox(*m, nodes[n].box);
+        enter(id);
         while (n != 0) {
             n = nodes[n].parent;
             const double* a = nodes[nodes[n].left].box;
@@ -220,7 +236,7 @@ void PickScene::remove(Member id) {
     s.rebuild = true;
 }
 
-void PickScene::setTriangles(Member id, std::vector<float>&& points, std::vector<uint32_t>&& corners,
+void PickScene::setTriangles(Member id, std::vector<float>&& points, std::vector<uint32_t>&& triangles,
                              const double origin[3]) {
     MemberData* m = impl_->get(id);
     if (!m) return;
@@ -228,7 +244,7 @@ void PickScene::setTriangles(Member id, std::vector<float>&& points, std::vector
     m->scene = rtcNewScene(device());
     rtcSetSceneFlags(m->scene, RTC_SCENE_FLAG_ROBUST);
     m->points = std::move(points);
-    m->corners = std::move(corners);
+    m->triangles = std::move(triangles);
     const size_t pointCount = m->points.size() / 3;
     m->points.push_back(0.0f);
     for (int k = 0; k < 3; ++k) {
@@ -236,20 +252,23 @@ void PickScene::setTriangles(Member id, std::vector<float>&& points, std::vector
         m->local[k] = INFINITY;
         m->local[k + 3] = -INFINITY;
     }
-    for (const uint32_t c : m->corners)
+    for (size_t i = 0; i < m->triangles.size(); ++i) {
+        if (i % 4 == 3) continue; // the caller's word
+        const uint32_t c = m->triangles[i];
         for (int k = 0; k < 3; ++k) {
             m->local[k] = std::min(m->local[k], static_cast<double>(m->points[c * 3 + k]));
             m->local[k + 3] = std::max(m->local[k + 3], static_cast<double>(m->points[c * 3 + k]));
         }
+    }
     const bool wasLive = m->live;
-    m->live = !m->corners.empty();
+    m->live = m->triangles.size() >= 4;
     impl_->changed(id, m->live != wasLive);
     if (m->live) {
         RTCGeometry g = rtcNewGeometry(device(), RTC_GEOMETRY_TYPE_TRIANGLE);
         rtcSetSharedGeometryBuffer(g, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, m->points.data(), 0,
                                    3 * sizeof(float), pointCount);
-        rtcSetSharedGeometryBuffer(g, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, m->corners.data(), 0,
-                                   3 * sizeof(uint32_t), m->corners.size() / 3);
+        rtcSetSharedGeometryBuffer(g, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, m->triangles.data(), 0,
+                                   4 * sizeof(uint32_t), m->triangles.size() / 4);
         rtcSetGeometryIntersectFilterFunction(g, filter);
         rtcCommitGeometry(g);
         rtcAttachGeometry(m->scene, g);
@@ -258,9 +277,9 @@ void PickScene::setTriangles(Member id, std::vector<float>&& points, std::vector
     rtcCommitScene(m->scene);
 }
 
-bool PickScene::holds(Member id, const std::vector<float>& points, const std::vector<uint32_t>& corners) const {
+bool PickScene::holds(Member id, const std::vector<float>& points, const std::vector<uint32_t>& triangles) const {
     const MemberData* m = impl_->get(id);
-    return m && m->points.size() == points.size() + 1 && m->corners == corners &&
+    return m && m->points.size() == points.size() + 1 && m->triangles == triangles &&
            std::memcmp(m->points.data(), points.data(), points.size() * sizeof(float)) == 0;
 }
 
@@ -272,9 +291,24 @@ void PickScene::setOrigin(Member id, const double origin[3]) {
     impl_->changed(id, false);
 }
 
-const uint32_t* PickScene::corners(Member id) const {
+const uint32_t* PickScene::triangles(Member id) const {
     const MemberData* m = impl_->get(id);
-    return m ? m->corners.data() : nullptr;
+    return m ? m->triangles.data() : nullptr;
+}
+
+size_t PickScene::triangleWords(Member id) const {
+    const MemberData* m = impl_->get(id);
+    return m ? m->triangles.size() : 0;
+}
+
+const float* PickScene::points(Member id) const {
+    const MemberData* m = impl_->get(id);
+    return m ? m->points.data() : nullptr;
+}
+
+size_t PickScene::pointFloats(Member id) const {
+    const MemberData* m = impl_->get(id);
+    return m && !m->points.empty() ? m->points.size() - 1 : 0; // less the padding
 }
 
 void PickScene::commit() {
@@ -319,7 +353,7 @@ bool PickScene::nearest(const double org[3], const double dir[3], double tNear, 
         if (it.t0 > c.best.t) continue;
         const Node& n = s.nodes[it.node];
         if (n.count) {
-            const MemberData& m = *s.members[n.member];
+            const Entered& m = s.entered[n.member];
             // Start where the ray enters the member's box (a little before), relative to its
             // origin: single precision then suffices however far away the eye is.
             const double span = it.t1 - it.t0;

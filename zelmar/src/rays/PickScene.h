@@ -23,16 +23,20 @@ class PickScene {
     // A new member without triangles.
     Member add();
     void remove(Member m);
-    // New triangles for a member: points (x, y, z floats, relative to `origin`) and corner
-    // triples. May run for different members on different threads at once; queries see the
-    // change after the next commit().
-    void setTriangles(Member m, std::vector<float>&& points, std::vector<uint32_t>&& corners,
+    // New triangles for a member: points (x, y, z floats, relative to `origin`) and four
+    // words per triangle: its three corners and one the caller keeps there (read back with
+    // the corners by a candidate hit, in the same cache line). May run for different members
+    // on different threads at once; queries see the change after the next commit().
+    void setTriangles(Member m, std::vector<float>&& points, std::vector<uint32_t>&& triangles,
                       const double origin[3]);
-    // True when the member holds exactly these points and corners.
-    bool holds(Member m, const std::vector<float>& points, const std::vector<uint32_t>& corners) const;
+    // True when the member holds exactly these points and triangles.
+    bool holds(Member m, const std::vector<float>& points, const std::vector<uint32_t>& triangles) const;
     void setOrigin(Member m, const double origin[3]);
-    // The member's corner triples, as given.
-    const uint32_t* corners(Member m) const;
+    // The member's triangles (four words each) and points, as given.
+    const uint32_t* triangles(Member m) const;
+    size_t triangleWords(Member m) const;
+    const float* points(Member m) const;
+    size_t pointFloats(Member m) const;
     // Makes the changes since the last commit visible to queries.
     void commit();
 

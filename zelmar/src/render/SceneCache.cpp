@@ -18,18 +18,51 @@ const GroupCache& SceneCache::get(const Group& g) {
     if (c.version != g.version || c.ownPolygons != g.ownPolygons) {
         packGroup(g, c);
         c.stamp = ++stamps_;
+    } else if (!c.looksPacked) {
+        packLooks(g, c);
+    }
+    return c;
+}
+
+const GroupCache& SceneCache::geometry(const Group& g) {
+    GroupCache& c = groups_[g.handle];
+    if (c.version != g.version || c.ownPolygons != g.ownPolygons) {
+        packGeometry(g, c);
+        c.stamp = ++stamps_;
     }
     return c;
 }
 
 void SceneCache::update(const std::vector<const Group*>& groups, int threads) {
-    std::vector<std::pair<const Group*, GroupCache*>> stale;
+    std::vector<std::pair<const Group*, GroupCache*>> stale, looks;
     for (const Group* g : groups) {
         GroupCache& c = groups_[g->handle]; // inserted here, never while packing
+        if (c.version != g->version || c.ownPolygons != g->ownPolygons)
+            stale.emplace_back(g, &c);
+        else if (!c.looksPacked)
+            looks.emplace_back(g, &c);
+    }
+    const size_t whole = stale.size(); // packed whole; the rest finish their looks
+    stale.insert(stale.end(), looks.begin(), looks.end());
+    parallelFor(threads, static_cast<int>(stale.size()), [&](int i) {
+        const auto& [g, c] = stale[static_cast<size_t>(i)];
+        if (static_cast<size_t>(i) < whole)
+            packGroup(*g, *c);
+        else
+            packLooks(*g, *c);
+    });
+    for (size_t i = 0; i < whole; ++i)
+        stale[i].second->stamp = ++stamps_;
+}
+
+void SceneCache::updateGeometry(const std::vector<const Group*>& groups, int threads) {
+    std::vector<std::pair<const Group*, GroupCache*>> stale;
+    for (const Group* g : groups) {
+        GroupCache& c = groups_[g->handle];
         if (c.version != g->version || c.ownPolygons != g->ownPolygons) stale.emplace_back(g, &c);
     }
     parallelFor(threads, static_cast<int>(stale.size()), [&](int i) {
-        packGroup(*stale[static_cast<size_t>(i)].first, *stale[static_cast<size_t>(i)].second);
+        packGeometry(*stale[static_cast<size_t>(i)].first, *stale[static_cast<size_t>(i)].second);
     });
     for (auto& [g, c] : stale)
         c->stamp = ++stamps_;
@@ -54,8 +87,14 @@ float finiteOr0(double v) {
 } // namespace
 
 void packGroup(const Group& g, GroupCache& c) {
+    packGeometry(g, c);
+    packLooks(g, c);
+}
+
+void packGeometry(const Group& g, GroupCache& c) {
     c.version = g.version;
     c.ownPolygons = g.ownPolygons;
+    c.looksPacked = false;
     c.verts.clear();
     c.extras.clear();
     c.polys.clear();
@@ -70,7 +109,7 @@ void packGroup(const Group& g, GroupCache& c) {
         for (const PointData& d : p->points)
             finite = finite && std::isfinite(d.xyz[0]) && std::isfinite(d.xyz[1]) && std::isfinite(d.xyz[2]);
         if (!finite) continue; // such a polygon cannot be drawn or hit
-        PackedPolygon pp;
+        PackedPolygon& pp = c.polys.emplace_back(); // filled in place: a copy of it stalls on its piecewise stores
         pp.handle = p->handle;
         pp.firstVertex = static_cast<uint32_t>(c.verts.size());
         pp.vertexCount = static_cast<uint32_t>(n);
@@ -99,29 +138,15 @@ void packGroup(const Group& g, GroupCache& c) {
                 pp.normal[k] = -nrm[k] / len;
         pp.box[0] = pp.box[1] = pp.box[2] = INFINITY;
         pp.box[3] = pp.box[4] = pp.box[5] = -INFINITY;
-        const double polyBright = std::isfinite(f.brightness) ? f.brightness / 100.0 : 1.0;
         for (const PointData& d : p->points) {
             PackedVertex v;
-            VertexExtra e;
             for (int k = 0; k < 3; ++k) {
                 v.xyz[k] = d.xyz[k];
+                v.shade[k] = 0; // packLooks
                 pp.box[k] = std::min(pp.box[k], d.xyz[k]);
                 pp.box[k + 3] = std::max(pp.box[k + 3], d.xyz[k]);
             }
-            e.u = finiteOr0(d.uv[0]);
-            e.v = finiteOr0(d.uv[1]);
-            e.u2 = finiteOr0(d.uv2[0]);
-            e.v2 = finiteOr0(d.uv2[1]);
-            const double b = (std::isfinite(d.brightness) ? d.brightness / 100.0 : 1.0) * polyBright;
-            for (int k = 0; k < 3; ++k)
-                v.shade[k] = std::clamp(finiteOr0(d.rgb[k] / 255.0 * b), 0.0f, 64.0f);
-            const double nl =
-                std::sqrt(d.normal[0] * d.normal[0] + d.normal[1] * d.normal[1] + d.normal[2] * d.normal[2]);
-            for (int k = 0; k < 3; ++k)
-                e.normal[k] = (nl > 1e-12 && std::isfinite(nl)) ? static_cast<float>(d.normal[k] / nl)
-                                                                : static_cast<float>(pp.normal[k]);
             c.verts.push_back(v);
-            c.extras.push_back(e);
         }
         for (int k = 0; k < 3; ++k) {
             c.box[k] = std::min(c.box[k], pp.box[k]);
@@ -130,8 +155,38 @@ void packGroup(const Group& g, GroupCache& c) {
         pp.firstTri = static_cast<uint32_t>(c.tris.size() / 3);
         triangulate(ring.data(), 3, n, c.tris);
         pp.triCount = static_cast<uint32_t>(c.tris.size() / 3) - pp.firstTri;
-        c.polys.push_back(pp);
     }
+}
+
+void packLooks(const Group& g, GroupCache& c) {
+    c.extras.resize(c.verts.size());
+    size_t k = 0;
+    // The packed polygons are the group's own in list order, less those packGeometry passed.
+    for (const Polygon* p = g.firstPolygon; p && k < c.polys.size(); p = p->nextInGroup) {
+        const PackedPolygon& pp = c.polys[k];
+        if (p->handle != pp.handle || p->points.size() != pp.vertexCount) continue;
+        ++k;
+        const double polyBright = std::isfinite(p->fill.brightness) ? p->fill.brightness / 100.0 : 1.0;
+        PackedVertex* v = c.verts.data() + pp.firstVertex;
+        VertexExtra* e = c.extras.data() + pp.firstVertex;
+        for (const PointData& d : p->points) {
+            e->u = finiteOr0(d.uv[0]);
+            e->v = finiteOr0(d.uv[1]);
+            e->u2 = finiteOr0(d.uv2[0]);
+            e->v2 = finiteOr0(d.uv2[1]);
+            const double b = (std::isfinite(d.brightness) ? d.brightness / 100.0 : 1.0) * polyBright;
+            for (int i = 0; i < 3; ++i)
+                v->shade[i] = std::clamp(finiteOr0(d.rgb[i] / 255.0 * b), 0.0f, 64.0f);
+            const double n2 = d.normal[0] * d.normal[0] + d.normal[1] * d.normal[1] + d.normal[2] * d.normal[2];
+            const double nl = n2 == 0 ? 0.0 : std::sqrt(n2); // most points have no normal of their own
+            for (int i = 0; i < 3; ++i)
+                e->normal[i] = (nl > 1e-12 && std::isfinite(nl)) ? static_cast<float>(d.normal[i] / nl)
+                                                                 : static_cast<float>(pp.normal[i]);
+            ++v;
+            ++e;
+        }
+    }
+    c.looksPacked = true;
 }
 
 } // namespace zelmar::render

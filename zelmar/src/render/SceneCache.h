@@ -1,7 +1,8 @@
 // Render-ready copies of the groups' own polygons: points packed in one array, rings
 // triangulated, fills copied. One entry per group, rebuilt when the group's version or
 // polygon count changes (every change of a polygon bumps its group's version). Rendering
-// and picking both read it.
+// and picking both read it. Picks need only the shapes: they pack a group's geometry and
+// leave its looks (point shades, texture coordinates, point normals) to the next frame.
 #pragma once
 #include "scene/Entities.h"
 #include <cstdint>
@@ -40,12 +41,13 @@ struct PackedPolygon {
 struct GroupCache {
     uint32_t version = 0;
     int64_t ownPolygons = -1;
+    bool looksPacked = false; // shades and extras written for this version
     std::vector<PackedVertex> verts;
     std::vector<VertexExtra> extras; // parallel to verts
     std::vector<PackedPolygon> polys;
     std::vector<uint32_t> tris;
     double box[6] = {0, 0, 0, 0, 0, 0}; // of all points; empty when min > max
-    uint64_t stamp = 0;                 // bumped on each rebuild (pick caches follow it)
+    uint64_t stamp = 0;                 // bumped on each rebuild of the geometry (pick caches follow it)
 };
 
 class SceneCache {
@@ -55,9 +57,17 @@ class SceneCache {
     // Brings the entries of these groups up to date, packing stale ones on `threads`
     // threads (a freshly loaded world packs in parallel).
     void update(const std::vector<const Group*>& groups, int threads);
+    // As update, but a stale entry gets its geometry only (points' positions, polygons,
+    // triangles, boxes; shades and extras are left for get or update to finish, which
+    // then writes them in place: the geometry, and so the stamp, stays).
+    void updateGeometry(const std::vector<const Group*>& groups, int threads);
+    // The group's packed data with its geometry up to date (its looks may not be).
+    const GroupCache& geometry(const Group& g);
     // Drops entries of groups that no longer exist.
     void prune();
     size_t size() const { return groups_.size(); }
+    // The last stamp given: unchanged means no entry was repacked in between.
+    uint64_t lastStamp() const { return stamps_; }
 
   private:
     std::unordered_map<Handle, GroupCache> groups_;
@@ -67,5 +77,8 @@ class SceneCache {
 SceneCache& sceneCache();
 
 void packGroup(const Group& g, GroupCache& out);
+// The two halves of packGroup: the geometry, then the looks of the same polygons.
+void packGeometry(const Group& g, GroupCache& out);
+void packLooks(const Group& g, GroupCache& out);
 
 } // namespace zelmar::render

@@ -8,7 +8,7 @@ void newellNormal(const double* xyz, size_t stride, size_t count, double n[3]) {
     n[0] = n[1] = n[2] = 0;
     for (size_t i = 0; i < count; ++i) {
         const double* a = xyz + i * stride;
-        const double* b = xyz + ((i + 1) % count) * stride;
+        const double* b = xyz + (i + 1 == count ? 0 : i + 1) * stride; // no division: packing runs this per polygon
         n[0] += (a[1] - b[1]) * (a[2] + b[2]);
         n[1] += (a[2] - b[2]) * (a[0] + b[0]);
         n[2] += (a[0] - b[0]) * (a[1] + b[1]);
@@ -55,7 +55,14 @@ void triangulate(const double* xyz, size_t stride, size_t count, std::vector<uin
         drop = 1;
     const int ax = (drop + 1) % 3, ay = (drop + 2) % 3;
     const bool flip = n[drop] < 0;
-    std::vector<double> p(count * 2);
+    // Small rings (nearly all) project into the stack: no allocation per polygon.
+    double small[2 * 16];
+    std::vector<double> large;
+    double* p = small;
+    if (count > 16) {
+        large.resize(count * 2);
+        p = large.data();
+    }
     for (size_t i = 0; i < count; ++i) {
         p[2 * i] = xyz[i * stride + ax];
         p[2 * i + 1] = flip ? -xyz[i * stride + ay] : xyz[i * stride + ay];
@@ -63,9 +70,10 @@ void triangulate(const double* xyz, size_t stride, size_t count, std::vector<uin
     // Convex: every corner turns left.
     bool convex = true;
     for (size_t i = 0; i < count && convex; ++i) {
+        const size_t j = i + 1 == count ? 0 : i + 1, k = j + 1 == count ? 0 : j + 1;
         const double* a = &p[2 * i];
-        const double* b = &p[2 * ((i + 1) % count)];
-        const double* c = &p[2 * ((i + 2) % count)];
+        const double* b = &p[2 * j];
+        const double* c = &p[2 * k];
         if (cross2(b[0] - a[0], b[1] - a[1], c[0] - b[0], c[1] - b[1]) < 0) convex = false;
     }
     if (convex) {

@@ -3,7 +3,9 @@
 #include "TestScene.h"
 
 #include "pick/Picker.h"
+#include "render/SceneCache.h"
 #include <algorithm>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <zelmar/zelmar.h>
 
@@ -185,6 +187,100 @@ TEST_F(Pick, MovedGroupIsPickedAfterEachMove) {
     EXPECT_EQ(pickAt(32, 24, r, &g), farWall->handle);
     world().destroyGroupTree(*far);
     EXPECT_EQ(pickAt(32, 24, r, &g), nearWall->handle);
+}
+
+TEST_F(Pick, EditsBetweenTwoClicksChangeTheAnswer) {
+    // Enough groups that an edit refits the hierarchy of groups and the refresh takes the
+    // path that reads the known groups' versions.
+    for (int i = 0; i < 40; ++i) {
+        Group* post = group("post");
+        wall(post, 20 + i, 1);
+        const double aside[3] = {0, 60.0 + i * 3, 0}; // out of the view
+        ZELMAR_group_move(post->handle, aside, 0);
+    }
+    const auto at = [] { return ZELMAR_engine_get_polygon_at_point_2D(32, 24); };
+    ASSERT_EQ(at(), nearWall->handle);
+    ZELMAR_group_disable(nearGroup->handle, 1);
+    EXPECT_EQ(at(), farWall->handle) << "hidden";
+    ZELMAR_group_disable(nearGroup->handle, 0);
+    EXPECT_EQ(at(), nearWall->handle) << "shown again";
+
+    Group* parent = group("parent");
+    ZELMAR_group_disable(parent->handle, 1);
+    ZELMAR_group_set_father_group(nearGroup->handle, parent->handle);
+    EXPECT_EQ(at(), farWall->handle) << "moved under a hidden group";
+    ZELMAR_group_disable(parent->handle, 0);
+    EXPECT_EQ(at(), nearWall->handle) << "its new father shown";
+    ZELMAR_engine_set_group_to_render(parent->handle);
+    EXPECT_EQ(at(), nearWall->handle) << "inside the group to render";
+    ZELMAR_group_set_father_group(nearGroup->handle, 0);
+    EXPECT_EQ(at(), 0) << "moved out of the group to render, which now holds nothing";
+    ZELMAR_engine_set_group_to_render(0);
+    EXPECT_EQ(at(), nearWall->handle);
+
+    ZELMAR_polygon_disable(nearWall->handle);
+    EXPECT_EQ(at(), farWall->handle) << "polygon hidden";
+    ZELMAR_polygon_enable(nearWall->handle);
+    EXPECT_EQ(at(), nearWall->handle);
+
+    const double up[3] = {0, 0, 30}, down[3] = {0, 0, -30};
+    ZELMAR_group_move(nearGroup->handle, up, 0);
+    EXPECT_EQ(at(), farWall->handle) << "moved out of the ray";
+    ZELMAR_group_move(nearGroup->handle, down, 0);
+    EXPECT_EQ(at(), nearWall->handle) << "moved back";
+
+    // One group deleted and another created between two clicks: as many groups as before.
+    world().destroyGroupTree(*nearGroup);
+    Group* again = group("near again");
+    Polygon* wallAgain = wall(again, 4, 1);
+    EXPECT_EQ(at(), wallAgain->handle);
+    world().destroyGroupTree(*again);
+    EXPECT_EQ(at(), farWall->handle) << "deleted";
+}
+
+// A pick packs a changed group's geometry only; whatever reads the cache next (a frame)
+// finds the rest written, exactly as a whole packing writes it.
+TEST_F(Pick, LooksLeftByAPickAreThoseOfAWholePacking) {
+    Group* g = group("looks");
+    Polygon* p = polygon(g, {{6, 1, 1, 0.25, 0.5}, {6, -1, 1, 0.75, 0.5}, {6, -1, -1}, {6, 1, -1}}, {10, 200, 30});
+    p->points[1].normal[0] = -3; // a point normal of its own
+    p->points[2].rgb[1] = 17;
+    p->points[3].brightness = 40;
+    p->fill.brightness = 80;
+    changed(p);
+    const auto same = [](const render::GroupCache& a, const render::GroupCache& b) {
+        if (a.verts.size() != b.verts.size() || a.extras.size() != b.extras.size() || a.polys.size() != b.polys.size() ||
+            a.tris != b.tris || std::memcmp(a.box, b.box, sizeof a.box) != 0)
+            return false;
+        for (size_t i = 0; i < a.verts.size(); ++i)
+            if (std::memcmp(a.verts[i].xyz, b.verts[i].xyz, sizeof a.verts[i].xyz) != 0 ||
+                std::memcmp(a.verts[i].shade, b.verts[i].shade, sizeof a.verts[i].shade) != 0 ||
+                std::memcmp(&a.extras[i], &b.extras[i], sizeof a.extras[i]) != 0)
+                return false;
+        for (size_t i = 0; i < a.polys.size(); ++i) {
+            const render::PackedPolygon &x = a.polys[i], &y = b.polys[i];
+            if (x.handle != y.handle || x.firstVertex != y.firstVertex || x.vertexCount != y.vertexCount ||
+                x.firstTri != y.firstTri || x.triCount != y.triCount || std::memcmp(x.color, y.color, 3) != 0 ||
+                x.frontOnly != y.frontOnly || x.disabled != y.disabled ||
+                std::memcmp(x.normal, y.normal, sizeof x.normal) != 0 || std::memcmp(x.box, y.box, sizeof x.box) != 0)
+                return false;
+        }
+        return true;
+    };
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_NE(ZELMAR_engine_get_polygon_at_point_2D(32, 24), 0);
+        render::GroupCache whole;
+        render::packGroup(*g, whole);
+        if (round == 0) {
+            EXPECT_TRUE(same(render::sceneCache().get(*g), whole));
+        } else {
+            render::sceneCache().update({g}, 1);
+            EXPECT_TRUE(same(render::sceneCache().get(*g), whole));
+        }
+        EXPECT_TRUE(render::sceneCache().get(*g).looksPacked);
+        const double aside[3] = {0, 0.5, 0};
+        ZELMAR_group_move(g->handle, aside, 0);
+    }
 }
 
 TEST_F(Pick, DistantEyeStillHitsExactly) {
