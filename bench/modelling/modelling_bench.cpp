@@ -2,6 +2,7 @@
 // the same code as the panel (offscreen viewports, the weld table filled as Edit Geometry does).
 //
 //   modelling_bench [--runs N] [--sizes 10000,100000,250000] [--steps 1000,10000,100000] [--world 100000]
+//                   [--tables edit,gestures,live]
 //
 // Figures: medians of N runs (default 5), wall ms (processor ms of the thread). The load average of the
 // machine is printed before and after. The last table is a live extrude step on part of a larger world
@@ -150,12 +151,14 @@ std::vector<int> parseList(const char* s) {
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     int runs = 5, worldSize = 100000;
+    std::string tables = "edit,gestures,live";
     std::vector<int> sizes = {10000, 100000, 250000}, steps = {1000, 10000, 100000};
     for (int i = 1; i < argc; ++i) {
         if (!std::strcmp(argv[i], "--runs") && i + 1 < argc) runs = std::max(1, std::atoi(argv[++i]));
         if (!std::strcmp(argv[i], "--sizes") && i + 1 < argc) sizes = parseList(argv[++i]);
         if (!std::strcmp(argv[i], "--steps") && i + 1 < argc) steps = parseList(argv[++i]);
         if (!std::strcmp(argv[i], "--world") && i + 1 < argc) worldSize = std::max(1, std::atoi(argv[++i]));
+        if (!std::strcmp(argv[i], "--tables") && i + 1 < argc) tables = argv[++i];
     }
     QApplication app(argc, argv);
     BenchHost host;
@@ -174,6 +177,7 @@ int main(int argc, char** argv) {
                 loadAverage().c_str());
     std::printf("%8s %18s %18s %18s %18s %18s\n", "size", "weld all points", "delete all pols", "its undo",
                 "triangulate", "detach all pols");
+    if (tables.find("edit") == std::string::npos) sizes.clear();
     for (int n : sizes) {
         std::vector<Timing> weld, del, undel, tri, det;
         for (int r = 0; r < runs; ++r) {
@@ -204,7 +208,7 @@ int main(int argc, char** argv) {
     }
 
     std::printf("\n%8s %18s %18s %18s %18s\n", "selected", "extrude press", "extrude step", "bevel step", "cut");
-    for (int s : steps) {
+    for (int s : tables.find("gestures") == std::string::npos ? std::vector<int>{} : steps) {
         std::vector<Timing> press, step, bevel, cut;
         for (int r = 0; r < runs; ++r) {
             // A strip of s quads in one row, seen whole from the top: the cut runs along it.
@@ -247,7 +251,7 @@ int main(int argc, char** argv) {
     std::printf("\nworld of %d quads in one group, the active view at 800 x 600\n", worldSize);
     std::printf("%8s %18s %18s\n", "selected", "extrude step", "step + repaint");
     for (int s : steps) {
-        if (s > worldSize) continue;
+        if (s > worldSize || tables.find("live") == std::string::npos) continue;
         std::vector<Timing> step, paint;
         for (int r = 0; r < runs; ++r) {
             ZELMAR_engine_close();

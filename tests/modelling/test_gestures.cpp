@@ -141,5 +141,35 @@ TEST_F(Gestures, ACutSplitsTheSelectionAndUndoRedoKeepTheHandles) {
         EXPECT_EQ(grid, ZELMAR_polygon_get_group(h));
 }
 
+// A live step bounds the group from the moved sets and the points it kept at the press: the box must be the
+// one the engine answers, on a group turned off the world's axes, after extrude and bevel steps.
+TEST_F(Gestures, TheLiveBoxIsTheGroupsBox) {
+    const double turn[3] = {10, 25, -40};
+    ZELMAR_group_rotate(grid, turn, 0);
+    Edit(grid, SelectMode::Polygon);
+    SelectPolygons({PolygonsOf(grid)[4], PolygonsOf(grid)[5]});
+    auto expectEngineBox = [&](const char* when) {
+        const auto live = views->SelectionBox().Corners();
+        BoundingBox engine;
+        engine.Initialize(grid);
+        for (size_t i = 0; i < 8; ++i)
+            for (size_t k = 0; k < 3; ++k)
+                EXPECT_NEAR(engine.Corners()[i][k], live[i][k], 1e-9) << when << " corner " << i;
+    };
+    mdlExtrude& x = mdlExtrude::Instance();
+    x.updwnExtBvl_MouseDown(0);
+    for (double v : {40.0, -300.0, 15.0}) {
+        x.updwnExtBvl_Change(0, v);
+        expectEngineBox("extrude");
+    }
+    x.updwnExtBvl_MouseUp(0, 15.0);
+    x.updwnExtBvl_MouseDown(1);
+    for (double v : {3.0, 0.25, -2.0}) {
+        x.updwnExtBvl_Change(1, v);
+        expectEngineBox("bevel");
+    }
+    x.updwnExtBvl_MouseUp(1, -2.0);
+}
+
 } // namespace
 } // namespace vexil::test
