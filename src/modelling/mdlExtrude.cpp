@@ -51,19 +51,23 @@ void mdlExtrude::buildLive() {
     l = LiveSets();
     const HandleArray& idx = Sel().SelPolsWeldedPts;
     const WeldTableT& table = WeldTable();
-    std::vector<int> setPoints;
+    std::vector<std::pair<int, int>> pairs; // point, set
     for (int i = 1; i <= idx.Count(); ++i) {
         const WeldedPoints* w = table.At(idx[i]);
         if (!w || w->Count() == 0) continue;
+        const int set = static_cast<int>(l.firstPoint.size());
         l.firstPoint.push_back(w->Point(1));
-        setPoints.clear();
         for (int j = 1; j <= w->Count(); ++j) {
-            setPoints.push_back(w->Point(j));
+            pairs.emplace_back(w->Point(j), set);
             l.touched.push_back(w->CorrsPol(j));
         }
-        std::sort(setPoints.begin(), setPoints.end());
-        l.points.insert(l.points.end(), setPoints.begin(), setPoints.end());
-        l.runEnds.push_back(static_cast<int>(l.points.size()));
+    }
+    std::sort(pairs.begin(), pairs.end());
+    l.points.reserve(pairs.size());
+    l.setOf.reserve(pairs.size());
+    for (const auto& [pt, set] : pairs) {
+        l.points.push_back(pt);
+        l.setOf.push_back(set);
     }
     std::sort(l.touched.begin(), l.touched.end());
     l.touched.erase(std::unique(l.touched.begin(), l.touched.end()), l.touched.end());
@@ -71,14 +75,13 @@ void mdlExtrude::buildLive() {
     l.loc.assign(l.firstPoint.size(), Vec3d{0, 0, 0});
     if (!l.firstPoint.empty())
         ZELMAR_points_get_values(l.firstPoint.data(), static_cast<int>(l.firstPoint.size()), 1, l.loc.front().data());
-    std::vector<double> xyz(3 * l.points.size(), 0.0);
+    l.xyz.assign(3 * l.points.size(), 0.0);
     if (!l.points.empty())
-        ZELMAR_points_get_values(l.points.data(), static_cast<int>(l.points.size()), 1, xyz.data());
+        ZELMAR_points_get_values(l.points.data(), static_cast<int>(l.points.size()), 1, l.xyz.data());
     l.uniform = true;
-    for (size_t set = 0, i = 0; set < l.runEnds.size() && l.uniform; ++set)
-        for (; i < size_t(l.runEnds[set]); ++i)
-            for (size_t k = 0; k < 3; ++k)
-                if (xyz[3 * i + k] != l.loc[set][k]) l.uniform = false;
+    for (size_t i = 0; i < l.points.size() && l.uniform; ++i)
+        for (size_t k = 0; k < 3; ++k)
+            if (l.xyz[3 * i + k] != l.loc[size_t(l.setOf[i])][k]) l.uniform = false;
     l.polygons = selectedPols();
     splitRigid();
     if (m_pressed) takeStaticBox();
@@ -98,8 +101,7 @@ void mdlExtrude::takeStaticBox() {
     std::vector<double> xyz(3 * pts.size());
     if (total > 0) ZELMAR_polygons_get_points(pols.data(), count, pts.data(), nullptr, xyz.data(), total);
     ZELMAR_group_calculate_axis_system(m_group, l.axis[0], l.axis[1], l.axis[2]);
-    std::vector<int> inSets = l.points;
-    std::sort(inSets.begin(), inSets.end());
+    const std::vector<int>& inSets = l.points; // in handle order
     for (int k = 0; k < 3; ++k) {
         l.lo[k] = INFINITY;
         l.hi[k] = -INFINITY;
@@ -155,8 +157,7 @@ void mdlExtrude::splitRigid() {
     std::vector<int> pts(size_t(std::max(total, 0))), owners(pts.size());
     std::vector<double> xyz(3 * pts.size());
     ZELMAR_polygons_get_points(l.touched.data(), count, pts.data(), owners.data(), xyz.data(), total);
-    std::vector<int> inSets = l.points;
-    std::sort(inSets.begin(), inSets.end());
+    const std::vector<int>& inSets = l.points; // in handle order
     std::vector<std::pair<double, int>> rigid; // size, polygon
     for (size_t i = 0; i < pts.size();) {
         const int owner = owners[i];
@@ -195,9 +196,14 @@ void mdlExtrude::moveSets(const std::function<Vec3d(const Vec3d&)>& to) {
     LiveSets& l = live();
     for (Vec3d& p : l.loc)
         p = to(p);
-    if (!l.runEnds.empty())
-        ZELMAR_point_runs_set_xyz(l.points.data(), l.runEnds.data(), static_cast<int>(l.runEnds.size()),
-                                  l.loc.front().data());
+    for (size_t i = 0; i < l.points.size(); ++i) {
+        const Vec3d& p = l.loc[size_t(l.setOf[i])];
+        l.xyz[3 * i] = p[0];
+        l.xyz[3 * i + 1] = p[1];
+        l.xyz[3 * i + 2] = p[2];
+    }
+    if (!l.points.empty())
+        ZELMAR_points_set_values(l.points.data(), static_cast<int>(l.points.size()), 1, l.xyz.data());
     l.uniform = true;
     l.centred = false;
     if (!m_pressed) m_live.valid = false;

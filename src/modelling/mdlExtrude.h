@@ -46,8 +46,8 @@ class mdlExtrude {
         bool uniform = false;           // every point of each set lies exactly at the set's location
         std::vector<int> firstPoint;    // per set
         std::vector<Vec3d> loc;         // per set: the location of its first point
-        std::vector<int> points;        // every point of the sets, set by set (handle order within a set)
-        std::vector<int> runEnds;       // per set: the end of its points in `points`
+        std::vector<int> points, setOf; // every point of the sets, in handle order, and its set
+        std::vector<double> xyz;        // scratch, three per entry of points
         std::vector<int> touched;       // the polygons of the sets' points, each once, in handle order
         // The validity check of a step. A polygon whose every point is in the sets (rigid) only moves with
         // them or scales about the pivot, which keeps its validity while its size stays at or above 1 (the
