@@ -124,8 +124,22 @@ TEST_F(Gestures, ACutSplitsTheSelectionAndUndoRedoKeepTheHandles) {
     EXPECT_EQ(changes, Changes());
     cut.CutMouseDown(pa.x(), pa.y());
     cut.CutMouseMove(pb.x(), pb.y());
+    std::array<unsigned, 4> paints{};
+    for (int i = 0; i < 4; ++i)
+        paints[size_t(i)] = views->PaintCount(i);
     cut.CutMouseUp(pb.x(), pb.y());
     ASSERT_EQ(changes + 1, Changes());
+    // The active view shows the cut at once, the others at the next turn of the event loop, once each,
+    // and the active view's camera is current again after them.
+    EXPECT_EQ(paints[0] + 1, views->PaintCount(0));
+    for (int i = 1; i < 4; ++i)
+        EXPECT_EQ(paints[size_t(i)], views->PaintCount(i));
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(paints[size_t(i)] + 1, views->PaintCount(i)) << "view " << i;
+    EXPECT_EQ(0u, views->DeferredViews());
+    EXPECT_EQ(views->ViewCams(0).CamHandle, ZELMAR_camera_get_current());
     const std::vector<int> halves = Sel().SelPols.ToVector();
     EXPECT_EQ(4u, halves.size());
     for (int h : halves) {
