@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <cmath>
 #include <unordered_map>
-#include <unordered_set>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
@@ -301,11 +300,12 @@ void SelectionModel::UpdateSelPolsRelatedPtsArray() {
     if (total <= 0) return;
     std::vector<int> pts(static_cast<size_t>(total));
     ZELMAR_polygons_get_points(pols.data(), count, pts.data(), nullptr, nullptr, total);
-    std::unordered_set<int> taken;
-    taken.reserve(pts.size());
+    std::vector<bool> taken(static_cast<size_t>(table.Count()) + 1, false); // sets are numbered 1..Count
     for (int pt : pts) {
         const int set = table.IndexOf(pt);
-        if (set != 0 && taken.insert(set).second) s.SelPolsWeldedPts.Append(set);
+        if (set <= 0 || set >= static_cast<int>(taken.size()) || taken[static_cast<size_t>(set)]) continue;
+        taken[static_cast<size_t>(set)] = true;
+        s.SelPolsWeldedPts.Append(set);
     }
 }
 
