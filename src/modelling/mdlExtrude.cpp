@@ -147,7 +147,9 @@ void mdlExtrude::initializeBox() {
 void mdlExtrude::splitRigid() {
     LiveSets& l = m_live;
     if (l.touched.empty()) return;
-    if (!l.uniform) { // the first step snaps each set together, which changes shapes
+    // Outside a gesture the sets are laid out anew for every call: nothing to keep. Within one, the first
+    // step snaps sets that were not together, which changes shapes.
+    if (!m_pressed || !l.uniform) {
         l.loose = l.touched;
         l.rigidInvalid.push_back(0);
         return;
