@@ -185,5 +185,39 @@ TEST_F(Gestures, TheLiveBoxIsTheGroupsBox) {
     x.updwnExtBvl_MouseUp(1, -2.0);
 }
 
+// A bevel step checks again only the polygons whose validity it can change: a rigid polygon keeps its answer
+// while it stays at least 1 across (the planarity tolerance is relative from there). Two slightly warped
+// quads: a small valid one that scaling up makes invalid, a large invalid one that scaling down makes valid.
+TEST_F(Gestures, ABevelStepCountsTheInvalidPolygonsItMakes) {
+    const int g = makeGroup("Warped", world.root);
+    auto quad = [&](double x0, double size, double lift) {
+        const int p = ZELMAR_polygon_create();
+        const double c[4][3] = {{x0, 0, 0}, {x0, size, 0}, {x0 + size, size, 0}, {x0 + size, 0, lift}};
+        for (const auto& k : c) {
+            const double v[6] = {k[0], k[1], k[2], 0, 0, 100};
+            ZELMAR_polygon_add_point(p, v);
+        }
+        ZELMAR_polygon_set_group(p, g);
+        ZELMAR_engine_add_polygon(p);
+        return p;
+    };
+    const int small = quad(0, 0.5, 3.2e-6), large = quad(10, 4, 24e-6);
+    ASSERT_EQ(1, ZELMAR_polygon_is_valid(small));
+    ASSERT_EQ(0, ZELMAR_polygon_is_valid(large));
+    Edit(g, SelectMode::Polygon);
+    SelectPolygons({small, large});
+    const int both[2] = {small, large};
+    mdlExtrude& x = mdlExtrude::Instance();
+    x.updwnExtBvl_MouseDown(1);
+    x.updwnExtBvl_Change(1, 3.0);
+    EXPECT_EQ(0, ZELMAR_polygon_is_valid(small));
+    EXPECT_EQ(2, host.invalidShown);
+    x.updwnExtBvl_Change(1, 0.1);
+    EXPECT_EQ(1, ZELMAR_polygon_is_valid(large));
+    EXPECT_EQ(ZELMAR_polygons_count_invalid(both, 2), host.invalidShown);
+    EXPECT_EQ(0, host.invalidShown);
+    x.updwnExtBvl_MouseUp(1, 0.1);
+}
+
 } // namespace
 } // namespace vexil::test
