@@ -2,8 +2,10 @@
 // the same code as the panel (offscreen viewports, the weld table filled as Edit Geometry does).
 //
 //   modelling_bench [--runs N] [--sizes 10000,100000,250000] [--steps 1000,10000,100000] [--world 100000]
+//                   [--tables edit,gestures,live]
 //
-// Figures: medians of N runs (default 5), wall ms (processor ms of the thread). The load average of the
+// Figures: medians of N runs (default 5; of N x 9 steps and N x 3 steps with the repaint for the live
+// steps), wall ms (processor ms of the thread). The load average of the
 // machine is printed before and after. The last table is a live extrude step on part of a larger world
 // (the rolling terrain of bench/view, `--world` quads in one group) with the repaint of the active view at
 // 800 x 600, set up as view_repaint_bench does.
@@ -50,6 +52,9 @@ class BenchHost : public ViewportHost, public SelectionHost {
     int CurrSelEntityType() override { return Sel().CurrSelEntityType; }
     int CurrSelEntity() override { return Sel().CurrSelEntity; }
 };
+
+// Samples per run of a live step alone and of a step with the repaint.
+constexpr int kStepsTimed = 9, kPaintsTimed = 3;
 
 struct Timing {
     double wall = 0, cpu = 0;
@@ -150,12 +155,14 @@ std::vector<int> parseList(const char* s) {
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     int runs = 5, worldSize = 100000;
+    std::string tables = "edit,gestures,live";
     std::vector<int> sizes = {10000, 100000, 250000}, steps = {1000, 10000, 100000};
     for (int i = 1; i < argc; ++i) {
         if (!std::strcmp(argv[i], "--runs") && i + 1 < argc) runs = std::max(1, std::atoi(argv[++i]));
         if (!std::strcmp(argv[i], "--sizes") && i + 1 < argc) sizes = parseList(argv[++i]);
         if (!std::strcmp(argv[i], "--steps") && i + 1 < argc) steps = parseList(argv[++i]);
         if (!std::strcmp(argv[i], "--world") && i + 1 < argc) worldSize = std::max(1, std::atoi(argv[++i]));
+        if (!std::strcmp(argv[i], "--tables") && i + 1 < argc) tables = argv[++i];
     }
     QApplication app(argc, argv);
     BenchHost host;
@@ -174,6 +181,7 @@ int main(int argc, char** argv) {
                 loadAverage().c_str());
     std::printf("%8s %18s %18s %18s %18s %18s\n", "size", "weld all points", "delete all pols", "its undo",
                 "triangulate", "detach all pols");
+    if (tables.find("edit") == std::string::npos) sizes.clear();
     for (int n : sizes) {
         std::vector<Timing> weld, del, undel, tri, det;
         for (int r = 0; r < runs; ++r) {
@@ -203,9 +211,10 @@ int main(int argc, char** argv) {
         std::printf("%8d %18s %18s %18s %18s %18s\n", n, cell(weld), cell(del), cell(undel), cell(tri), cell(det));
     }
 
-    std::printf("\n%8s %18s %18s %18s %18s\n", "selected", "extrude press", "extrude step", "bevel step", "cut");
-    for (int s : steps) {
-        std::vector<Timing> press, step, bevel, cut;
+    std::printf("\n%8s %18s %18s %18s %18s %18s\n", "selected", "extrude press", "extrude step", "bevel step", "cut",
+                "then other views");
+    for (int s : tables.find("gestures") == std::string::npos ? std::vector<int>{} : steps) {
+        std::vector<Timing> press, step, bevel, cut, later;
         for (int r = 0; r < runs; ++r) {
             // A strip of s quads in one row, seen whole from the top: the cut runs along it.
             const int g = buildSheet(host, s, s, 1000, 20);
@@ -218,14 +227,18 @@ int main(int argc, char** argv) {
             press.push_back(timeMs([&] { x.updwnExtBvl_MouseDown(0); }));
             double v = 0;
             // The live step without the repaint: what updwnExtBvl_Change does before UpdateCameras. The
-            // first step of a gesture is timed, then a later one.
+            // first step of a gesture is not timed (it lays out the gesture's sets), the next ones are: each
+            // is one sample, as a single step is too short to time alone on a shared machine.
             x.LiveStep(0, v += 3);
-            step.push_back(timeMs([&] { x.LiveStep(0, v += 3); }));
+            for (int k = 0; k < kStepsTimed; ++k)
+                step.push_back(timeMs([&] { x.LiveStep(0, v += 3); }));
             x.updwnExtBvl_MouseUp(0, v);
             x.updwnExtBvl_MouseDown(1);
-            x.LiveStep(1, 0.95);
-            bevel.push_back(timeMs([&] { x.LiveStep(1, 0.9); }));
-            x.updwnExtBvl_MouseUp(1, 0.9);
+            double f = 0.95;
+            x.LiveStep(1, f);
+            for (int k = 0; k < kStepsTimed; ++k)
+                bevel.push_back(timeMs([&] { x.LiveStep(1, f -= 0.01); }));
+            x.updwnExtBvl_MouseUp(1, f);
             // Cut the top faces along the middle of the strip.
             selectPolygons(Sel().SelPols.ToVector());
             const double a[3] = {-600, 0, v}, b[3] = {600, 0, v};
@@ -236,10 +249,12 @@ int main(int argc, char** argv) {
             mdlCutPols& c = mdlCutPols::Instance();
             c.CutMouseDown(pa[0], pa[1]);
             cut.push_back(timeMs([&] { c.CutMouseUp(pb[0], pb[1]); }));
+            // The views the cut leaves to the next turn of the event loop.
+            later.push_back(timeMs([] { QCoreApplication::processEvents(); }));
             host.stack.Reset();
         }
-        std::printf("%8d %18s %18s %18s %18s   (%d halves)\n", s, cell(press), cell(step), cell(bevel), cell(cut),
-                    int(mdlCutPols::Instance().CutAddedPols.size()));
+        std::printf("%8d %18s %18s %18s %18s %18s   (%d halves)\n", s, cell(press), cell(step), cell(bevel), cell(cut),
+                    cell(later), int(mdlCutPols::Instance().CutAddedPols.size()));
     }
 
     // A live extrude step on part of a larger world, then the repaint of the active (perspective) view at
@@ -247,7 +262,7 @@ int main(int argc, char** argv) {
     std::printf("\nworld of %d quads in one group, the active view at 800 x 600\n", worldSize);
     std::printf("%8s %18s %18s\n", "selected", "extrude step", "step + repaint");
     for (int s : steps) {
-        if (s > worldSize) continue;
+        if (s > worldSize || tables.find("live") == std::string::npos) continue;
         std::vector<Timing> step, paint;
         for (int r = 0; r < runs; ++r) {
             ZELMAR_engine_close();
@@ -276,12 +291,15 @@ int main(int argc, char** argv) {
             double v = 0;
             x.LiveStep(0, v += 3);
             views.UpdateCamerasSingle(2);
-            step.push_back(timeMs([&] { x.LiveStep(0, v += 3); }));
-            views.UpdateCamerasSingle(2);
-            paint.push_back(timeMs([&] {
-                x.LiveStep(0, v += 3);
+            for (int k = 0; k < kStepsTimed; ++k) {
+                step.push_back(timeMs([&] { x.LiveStep(0, v += 3); }));
                 views.UpdateCamerasSingle(2);
-            }));
+            }
+            for (int k = 0; k < kPaintsTimed; ++k)
+                paint.push_back(timeMs([&] {
+                    x.LiveStep(0, v += 3);
+                    views.UpdateCamerasSingle(2);
+                }));
             x.updwnExtBvl_MouseUp(0, v);
             host.stack.Reset();
         }

@@ -130,7 +130,12 @@ void mdlCutPols::CutMouseUp(int x, int y) {
         a->SetAddedPolsArray(CutAddedPols, group);
         m->Host().UndoStack().Push(env);
     }
-    UpdateCameras();
+    // The cut is drawn in the active view at once; the other three follow at the next turn of the event
+    // loop, which is when the user could see them anyway.
+    if (v)
+        v->UpdateCamerasDeferred();
+    else
+        UpdateCameras();
 }
 
 } // namespace vexil

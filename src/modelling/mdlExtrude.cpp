@@ -83,7 +83,109 @@ void mdlExtrude::buildLive() {
         for (size_t k = 0; k < 3; ++k)
             if (l.xyz[3 * i + k] != l.loc[size_t(l.setOf[i])][k]) l.uniform = false;
     l.polygons = selectedPols();
+    splitRigid();
+    if (m_pressed) takeStaticBox();
     l.valid = true;
+}
+
+// The bounds of the group's points that a step does not move: a step then bounds only the sets instead of
+// every point of the group.
+void mdlExtrude::takeStaticBox() {
+    LiveSets& l = m_live;
+    if (ZELMAR_group_is_group(m_group) != 1 || !l.uniform) return;
+    const int count = ZELMAR_group_get_polygons(m_group, nullptr, 0);
+    std::vector<int> pols(size_t(std::max(count, 0)));
+    if (count > 0) ZELMAR_group_get_polygons(m_group, pols.data(), count);
+    const int total = pols.empty() ? 0 : ZELMAR_polygons_get_points(pols.data(), count, nullptr, nullptr, nullptr, 0);
+    std::vector<int> pts(size_t(std::max(total, 0)));
+    std::vector<double> xyz(3 * pts.size());
+    if (total > 0) ZELMAR_polygons_get_points(pols.data(), count, pts.data(), nullptr, xyz.data(), total);
+    ZELMAR_group_calculate_axis_system(m_group, l.axis[0], l.axis[1], l.axis[2]);
+    const std::vector<int>& inSets = l.points; // in handle order
+    for (int k = 0; k < 3; ++k) {
+        l.lo[k] = INFINITY;
+        l.hi[k] = -INFINITY;
+    }
+    for (size_t i = 0; i < pts.size(); ++i) {
+        if (std::binary_search(inSets.begin(), inSets.end(), pts[i])) continue;
+        const double* q = &xyz[3 * i];
+        for (int k = 0; k < 3; ++k) {
+            const double o = l.axis[k][0] * q[0] + l.axis[k][1] * q[1] + l.axis[k][2] * q[2];
+            l.lo[k] = std::min(l.lo[k], o);
+            l.hi[k] = std::max(l.hi[k], o);
+        }
+    }
+    l.boxed = true;
+}
+
+// SelectionBox().Initialize(m_group) from the kept bounds and the sets' locations.
+void mdlExtrude::initializeBox() {
+    SelectionModel* m = selectionModel();
+    frmPicWins* v = m ? m->Views() : nullptr;
+    if (!v || ZELMAR_group_is_group(m_group) != 1) return;
+    const LiveSets& l = m_live;
+    if (!m_pressed || !l.valid || !l.boxed || !l.uniform) {
+        v->SelectionBox().Initialize(m_group);
+        return;
+    }
+    double lo[3] = {l.lo[0], l.lo[1], l.lo[2]}, hi[3] = {l.hi[0], l.hi[1], l.hi[2]};
+    for (const Vec3d& q : l.loc)
+        for (int k = 0; k < 3; ++k) {
+            const double o = l.axis[k][0] * q[0] + l.axis[k][1] * q[1] + l.axis[k][2] * q[2];
+            lo[k] = std::min(lo[k], o);
+            hi[k] = std::max(hi[k], o);
+        }
+    if (!(lo[0] <= hi[0])) { // no point at all: the engine's answer for an empty group
+        v->SelectionBox().Initialize(m_group);
+        return;
+    }
+    v->SelectionBox().InitializeOriented(m_group, l.axis, lo, hi);
+}
+
+// Sorts the touched polygons into rigid (every point in the sets; their size and validity taken now) and
+// loose ones.
+void mdlExtrude::splitRigid() {
+    LiveSets& l = m_live;
+    if (l.touched.empty()) return;
+    // Outside a gesture the sets are laid out anew for every call: nothing to keep. Within one, the first
+    // step snaps sets that were not together, which changes shapes.
+    if (!m_pressed || !l.uniform) {
+        l.loose = l.touched;
+        l.rigidInvalid.push_back(0);
+        return;
+    }
+    const int count = static_cast<int>(l.touched.size());
+    const int total = ZELMAR_polygons_get_points(l.touched.data(), count, nullptr, nullptr, nullptr, 0);
+    std::vector<int> pts(size_t(std::max(total, 0))), owners(pts.size());
+    std::vector<double> xyz(3 * pts.size());
+    ZELMAR_polygons_get_points(l.touched.data(), count, pts.data(), owners.data(), xyz.data(), total);
+    const std::vector<int>& inSets = l.points; // in handle order
+    std::vector<std::pair<double, int>> rigid; // size, polygon
+    for (size_t i = 0; i < pts.size();) {
+        const int owner = owners[i];
+        bool all = true;
+        double lo[3] = {xyz[3 * i], xyz[3 * i + 1], xyz[3 * i + 2]}, hi[3] = {lo[0], lo[1], lo[2]};
+        size_t j = i;
+        for (; j < pts.size() && owners[j] == owner; ++j) {
+            all = all && std::binary_search(inSets.begin(), inSets.end(), pts[j]);
+            for (size_t k = 0; k < 3; ++k) {
+                lo[k] = std::min(lo[k], xyz[3 * j + k]);
+                hi[k] = std::max(hi[k], xyz[3 * j + k]);
+            }
+        }
+        if (all)
+            rigid.emplace_back(std::max({hi[0] - lo[0], hi[1] - lo[1], hi[2] - lo[2]}), owner);
+        else
+            l.loose.push_back(owner);
+        i = j;
+    }
+    std::sort(rigid.begin(), rigid.end());
+    l.rigidInvalid.push_back(0);
+    for (const auto& [size, pol] : rigid) {
+        l.rigid.push_back(pol);
+        l.rigidSize.push_back(size);
+        l.rigidInvalid.push_back(l.rigidInvalid.back() + (ZELMAR_polygon_is_valid(pol) == 1 ? 0 : 1));
+    }
 }
 
 mdlExtrude::LiveSets& mdlExtrude::live() {
@@ -151,9 +253,16 @@ void mdlExtrude::validate() {
         m->ValidateChangedPolygons();
         return;
     }
-    const LiveSets& l = live();
-    const int invalid = l.touched.empty() ? 0
-                                          : ZELMAR_polygons_count_invalid(l.touched.data(), static_cast<int>(l.touched.size()));
+    LiveSets& l = live();
+    // Rigid polygons of at least this size at the press kept their validity.
+    const double scale = std::fabs(l.scale);
+    const double keep = scale >= 1 ? 1.0 : 1.0 / scale;
+    const size_t first = static_cast<size_t>(
+        std::lower_bound(l.rigidSize.begin(), l.rigidSize.end(), keep) - l.rigidSize.begin());
+    l.check = l.loose;
+    l.check.insert(l.check.end(), l.rigid.begin(), l.rigid.begin() + static_cast<long>(first));
+    int invalid = l.rigidInvalid.empty() ? 0 : l.rigidInvalid.back() - l.rigidInvalid[first];
+    if (!l.check.empty()) invalid += ZELMAR_polygons_count_invalid(l.check.data(), static_cast<int>(l.check.size()));
     m->Host().ShowInvalidPolygons(invalid);
 }
 
@@ -223,6 +332,7 @@ void mdlExtrude::BevelChange(double value) {
         return Vec3d{c[0] + f * (p[0] - c[0]), c[1] + f * (p[1] - c[1]), c[2] + f * (p[2] - c[2])};
     });
     SetPlaneNormals(ExtrudedPols);
+    if (m_live.valid) m_live.scale *= f;
     BevelFactor *= f;
 }
 
@@ -231,8 +341,7 @@ void mdlExtrude::afterStep() {
     if (!m) return;
     validate();
     computeCentre();
-    if (frmPicWins* v = m->Views())
-        if (ZELMAR_group_is_group(m_group) == 1) v->SelectionBox().Initialize(m_group);
+    initializeBox();
 }
 
 void mdlExtrude::LiveStep(int index, double value) {

@@ -49,6 +49,19 @@ class mdlExtrude {
         std::vector<int> points, setOf; // every point of the sets, in handle order, and its set
         std::vector<double> xyz;        // scratch, three per entry of points
         std::vector<int> touched;       // the polygons of the sets' points, each once, in handle order
+        // The validity check of a step. A polygon whose every point is in the sets (rigid) only moves with
+        // them or scales about the pivot, which keeps its validity while its size stays at or above 1 (the
+        // planarity tolerance is relative from there); the rest are checked at every step.
+        std::vector<int> loose;         // touched polygons that are not rigid
+        std::vector<int> rigid;         // rigid polygons by growing size at the press
+        std::vector<double> rigidSize;  // their sizes at the press
+        std::vector<int> rigidInvalid;  // invalid ones among rigid[0..i) at the press, per i (one more entry)
+        std::vector<int> check;         // scratch
+        double scale = 1.0;             // how much the rigid polygons were scaled since the press
+        // The group's box: its axes and the bounds along them of the subtree's points outside the sets.
+        bool boxed = false;
+        double axis[3][3] = {};
+        double lo[3] = {}, hi[3] = {};
         std::vector<int> polygons;      // the selected polygons
         std::vector<double> centres;    // scratch, three per selected polygon
         // What computeCentre last answered, while no set moved since (a bevel step asks before it moves).
@@ -60,6 +73,9 @@ class mdlExtrude {
     void buildLive();
     void moveSets(const std::function<Vec3d(const Vec3d&)>& to);
     void computeCentre();
+    void splitRigid();
+    void takeStaticBox();
+    void initializeBox();
     void validate();
     void afterStep();
     LiveSets m_live;

@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <cmath>
 #include <unordered_map>
-#include <unordered_set>
 #include <zelmar/zelmar.h>
 
 namespace vexil {
@@ -292,27 +291,35 @@ void SelectionModel::UpdateSelPolsRelatedPtsArray() {
     SelectionState& s = Sel();
     s.SelPolsWeldedPts.Clear();
     const WeldTableT& table = WeldTable();
-    // Each welded set once, in the order its first point is met among the selected polygons' points.
-    std::unordered_set<int> taken;
-    for (int i = 1; i <= s.SelPols.Count(); ++i)
-        for (int pt = ZELMAR_polygon_get_first_point(s.SelPols[i]); pt != 0;
-             pt = ZELMAR_point_get_next_point(pt)) {
-            const int set = table.IndexOf(pt);
-            if (set != 0 && taken.insert(set).second) s.SelPolsWeldedPts.Append(set);
-        }
+    // Each welded set once, in the order its first point is met among the selected polygons' points (read
+    // in one bulk call: a cut selects tens of thousands of halves at once).
+    const std::vector<int> pols = s.SelPols.ToVector();
+    if (pols.empty()) return;
+    const int count = static_cast<int>(pols.size());
+    const int total = ZELMAR_polygons_get_points(pols.data(), count, nullptr, nullptr, nullptr, 0);
+    if (total <= 0) return;
+    std::vector<int> pts(static_cast<size_t>(total));
+    ZELMAR_polygons_get_points(pols.data(), count, pts.data(), nullptr, nullptr, total);
+    std::vector<bool> taken(static_cast<size_t>(table.Count()) + 1, false); // sets are numbered 1..Count
+    for (int pt : pts) {
+        const int set = table.IndexOf(pt);
+        if (set <= 0 || set >= static_cast<int>(taken.size()) || taken[static_cast<size_t>(set)]) continue;
+        taken[static_cast<size_t>(set)] = true;
+        s.SelPolsWeldedPts.Append(set);
+    }
 }
 
 void SelectionModel::ComputeSelPolsAvgCenter() {
     SelectionState& s = Sel();
     const int n = s.SelPols.Count();
     if (n == 0) return;
+    const std::vector<int> pols = s.SelPols.ToVector();
+    std::vector<double> centres(3 * pols.size(), 0.0);
+    ZELMAR_polygons_get_centers(pols.data(), n, centres.data());
     Vec3 sum{0, 0, 0};
-    for (int i = 1; i <= n; ++i) {
-        double c[3];
-        ZELMAR_polygon_get_center(s.SelPols[i], c);
-        for (int k = 0; k < 3; ++k)
-            sum[k] += c[k];
-    }
+    for (size_t i = 0; i < pols.size(); ++i)
+        for (size_t k = 0; k < 3; ++k)
+            sum[k] += centres[3 * i + k];
     for (int k = 0; k < 3; ++k)
         s.SelPolsAvgCenter[k] = sum[k] / n;
     SetPtNearestToPolsAvgCenter();
@@ -321,18 +328,21 @@ void SelectionModel::ComputeSelPolsAvgCenter() {
 void SelectionModel::SetPtNearestToPolsAvgCenter() {
     SelectionState& s = Sel();
     const WeldTableT& table = WeldTable();
+    std::vector<int> pts;
+    for (int i = 1; i <= s.SelPolsWeldedPts.Count(); ++i)
+        if (const WeldedPoints* set = table.At(s.SelPolsWeldedPts[i]))
+            for (int k = 1; k <= set->Count(); ++k)
+                pts.push_back(set->Point(k));
+    if (pts.empty()) return;
+    // A point that is gone keeps NaN and is never the nearest.
+    std::vector<double> xyz(3 * pts.size(), std::nan(""));
+    ZELMAR_points_get_values(pts.data(), static_cast<int>(pts.size()), 1, xyz.data());
     double best = SelectionState::FarAway;
-    for (int i = 1; i <= s.SelPolsWeldedPts.Count(); ++i) {
-        const WeldedPoints* set = table.At(s.SelPolsWeldedPts[i]);
-        if (!set) continue;
-        for (int k = 1; k <= set->Count(); ++k) {
-            double p[3];
-            ZELMAR_point_get_xyz(set->Point(k), p);
-            const double d = distance(p, s.SelPolsAvgCenter);
-            if (d < best) {
-                best = d;
-                s.PtNearestToAvgCenter = set->Point(k);
-            }
+    for (size_t i = 0; i < pts.size(); ++i) {
+        const double d = distance(&xyz[3 * i], s.SelPolsAvgCenter);
+        if (d < best) {
+            best = d;
+            s.PtNearestToAvgCenter = pts[i];
         }
     }
 }

@@ -70,6 +70,28 @@ void BoundingBox::Initialize(int group) {
     }
 }
 
+void BoundingBox::InitializeOriented(int group, const double axis[3][3], const double lo[3], const double hi[3]) {
+    // As the engine answers location and dimensions: the middle of the oriented bounds turned back into
+    // world space, and each corner turned about it.
+    auto toWorld = [&](const double o[3], double w[3]) {
+        for (int k = 0; k < 3; ++k)
+            w[k] = axis[0][k] * o[0] + axis[1][k] * o[1] + axis[2][k] * o[2];
+    };
+    m_group = group;
+    double mid[3], dim[3], loc[3];
+    for (int k = 0; k < 3; ++k) {
+        mid[k] = (lo[k] + hi[k]) * 0.5;
+        dim[k] = (hi[k] - lo[k]) / 2;
+    }
+    toWorld(mid, loc);
+    for (int i = 0; i < 8; ++i) {
+        const double d[3] = {(i & 1) ? dim[0] : -dim[0], (i & 2) ? dim[1] : -dim[1], (i & 4) ? dim[2] : -dim[2]};
+        double w[3];
+        toWorld(d, w);
+        m_corners[i] = {loc[0] + w[0], loc[1] + w[1], loc[2] + w[2]};
+    }
+}
+
 void BoundingBox::Draw(QPainter& p) const {
     if (m_group == 0) return;
     p.save();

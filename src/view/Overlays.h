@@ -39,6 +39,9 @@ class myLine {
 class BoundingBox {
   public:
     void Initialize(int group);
+    // The same box from the bounds of the group's points already taken along its axes (the rows of
+    // `axis`, as group_calculate_axis_system answers them), for callers that keep them up to date.
+    void InitializeOriented(int group, const double axis[3][3], const double lo[3], const double hi[3]);
     // Twelve edges in white.
     void Draw(QPainter& p) const;
     int Group() const { return m_group; }

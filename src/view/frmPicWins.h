@@ -159,6 +159,12 @@ class frmPicWins : public QWidget, public CameraContext, public GridContext {
 
     // ---- painting ------------------------------------------------------------------------------------
     void UpdateCameras();
+    // The active view now and the others at the next turn of the event loop (one render each however often
+    // this is called before it turns; a full UpdateCameras in between does them at once). For commands
+    // that end with a long render of four views: the user sees the active one first either way.
+    void UpdateCamerasDeferred();
+    // The views still waiting for that turn (bit i for window i).
+    unsigned DeferredViews() const { return m_deferred; }
     void UpdateCamerasSingle(int index);
     void picWindow_Paint(int index);
     void ToggleWireframe();
@@ -231,6 +237,9 @@ class frmPicWins : public QWidget, public CameraContext, public GridContext {
     std::array<int, 4> m_shownCam{};
     std::array<int, 4> m_labelId{};
     std::array<unsigned, 4> m_paintCount{};
+    unsigned m_deferred = 0;
+    bool m_deferredQueued = false;
+    void paintDeferred();
     std::array<QString, 4> m_pointerKey;
     BoundingBox m_selectionBox;
     Wireframe m_wireframe;

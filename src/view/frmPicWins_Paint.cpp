@@ -10,6 +10,7 @@
 namespace vexil {
 
 void frmPicWins::UpdateCameras() {
+    m_deferred = 0;
     if (!m_host.WorldOpen()) return;
     // Windows of 75 twips or less in either direction are not worth a render.
     const double minTwips = 75;
@@ -20,6 +21,41 @@ void frmPicWins::UpdateCameras() {
     }
     // The active window last, so that its camera stays current in the engine.
     picWindow_Paint(ActiveWin);
+}
+
+void frmPicWins::UpdateCamerasDeferred() {
+    if (!m_host.WorldOpen()) return;
+    picWindow_Paint(ActiveWin);
+    m_deferred |= 0xFu & ~(1u << ActiveWin);
+    if (m_deferredQueued) return;
+    m_deferredQueued = true;
+    QMetaObject::invokeMethod(this, [this] { paintDeferred(); }, Qt::QueuedConnection);
+}
+
+void frmPicWins::paintDeferred() {
+    m_deferredQueued = false;
+    const unsigned pending = m_deferred;
+    m_deferred = 0;
+    if (pending == 0 || !m_host.WorldOpen()) return;
+    const double minTwips = 75;
+    bool painted = false;
+    for (int i = 0; i < 4; ++i)
+        if (i != ActiveWin && (pending & (1u << i)) && PixelsToTwips(m_wins[i]->width()) > minTwips &&
+            PixelsToTwips(m_wins[i]->height()) > minTwips) {
+            picWindow_Paint(i);
+            painted = true;
+        }
+    if (pending & (1u << ActiveWin)) { // the user made a waiting view the active one meanwhile
+        picWindow_Paint(ActiveWin);
+        return;
+    }
+    if (!painted) return;
+    // As UpdateCameras leaves it: the active view's camera current, its markers scaled for it.
+    picWindow* win = m_wins[ActiveWin];
+    const int cam = m_shownCam[ActiveWin] ? m_shownCam[ActiveWin] : m_cams[ActiveWin]->CamHandle;
+    ZELMAR_camera_set_current(cam, win->Target());
+    m_host.ScaleSceneCameras(ActiveWin);
+    m_host.ScaleSceneLights(ActiveWin);
 }
 
 void frmPicWins::UpdateCamerasSingle(int index) {

@@ -91,6 +91,7 @@ class SelHost : public ViewportHost, public SelectionHost, public DocumentHost {
     std::vector<std::pair<int, int>> closedPanels, openedPanels;
     std::vector<int> menus;
     int lightFrameHidden = 0, groupPanels = 0, resetToNewObj = 0;
+    int invalidShown = -1; // the last count of invalid polygons the status bar was given
 
     // ---- shared ----
     bool WorldOpen() override { return true; }
@@ -117,6 +118,7 @@ class SelHost : public ViewportHost, public SelectionHost, public DocumentHost {
         nameEnabled = e;
     }
     void ResetGroupsTabToNewObj() override { ++resetToNewObj; }
+    void ShowInvalidPolygons(int count) override { invalidShown = count; }
     void ShowGroupPanel(int) override { ++groupPanels; }
     void HideLightFrame() override { ++lightFrameHidden; }
     void ClosePanelOfKind(int prev, int now) override { closedPanels.emplace_back(prev, now); }

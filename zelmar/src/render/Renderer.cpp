@@ -384,6 +384,12 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
         // its triangles (their snapped corners all lie at or beyond that edge).
         if (x1 < 0 || y1 < 0 || x0 > static_cast<float>(fd.width) || y0 > static_cast<float>(fd.height))
             return;
+        // Between two rows or two columns of pixel centres (a polygon smaller than a pixel, common in a
+        // dense mesh seen from afar): no triangle of it covers a centre either. A snapped corner lies
+        // within 1/32 pixel of its vertex, so the test widens the bounds by 1/16.
+        if (std::floor(static_cast<double>(x1) + 0.0625 - 0.5) < std::ceil(static_cast<double>(x0) - 0.0625 - 0.5) ||
+            std::floor(static_cast<double>(y1) + 0.0625 - 0.5) < std::ceil(static_cast<double>(y0) - 0.0625 - 0.5))
+            return;
         for (uint32_t t = 0; t < pp.triCount; ++t) {
             const uint32_t a = tri[3 * t], b = tri[3 * t + 1], c = tri[3 * t + 2];
             if (a >= n || b >= n || c >= n) continue;

@@ -5,14 +5,16 @@
 namespace zelmar::render {
 
 void newellNormal(const double* xyz, size_t stride, size_t count, double n[3]) {
-    n[0] = n[1] = n[2] = 0;
+    // The same sums in the same order as over (i, (i + 1) % count), without the division per point.
+    double n0 = 0, n1 = 0, n2 = 0;
     for (size_t i = 0; i < count; ++i) {
         const double* a = xyz + i * stride;
-        const double* b = xyz + (i + 1 == count ? 0 : i + 1) * stride; // no division: packing runs this per polygon
-        n[0] += (a[1] - b[1]) * (a[2] + b[2]);
-        n[1] += (a[2] - b[2]) * (a[0] + b[0]);
-        n[2] += (a[0] - b[0]) * (a[1] + b[1]);
+        const double* b = i + 1 < count ? a + stride : xyz;
+        n0 += (a[1] - b[1]) * (a[2] + b[2]);
+        n1 += (a[2] - b[2]) * (a[0] + b[0]);
+        n2 += (a[0] - b[0]) * (a[1] + b[1]);
     }
+    n[0] = n0, n[1] = n1, n[2] = n2;
 }
 
 namespace {
@@ -55,11 +57,12 @@ void triangulate(const double* xyz, size_t stride, size_t count, std::vector<uin
         drop = 1;
     const int ax = (drop + 1) % 3, ay = (drop + 2) % 3;
     const bool flip = n[drop] < 0;
-    // Small rings (nearly all) project into the stack: no allocation per polygon.
-    double small[2 * 16];
+    // Most rings are small: their projection stays on the stack (a scene packs a hundred thousand of them).
+    constexpr size_t kSmall = 16;
+    double small[2 * kSmall];
     std::vector<double> large;
     double* p = small;
-    if (count > 16) {
+    if (count > kSmall) {
         large.resize(count * 2);
         p = large.data();
     }
@@ -69,12 +72,13 @@ void triangulate(const double* xyz, size_t stride, size_t count, std::vector<uin
     }
     // Convex: every corner turns left.
     bool convex = true;
-    for (size_t i = 0; i < count && convex; ++i) {
-        const size_t j = i + 1 == count ? 0 : i + 1, k = j + 1 == count ? 0 : j + 1;
+    for (size_t i = 0, j = 1, k = 2; i < count && convex; ++i) {
         const double* a = &p[2 * i];
         const double* b = &p[2 * j];
         const double* c = &p[2 * k];
         if (cross2(b[0] - a[0], b[1] - a[1], c[0] - b[0], c[1] - b[1]) < 0) convex = false;
+        j = j + 1 == count ? 0 : j + 1;
+        k = k + 1 == count ? 0 : k + 1;
     }
     if (convex) {
         fan(count, out);
