@@ -460,6 +460,9 @@ private:
     };
     FlatIndex<std::uint64_t, EdgeKeyHash> edgeIndex_;
     bool edgeIndexDirty_ = false;
+    // True while every edge is in both its ends' edge lists and no pair of points has two edges
+    // (a model read afresh, nothing contracted or restored): edges are then found by A's list.
+    bool edgesInLists_ = true;
     // The heap holds the edges that cost less than heapLimit_ (the cheapest few thousand; all of
     // them when the limit is infinite); the others wait outside until a selection reaches it.
     EdgeHeap heap_;

@@ -35,7 +35,7 @@ void SurfSimpli::ExtractTriangles(int group) {
         pTris_.reserve(points, points * 8);
         pEdges_.reserve(points, points * 8);
         pointIndex_.reserve(points);
-        edgeIndex_.reserve(edges);
+        if (!edgesInLists_) edgeIndex_.reserve(edges);
         int done = 0;
         for (int pol = engine_->group_get_first_polygon(group); pol != 0; pol = engine_->group_get_next_polygon(pol)) {
             const int bitmap = engine_->polygon_get_bitmap_handle(pol);

@@ -210,12 +210,27 @@ int SurfSimpli::AddEdgeOfTri(int pA, int pB, int tri) { return exEdge(addEdgeOfT
 
 int SurfSimpli::addEdgeOfTri(int pA, int pB, int tri) {
     pristine_ = false;
-    if (edgeIndexDirty_) rebuildEdgeIndex();
-    const std::uint64_t key = edgeKey(pA, pB);
-    int e = edgeIndex_.find(key);
-    if (e == 0) {
-        e = static_cast<int>(newEdge(pA, pB));
-        edgeIndex_.emplace(key, e);
+    int e = 0;
+    if (edgesInLists_) {
+        // Every edge is in its ends' lists and no pair has two edges: the edge, if any, is in
+        // A's list (which the addition below reads anyway), and no index is needed.
+        for (const std::int32_t* x = pEdges_.begin(static_cast<std::size_t>(pA)); x != pEdges_.end(static_cast<std::size_t>(pA)); ++x) {
+            const EdgeHot& X = edges_[static_cast<std::size_t>(*x)];
+            if ((X.a == pA && X.b == pB) || (X.a == pB && X.b == pA)) {
+                e = *x;
+                break;
+            }
+        }
+        if (e == 0) e = static_cast<int>(newEdge(pA, pB));
+        edgeIndexDirty_ = true; // made from the edges if the lists stop holding them all
+    } else {
+        if (edgeIndexDirty_) rebuildEdgeIndex();
+        const std::uint64_t key = edgeKey(pA, pB);
+        e = edgeIndex_.find(key);
+        if (e == 0) {
+            e = static_cast<int>(newEdge(pA, pB));
+            edgeIndex_.emplace(key, e);
+        }
     }
     eTris_.push(static_cast<std::size_t>(e), tri);
     pEdges_.addIfAbsent(static_cast<std::size_t>(pA), e);
@@ -330,6 +345,7 @@ void SurfSimpli::clearArrays() {
     edges_.assign(1, EdgeHot{0, 0, 0.0, {0, 0, 0}, false, false});
     eTris_.clear();
     eTris_.addList();
+    edgesInLists_ = true;
     tris_.assign(1, TriHot{});
     tUV_.assign(1, {});
     tBitmap_.assign(1, 0);
@@ -449,6 +465,7 @@ void SurfSimpli::RestoreGeomFromCopy() {
     selectedMark_.clear();
     pristine_ = true;
     edgeIndexDirty_ = true;
+    edgesInLists_ = false;
     heapDirty_ = true;
 }
 

@@ -204,6 +204,7 @@ int SurfSimpli::ContractEdge() {
     }
     pValid_[g] = 0;
     edgeIndexDirty_ = true;
+    edgesInLists_ = false;
 
     collectAffected(kept);
     // The neighbourhood's triangles lie anywhere in the array: have them all on their way in
@@ -310,6 +311,7 @@ void SurfSimpli::repointTriEdges(int from, int to) {
 
 void SurfSimpli::collectAffected(int kept) {
     pristine_ = false;
+    edgesInLists_ = false; // dead edges leave the lists below
     affectedPts_.clear();
     affectedEdges_.clear();
     if (++stamp_ == 0) { // wrapped: start the marks afresh
