@@ -150,7 +150,7 @@ void SurfSimpli::renumberForLocality() {
     affectedEdges_.clear();
     pointIndexDirty_ = true;
     edgeIndexDirty_ = true;
-    edgesInLists_ = false;
+    leaveListMode();
     heapDirty_ = true;
 }
 
