@@ -154,7 +154,17 @@ int SurfSimpli::ContractEdge() {
             }
             touchTriCorners(*t);
         }
-        for (const std::int32_t* e = pEdges_.begin(p); e != pEdges_.end(p); ++e) touchEdgeEnds(*e);
+        for (const std::int32_t* e = pEdges_.begin(p); e != pEdges_.end(p); ++e) {
+            touchEdgeEnds(*e);
+            // the far ends are the neighbourhood whose quadrics and edges are made again below:
+            // their list heads and records on their way in now
+            const EdgeHot& X = edges_[static_cast<std::size_t>(*e)];
+            const std::size_t f = static_cast<std::size_t>(X.a == static_cast<std::int32_t>(p) ? X.b : X.a);
+            pEdges_.prefetchHead(f);
+            pTris_.prefetchHead(f);
+            __builtin_prefetch(pts_[f].s);
+            __builtin_prefetch(pts_[f].s + 8);
+        }
     }
     if (!geomOnly_) {
         const double nc[3] = {edges_[ei].nc[0], edges_[ei].nc[1], edges_[ei].nc[2]};
@@ -205,6 +215,12 @@ int SurfSimpli::ContractEdge() {
     pValid_[g] = 0;
     edgeIndexDirty_ = true;
     leaveListMode();
+    for (const std::int32_t* e = pEdges_.begin(k); e != pEdges_.end(k); ++e) { // the lists read next
+        const EdgeHot& X = edges_[static_cast<std::size_t>(*e)];
+        const std::size_t f = static_cast<std::size_t>(X.a == kept ? X.b : X.a);
+        pEdges_.prefetchEntries(f);
+        pTris_.prefetchEntries(f);
+    }
 
     collectAffected(kept);
     // The neighbourhood's triangles lie anywhere in the array: have them all on their way in
