@@ -151,7 +151,23 @@ bool SurfSimpli::GetFirstTriangle(double c1[9], double c2[9], double c3[9], int&
 
 bool SurfSimpli::GetNextTriangle(double c1[9], double c2[9], double c3[9], int& bitmapHandle, double& brightness,
                                  int color[3]) {
-    for (int t = std::max(outCursor_, 1); t <= TriCount(); ++t) { // in the order of the design's indices
+    const int n = TriCount();
+    for (int t = std::max(outCursor_, 1); t <= n; ++t) { // in the order of the design's indices
+        // The records lie anywhere in the arrays (the model's own order): the triangles a few
+        // steps on are asked for, and the corners of those half as far on, whose records are in.
+        if (t + 8 <= n) {
+            const std::size_t ahead = static_cast<std::size_t>(inTri(t + 8));
+            __builtin_prefetch(&tris_[ahead]);
+            __builtin_prefetch(tUV_[ahead].data());
+        }
+        if (t + 4 <= n) {
+            const TriHot& A = tris_[static_cast<std::size_t>(inTri(t + 4))];
+            for (const std::int32_t p : A.pts)
+                if (static_cast<std::size_t>(p) < pts_.size()) {
+                    __builtin_prefetch(pts_[static_cast<std::size_t>(p)].xyz);
+                    __builtin_prefetch(&pNormal_[static_cast<std::size_t>(p)]);
+                }
+        }
         const std::size_t ti = static_cast<std::size_t>(inTri(t));
         const TriHot& T = tris_[ti];
         if (!T.valid) continue;
