@@ -293,6 +293,7 @@ private:
         bool valid, border;
         std::uint32_t stamp = 0; // collectAffected's mark, in the record's padding
     };
+    static_assert(sizeof(EdgeHot) == 48, "the mark must stay in the edge record's padding");
     // A copy for restarting: the fields that contraction changes. Point quadrics and edge
     // placements and costs are all zero after extraction; they are kept only when they are not.
     struct Backup {
