@@ -51,6 +51,8 @@ void SurfSimpli::ExtractTriangles(int group) {
         chunk.reserve(kChunk);
         int done = 0;
         auto addChunk = [&] {
+            for (std::size_t i = 0; i < kAhead && i < chunk.size(); ++i)
+                for (const auto& c : chunk[i].corners) prefetchPoint(c);
             for (std::size_t i = 0; i < chunk.size(); ++i) {
                 if (i + kAhead < chunk.size())
                     for (const auto& c : chunk[i + kAhead].corners) prefetchPoint(c);
@@ -89,14 +91,8 @@ void SurfSimpli::ExtractTriangles(int group) {
             r.brightness = brightness;
             r.plane[0] = r.plane[1] = r.plane[2] = r.plane[3] = 0;
             engine_->polygon_get_plane(pol, r.plane);
-            if (chunk.size() == kChunk) {
-                for (std::size_t i = 0; i < kAhead && i < chunk.size(); ++i)
-                    for (const auto& c : chunk[i].corners) prefetchPoint(c);
-                addChunk();
-            }
+            if (chunk.size() == kChunk) addChunk();
         }
-        for (std::size_t i = 0; i < kAhead && i < chunk.size(); ++i)
-            for (const auto& c : chunk[i].corners) prefetchPoint(c);
         addChunk();
         if (progress_) progress_->setValue(0);
         notePeak();

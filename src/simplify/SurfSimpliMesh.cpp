@@ -237,9 +237,6 @@ int SurfSimpli::addEdgeOfTri(int pA, int pB, int tri) {
                 pFar_.push(b, pA);
             }
         }
-        eTris_.push(static_cast<std::size_t>(e), tri);
-        heapDirty_ = true;
-        return e;
     } else {
         if (edgeIndexDirty_) rebuildEdgeIndex();
         const std::uint64_t key = edgeKey(pA, pB);
@@ -248,10 +245,10 @@ int SurfSimpli::addEdgeOfTri(int pA, int pB, int tri) {
             e = static_cast<int>(newEdge(pA, pB));
             edgeIndex_.emplace(key, e);
         }
+        pEdges_.addIfAbsent(static_cast<std::size_t>(pA), e);
+        pEdges_.addIfAbsent(static_cast<std::size_t>(pB), e);
     }
     eTris_.push(static_cast<std::size_t>(e), tri);
-    pEdges_.addIfAbsent(static_cast<std::size_t>(pA), e);
-    pEdges_.addIfAbsent(static_cast<std::size_t>(pB), e);
     heapDirty_ = true;
     return e;
 }
