@@ -42,6 +42,9 @@ public:
     std::int32_t* begin(std::size_t list) { return data_.data() + heads_[list].off; }
     std::int32_t at(std::size_t list, std::size_t i) const { return data_[heads_[list].off + i]; }
     std::int32_t& at(std::size_t list, std::size_t i) { return data_[heads_[list].off + i]; }
+    // Ask for a list's head, or (reading the head) its first entries, ahead of their use.
+    void prefetchHead(std::size_t list) const { __builtin_prefetch(&heads_[list]); }
+    void prefetchEntries(std::size_t list) const { __builtin_prefetch(data_.data() + heads_[list].off); }
     std::vector<std::int32_t> copy(std::size_t list) const { return {begin(list), end(list)}; }
 
     void push(std::size_t list, std::int32_t value) {

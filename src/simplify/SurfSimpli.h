@@ -291,7 +291,9 @@ private:
         double cost;
         double nc[3];
         bool valid, border;
+        std::uint32_t stamp = 0; // collectAffected's mark, in the record's padding
     };
+    static_assert(sizeof(EdgeHot) == 48, "the mark must stay in the edge record's padding");
     // A copy for restarting: the fields that contraction changes. Point quadrics and edge
     // placements and costs are all zero after extraction; they are kept only when they are not.
     struct Backup {
@@ -343,6 +345,7 @@ private:
 
     // The work of the public operations on the arrays' own record numbers.
     int bucketPoint(const double coords[3], int tri);
+    void prefetchPoint(const double coords[3]) const; // the index slot bucketPoint will read first
     int addEdgeOfTri(int pA, int pB, int tri);
     int selectEdge();
     bool wouldDegenerate(int edge);
@@ -460,6 +463,15 @@ private:
     };
     FlatIndex<std::uint64_t, EdgeKeyHash> edgeIndex_;
     bool edgeIndexDirty_ = false;
+    // True while every edge is in both its ends' edge lists and no pair of points has two edges
+    // (a model read afresh, nothing contracted or restored): edges are then found by A's list.
+    bool edgesInLists_ = true;
+    ListPool pFar_; // meanwhile: the far end of each entry of pEdges_, kept in step with it
+    void leaveListMode() {
+        if (!edgesInLists_) return;
+        edgesInLists_ = false;
+        pFar_ = ListPool{};
+    }
     // The heap holds the edges that cost less than heapLimit_ (the cheapest few thousand; all of
     // them when the limit is infinite); the others wait outside until a selection reaches it.
     EdgeHeap heap_;
@@ -473,7 +485,7 @@ private:
         std::int32_t edge, a, b;
     };
     std::vector<EdgeEnds> edgeEnds_; // keepsManifold's scratch
-    std::vector<std::uint32_t> ptStamp_, edgeStamp_;
+    std::vector<std::uint32_t> ptStamp_;
     std::uint32_t stamp_ = 0;
     std::vector<char> selectedMark_;
     // refusal cache: the contraction count at which each point last changed near it, and for a

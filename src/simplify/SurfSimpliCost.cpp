@@ -272,7 +272,7 @@ void SurfSimpli::AddLockTerms() {
     }
 }
 
-void SurfSimpli::sumEdgeQuadric(int edge, QSum& q) const {
+[[gnu::always_inline]] inline void SurfSimpli::sumEdgeQuadric(int edge, QSum& q) const {
     const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
     const PointHot& A = pts_[static_cast<std::size_t>(E.a)];
     const PointHot& B = pts_[static_cast<std::size_t>(E.b)];
@@ -373,7 +373,7 @@ void SurfSimpli::placeOptimal(int edge, const QSum& q) {
 // The settled formula; a zero divisor or a non-finite term falls back to the better end. The
 // terms are tested together once the division is done: no later value can hide an earlier
 // non-finite one except a division, which is tested before it is made.
-void SurfSimpli::placeOnSegment(int edge, const QSum& q) {
+[[gnu::always_inline]] inline void SurfSimpli::placeOnSegment(int edge, const QSum& q) {
     EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
     const double* A = pts_[static_cast<std::size_t>(E.a)].xyz;
     const double* B = pts_[static_cast<std::size_t>(E.b)].xyz;
@@ -429,7 +429,7 @@ void SurfSimpli::PlaceOnSegment(int edge) {
     placeOnSegment(edge, q);
 }
 
-void SurfSimpli::evaluateEdge(int edge, const QSum& q) {
+[[gnu::always_inline]] inline void SurfSimpli::evaluateEdge(int edge, const QSum& q) {
     if (geomOnly_) placeOptimal(edge, q);
     else placeOnSegment(edge, q);
     EdgeHot& E = edges_[static_cast<std::size_t>(edge)];

@@ -34,19 +34,45 @@ void SurfSimpli::ExtractTriangles(int group) {
         pNormal_.reserve(points);
         pTris_.reserve(points, points * 8);
         pEdges_.reserve(points, points * 8);
+        if (edgesInLists_) pFar_.reserve(points, points * 8);
         pointIndex_.reserve(points);
-        edgeIndex_.reserve(edges);
-        int done = 0;
-        for (int pol = engine_->group_get_first_polygon(group); pol != 0; pol = engine_->group_get_next_polygon(pol)) {
-            const int bitmap = engine_->polygon_get_bitmap_handle(pol);
-            int color[3] = {0, 0, 0};
-            engine_->polygon_get_color(pol, color);
-            double brightness = engine_->polygon_get_brightness(pol);
+        if (!edgesInLists_) edgeIndex_.reserve(edges);
+        // The triangles are read a few hundred at a time, then added in the same order: while
+        // one is added, the index slots of the corners a few triangles on are on their way in.
+        struct Read {
             double corners[3][9];
+            double plane[4];
+            int bitmap;
+            double brightness;
+            int color[3];
+        };
+        constexpr std::size_t kChunk = 256, kAhead = 8;
+        std::vector<Read> chunk;
+        chunk.reserve(kChunk);
+        int done = 0;
+        auto addChunk = [&] {
+            for (std::size_t i = 0; i < kAhead && i < chunk.size(); ++i)
+                for (const auto& c : chunk[i].corners) prefetchPoint(c);
+            for (std::size_t i = 0; i < chunk.size(); ++i) {
+                if (i + kAhead < chunk.size())
+                    for (const auto& c : chunk[i + kAhead].corners) prefetchPoint(c);
+                Read& r = chunk[i];
+                AddTriangle(r.corners[0], r.corners[1], r.corners[2], r.plane, r.bitmap, r.brightness, r.color);
+                ++done;
+                if (progress_) progress_->setValue(done);
+            }
+            chunk.clear();
+        };
+        for (int pol = engine_->group_get_first_polygon(group); pol != 0; pol = engine_->group_get_next_polygon(pol)) {
+            Read& r = chunk.emplace_back();
+            r.bitmap = engine_->polygon_get_bitmap_handle(pol);
+            r.color[0] = r.color[1] = r.color[2] = 0;
+            engine_->polygon_get_color(pol, r.color);
+            double brightness = engine_->polygon_get_brightness(pol);
             int pt = engine_->polygon_get_first_point(pol);
             for (int k = 0; k < 3; ++k) {
                 if (k > 0) pt = engine_->point_get_next_point(pt);
-                double* c = corners[k];
+                double* c = r.corners[k];
                 double uv[2] = {0, 0}, normal[3] = {0, 0, 0}, xyz[3] = {0, 0, 0};
                 engine_->point_get_bitmap_xy(pt, uv);
                 brightness = engine_->point_get_brightness(pt); // the third corner's is the one passed on
@@ -62,12 +88,12 @@ void SurfSimpli::ExtractTriangles(int group) {
                 c[7] = normal[1];
                 c[8] = normal[2];
             }
-            double plane[4] = {0, 0, 0, 0};
-            engine_->polygon_get_plane(pol, plane);
-            AddTriangle(corners[0], corners[1], corners[2], plane, bitmap, brightness, color);
-            ++done;
-            if (progress_) progress_->setValue(done);
+            r.brightness = brightness;
+            r.plane[0] = r.plane[1] = r.plane[2] = r.plane[3] = 0;
+            engine_->polygon_get_plane(pol, r.plane);
+            if (chunk.size() == kChunk) addChunk();
         }
+        addChunk();
         if (progress_) progress_->setValue(0);
         notePeak();
         dropIndexes();
@@ -121,7 +147,23 @@ bool SurfSimpli::GetFirstTriangle(double c1[9], double c2[9], double c3[9], int&
 
 bool SurfSimpli::GetNextTriangle(double c1[9], double c2[9], double c3[9], int& bitmapHandle, double& brightness,
                                  int color[3]) {
-    for (int t = std::max(outCursor_, 1); t <= TriCount(); ++t) { // in the order of the design's indices
+    const int n = TriCount();
+    for (int t = std::max(outCursor_, 1); t <= n; ++t) { // in the order of the design's indices
+        // The records lie anywhere in the arrays (the model's own order): the triangles a few
+        // steps on are asked for, and the corners of those half as far on, whose records are in.
+        if (t + 8 <= n) {
+            const std::size_t ahead = static_cast<std::size_t>(inTri(t + 8));
+            __builtin_prefetch(&tris_[ahead]);
+            __builtin_prefetch(tUV_[ahead].data());
+        }
+        if (t + 4 <= n) {
+            const TriHot& A = tris_[static_cast<std::size_t>(inTri(t + 4))];
+            for (const std::int32_t p : A.pts)
+                if (static_cast<std::size_t>(p) < pts_.size()) {
+                    __builtin_prefetch(pts_[static_cast<std::size_t>(p)].xyz);
+                    __builtin_prefetch(&pNormal_[static_cast<std::size_t>(p)]);
+                }
+        }
         const std::size_t ti = static_cast<std::size_t>(inTri(t));
         const TriHot& T = tris_[ti];
         if (!T.valid) continue;

@@ -127,6 +127,7 @@ std::size_t SurfSimpli::newPoint(const double coords[3]) {
     pNormal_.push_back(Vec3{0, 0, 0});
     pTris_.addList();
     pEdges_.addList();
+    if (edgesInLists_) pFar_.addList();
     return pValid_.size() - 1;
 }
 
@@ -183,6 +184,11 @@ void SurfSimpli::AddTriangle(const double c1[9], const double c2[9], const doubl
 
 int SurfSimpli::BucketPoint(const double coords[3], int tri) { return exPt(bucketPoint(coords, inTri(tri))); }
 
+void SurfSimpli::prefetchPoint(const double coords[3]) const {
+    if (pointIndexDirty_) return;
+    pointIndex_.prefetch(PointKey{keyBits(coords[0]), keyBits(coords[1]), keyBits(coords[2]), octantOf(coords, octantCentre_)});
+}
+
 int SurfSimpli::bucketPoint(const double coords[3], int tri) {
     pristine_ = false;
     if (pointIndexDirty_) rebuildPointIndex();
@@ -210,16 +216,39 @@ int SurfSimpli::AddEdgeOfTri(int pA, int pB, int tri) { return exEdge(addEdgeOfT
 
 int SurfSimpli::addEdgeOfTri(int pA, int pB, int tri) {
     pristine_ = false;
-    if (edgeIndexDirty_) rebuildEdgeIndex();
-    const std::uint64_t key = edgeKey(pA, pB);
-    int e = edgeIndex_.find(key);
-    if (e == 0) {
-        e = static_cast<int>(newEdge(pA, pB));
-        edgeIndex_.emplace(key, e);
+    int e = 0;
+    if (edgesInLists_) {
+        // Every edge is in both its ends' lists and no pair has two edges: the edge, if any, is
+        // in A's list, found by the far ends kept beside it; a new one goes into both lists.
+        const std::size_t a = static_cast<std::size_t>(pA), b = static_cast<std::size_t>(pB);
+        const std::int32_t* far = pFar_.begin(a);
+        for (std::uint32_t i = 0, n = pFar_.size(a); i < n; ++i)
+            if (far[i] == pB) {
+                e = pEdges_.at(a, i);
+                break;
+            }
+        edgeIndexDirty_ = true; // made from the edges if the lists stop holding them all
+        if (e == 0) {
+            e = static_cast<int>(newEdge(pA, pB));
+            pEdges_.push(a, e);
+            pFar_.push(a, pB);
+            if (b != a) {
+                pEdges_.push(b, e);
+                pFar_.push(b, pA);
+            }
+        }
+    } else {
+        if (edgeIndexDirty_) rebuildEdgeIndex();
+        const std::uint64_t key = edgeKey(pA, pB);
+        e = edgeIndex_.find(key);
+        if (e == 0) {
+            e = static_cast<int>(newEdge(pA, pB));
+            edgeIndex_.emplace(key, e);
+        }
+        pEdges_.addIfAbsent(static_cast<std::size_t>(pA), e);
+        pEdges_.addIfAbsent(static_cast<std::size_t>(pB), e);
     }
     eTris_.push(static_cast<std::size_t>(e), tri);
-    pEdges_.addIfAbsent(static_cast<std::size_t>(pA), e);
-    pEdges_.addIfAbsent(static_cast<std::size_t>(pB), e);
     heapDirty_ = true;
     return e;
 }
@@ -327,9 +356,12 @@ void SurfSimpli::clearArrays() {
     pTris_.addList();
     pEdges_.clear();
     pEdges_.addList();
+    pFar_.clear();
+    pFar_.addList();
     edges_.assign(1, EdgeHot{0, 0, 0.0, {0, 0, 0}, false, false});
     eTris_.clear();
     eTris_.addList();
+    edgesInLists_ = true;
     tris_.assign(1, TriHot{});
     tUV_.assign(1, {});
     tBitmap_.assign(1, 0);
@@ -449,6 +481,7 @@ void SurfSimpli::RestoreGeomFromCopy() {
     selectedMark_.clear();
     pristine_ = true;
     edgeIndexDirty_ = true;
+    leaveListMode();
     heapDirty_ = true;
 }
 
@@ -477,7 +510,7 @@ bool SurfSimpli::selectedFast(int point) const {
 
 std::size_t SurfSimpli::MemoryBytes() const {
     std::size_t n = bytes(pValid_) + bytes(pts_) + bytes(pBright_) + bytes(pNormal_) +
-                    pTris_.memoryBytes() + pEdges_.memoryBytes() + bytes(edges_) + eTris_.memoryBytes() + bytes(tris_) +
+                    pTris_.memoryBytes() + pEdges_.memoryBytes() + pFar_.memoryBytes() + bytes(edges_) + eTris_.memoryBytes() + bytes(tris_) +
                     bytes(tUV_) + bytes(tBitmap_) + bytes(tBright_) + bytes(tColor_);
     const Backup& b = backup_;
     n += bytes(b.pValid) + bytes(b.pCoords) + bytes(b.pts) + b.pTris.memoryBytes() + b.pEdges.memoryBytes() +
@@ -485,7 +518,7 @@ std::size_t SurfSimpli::MemoryBytes() const {
     for (const auto& bucket : buckets_) n += bytes(bucket);
     n += pointIndex_.memoryBytes() + edgeIndex_.memoryBytes() + heap_.memoryBytes();
     n += bytes(ptOfExt_) + bytes(extOfPt_) + bytes(edgeOfExt_) + bytes(extOfEdge_) + bytes(triOfExt_) + bytes(extOfTri_);
-    n += bytes(ptStamp_) + bytes(edgeStamp_) + bytes(selectedMark_) + bytes(ptChanged_) +
+    n += bytes(ptStamp_) + bytes(selectedMark_) + bytes(ptChanged_) +
          refusals_.size() * (sizeof(Refusal) + 2 * sizeof(void*)) + refusals_.bucket_count() * sizeof(void*) +
          bytes(parked_) + bytes(affectedPts_) + bytes(affectedEdges_);
     return n;

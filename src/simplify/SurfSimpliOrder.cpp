@@ -60,6 +60,7 @@ void composeMaps(std::vector<std::int32_t>& extOf, std::vector<std::int32_t>& in
 } // namespace
 
 void SurfSimpli::renumberForLocality() {
+    leaveListMode(); // the model is read: a late AddEdgeOfTri uses the index
     const std::size_t points = pValid_.size(), edges = edges_.size(), tris = tris_.size();
     if (!RenumberRecords || points < 3) {
         pTris_.compact();

@@ -154,7 +154,17 @@ int SurfSimpli::ContractEdge() {
             }
             touchTriCorners(*t);
         }
-        for (const std::int32_t* e = pEdges_.begin(p); e != pEdges_.end(p); ++e) touchEdgeEnds(*e);
+        for (const std::int32_t* e = pEdges_.begin(p); e != pEdges_.end(p); ++e) {
+            touchEdgeEnds(*e);
+            // the far ends are the neighbourhood whose quadrics and edges are made again below:
+            // their list heads and records on their way in now
+            const EdgeHot& X = edges_[static_cast<std::size_t>(*e)];
+            const std::size_t f = static_cast<std::size_t>(X.a == static_cast<std::int32_t>(p) ? X.b : X.a);
+            pEdges_.prefetchHead(f);
+            pTris_.prefetchHead(f);
+            __builtin_prefetch(pts_[f].s);
+            __builtin_prefetch(pts_[f].s + 8);
+        }
     }
     if (!geomOnly_) {
         const double nc[3] = {edges_[ei].nc[0], edges_[ei].nc[1], edges_[ei].nc[2]};
@@ -204,6 +214,13 @@ int SurfSimpli::ContractEdge() {
     }
     pValid_[g] = 0;
     edgeIndexDirty_ = true;
+    leaveListMode();
+    for (const std::int32_t* e = pEdges_.begin(k); e != pEdges_.end(k); ++e) { // the lists read next
+        const EdgeHot& X = edges_[static_cast<std::size_t>(*e)];
+        const std::size_t f = static_cast<std::size_t>(X.a == kept ? X.b : X.a);
+        pEdges_.prefetchEntries(f);
+        pTris_.prefetchEntries(f);
+    }
 
     collectAffected(kept);
     // The neighbourhood's triangles lie anywhere in the array: have them all on their way in
@@ -310,15 +327,15 @@ void SurfSimpli::repointTriEdges(int from, int to) {
 
 void SurfSimpli::collectAffected(int kept) {
     pristine_ = false;
+    leaveListMode(); // dead edges leave the lists below
     affectedPts_.clear();
     affectedEdges_.clear();
     if (++stamp_ == 0) { // wrapped: start the marks afresh
         std::fill(ptStamp_.begin(), ptStamp_.end(), 0u);
-        std::fill(edgeStamp_.begin(), edgeStamp_.end(), 0u);
+        for (EdgeHot& X : edges_) X.stamp = 0;
         stamp_ = 1;
     }
     if (ptStamp_.size() < pValid_.size()) ptStamp_.resize(pValid_.size(), 0);
-    if (edgeStamp_.size() < edges_.size()) edgeStamp_.resize(edges_.size(), 0);
     auto addPt = [&](int p) {
         if (ptStamp_[static_cast<std::size_t>(p)] != stamp_) {
             ptStamp_[static_cast<std::size_t>(p)] = stamp_;
@@ -342,10 +359,10 @@ void SurfSimpli::collectAffected(int kept) {
         const std::size_t p = static_cast<std::size_t>(affectedPts_[i]);
         // dead edges leave the list as it is read
         pEdges_.filter(p, [&](std::int32_t e) {
-            const EdgeHot& X = edges_[static_cast<std::size_t>(e)];
+            EdgeHot& X = edges_[static_cast<std::size_t>(e)];
             if (!X.valid) return false;
-            if (edgeStamp_[static_cast<std::size_t>(e)] != stamp_) {
-                edgeStamp_[static_cast<std::size_t>(e)] = stamp_;
+            if (X.stamp != stamp_) {
+                X.stamp = stamp_;
                 affectedEdges_.push_back(e);
                 // the far end's quadric is summed when the edge is costed, after the planes and
                 // the neighbourhood's quadrics: time enough for it to come in

@@ -239,6 +239,38 @@ TEST(MeshModel, RestoreGivesBackTheModelAsExtractedAndLeavesTheSelection) {
     EXPECT_EQ(compareModels(s, run.ref), "");
 }
 
+// A fresh model finds edges through its points' lists; after a restore, through the index made
+// from the edges. Triangles added then, on points found by their first positions and on new
+// points, must find and make the edges the scan of the reference does.
+TEST(MeshModel, TrianglesAddedAfterARestoreFindTheScansEdges) {
+    const MeshData cube = makeCube(2, 0.2, 3);
+    PairRun run(cube);
+    Step st;
+    st.target = 14;
+    ASSERT_EQ(run.step(st), "");
+    run.prod.RestoreGeomFromCopy();
+    run.ref.RestoreGeomFromCopy();
+    auto addFace = [&](std::size_t f, double lift) {
+        const MeshFace& face = cube.faces[f];
+        double c[3][9];
+        for (int k = 0; k < 3; ++k) {
+            const MeshVertex& v = cube.vertices[static_cast<std::size_t>(face.v[static_cast<std::size_t>(k)])];
+            const double corner[9] = {v.xyz[0], v.xyz[1], v.xyz[2] + (k == 2 ? lift : 0.0), 0, 0, 100, 0, 0, 1};
+            std::copy(corner, corner + 9, c[k]);
+        }
+        const double plane[4] = {0, 0, 1, 0};
+        const int color[3] = {1, 2, 3};
+        run.prod.AddTriangle(c[0], c[1], c[2], plane, 0, 100, color);
+        run.ref.AddTriangle(c[0], c[1], c[2], plane, 0, 100, color);
+    };
+    const int edges = run.prod.EdgeCount();
+    for (std::size_t f = 0; f < cube.faces.size(); f += 5) addFace(f, 0.0); // old points, old edges
+    addFace(1, 0.75);                                                        // a new third corner
+    addFace(3, -0.5);
+    EXPECT_EQ(compareModels(run.prod, run.ref), "");
+    EXPECT_EQ(run.prod.EdgeCount(), edges + 4);
+}
+
 TEST(MeshModel, ResetEmptiesTheModelButNotTheSelection) {
     PairRun run(makeGrid(2, 2));
     Step st;
