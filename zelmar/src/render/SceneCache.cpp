@@ -305,16 +305,29 @@ void packGeometry(const Group& g, GroupCache& c) {
     std::vector<double> ring;
     std::unordered_map<Handle, uint32_t> where; // old index by handle, made at the first reordering
     size_t next = 0;                            // the old polygon expected next
+    Handle maxOld = 0;
     size_t runBegin = 0, runEnd = 0;            // old polygons to copy as one run
     for (const Polygon* p = g.firstPolygon; p; p = p->nextInGroup) {
         size_t k = SIZE_MAX;
         if (next < old.polys.size() && old.polys[next].handle == p->handle) {
             k = next++;
         } else if (!old.polys.empty()) {
-            if (where.empty())
-                for (size_t i = 0; i < old.polys.size(); ++i)
-                    where.emplace(old.polys[i].handle, static_cast<uint32_t>(i));
-            if (auto it = where.find(p->handle); it != where.end()) next = (k = it->second) + 1;
+            // Handles are never reused: one above every packed handle is a new polygon. A few
+            // removed polygons are stepped over; anything else asks the table.
+            if (maxOld == 0)
+                for (const PackedPolygon& o : old.polys)
+                    maxOld = std::max(maxOld, o.handle);
+            if (p->handle <= maxOld) {
+                for (size_t j = next + 1; j < std::min(old.polys.size(), next + 16) && k == SIZE_MAX; ++j)
+                    if (old.polys[j].handle == p->handle) k = j;
+                if (k == SIZE_MAX) {
+                    if (where.empty())
+                        for (size_t i = 0; i < old.polys.size(); ++i)
+                            where.emplace(old.polys[i].handle, static_cast<uint32_t>(i));
+                    if (auto it = where.find(p->handle); it != where.end()) k = it->second;
+                }
+                if (k != SIZE_MAX) next = k + 1;
+            }
         }
         if (k != SIZE_MAX && old.polys[k].version == p->version && old.polys[k].vertexCount == p->points.size()) {
             if (k != runEnd) {
