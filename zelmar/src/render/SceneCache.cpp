@@ -91,74 +91,274 @@ void packGroup(const Group& g, GroupCache& c) {
     packLooks(g, c);
 }
 
+namespace {
+
+// Packs one polygon's geometry at the end of c; false (nothing added) when it cannot be drawn.
+bool packPolygonGeometry(const Polygon& p, GroupCache& c, std::vector<double>& ring) {
+    const size_t n = p.points.size();
+    if (n < 3) return false;
+    bool finite = true;
+    for (const PointData& d : p.points)
+        finite = finite && std::isfinite(d.xyz[0]) && std::isfinite(d.xyz[1]) && std::isfinite(d.xyz[2]);
+    if (!finite) return false; // such a polygon cannot be drawn or hit
+    PackedPolygon& pp = c.polys.emplace_back(); // filled in place: a copy of it stalls on its piecewise stores
+    pp.handle = p.handle;
+    pp.version = p.version;
+    pp.firstVertex = static_cast<uint32_t>(c.verts.size());
+    pp.vertexCount = static_cast<uint32_t>(n);
+    const Fill& f = p.fill;
+    pp.bitmap = f.bitmap;
+    pp.animation = f.animation;
+    pp.animationFrame = f.animationFrame;
+    pp.secondBitmap = f.secondBitmap;
+    for (int i = 0; i < 3; ++i)
+        pp.color[i] = byteOf(f.color[i]);
+    pp.translucent = static_cast<uint8_t>(f.translucent & 0xFF);
+    pp.bilinear = f.bilinear != 0;
+    pp.frontOnly = p.orientation != 0;
+    pp.disabled = p.disabled;
+
+    ring.resize(n * 3);
+    for (size_t i = 0; i < n; ++i)
+        for (int k = 0; k < 3; ++k)
+            ring[i * 3 + k] = p.points[i].xyz[k];
+    double nrm[3];
+    newellNormal(ring.data(), 3, n, nrm);
+    const double len = std::sqrt(nrm[0] * nrm[0] + nrm[1] * nrm[1] + nrm[2] * nrm[2]);
+    // The front is the side from which the ring runs clockwise: the Newell normal turned over.
+    if (len > 0 && std::isfinite(len))
+        for (int k = 0; k < 3; ++k)
+            pp.normal[k] = -nrm[k] / len;
+    pp.box[0] = pp.box[1] = pp.box[2] = INFINITY;
+    pp.box[3] = pp.box[4] = pp.box[5] = -INFINITY;
+    for (const PointData& d : p.points) {
+        PackedVertex v;
+        for (int k = 0; k < 3; ++k) {
+            v.xyz[k] = d.xyz[k];
+            v.shade[k] = 0; // packLooks
+            pp.box[k] = std::min(pp.box[k], d.xyz[k]);
+            pp.box[k + 3] = std::max(pp.box[k + 3], d.xyz[k]);
+        }
+        c.verts.push_back(v);
+    }
+    pp.firstTri = static_cast<uint32_t>(c.tris.size() / 3);
+    triangulate(ring.data(), 3, n, c.tris);
+    pp.triCount = static_cast<uint32_t>(c.tris.size() / 3) - pp.firstTri;
+    return true;
+}
+
+void growBox(double box[6], const double by[6]) {
+    for (int k = 0; k < 3; ++k) {
+        box[k] = std::min(box[k], by[k]);
+        box[k + 3] = std::max(box[k + 3], by[k + 3]);
+    }
+}
+
+// Appends old.polys[b, e) with their points, triangles and (when `looks`) extras to c. A
+// packing lays out its polygons' points and triangles in polygon order, so each is one run.
+void copyPolygons(const GroupCache& old, size_t b, size_t e, GroupCache& c, bool looks) {
+    if (b == e) return;
+    const PackedPolygon &first = old.polys[b], &last = old.polys[e - 1];
+    const uint32_t v0 = first.firstVertex, v1 = last.firstVertex + last.vertexCount;
+    const uint32_t t0 = first.firstTri, t1 = last.firstTri + last.triCount;
+    const uint32_t nv = static_cast<uint32_t>(c.verts.size()), nt = static_cast<uint32_t>(c.tris.size() / 3);
+    const size_t from = c.polys.size();
+    c.polys.insert(c.polys.end(), old.polys.begin() + static_cast<ptrdiff_t>(b),
+                   old.polys.begin() + static_cast<ptrdiff_t>(e));
+    for (size_t i = from; i < c.polys.size(); ++i) {
+        PackedPolygon& pp = c.polys[i];
+        pp.firstVertex = pp.firstVertex - v0 + nv;
+        pp.firstTri = pp.firstTri - t0 + nt;
+        growBox(c.box, pp.box);
+    }
+    c.verts.insert(c.verts.end(), old.verts.begin() + v0, old.verts.begin() + v1);
+    if (looks) c.extras.insert(c.extras.end(), old.extras.begin() + v0, old.extras.begin() + v1);
+    c.tris.insert(c.tris.end(), old.tris.begin() + static_cast<ptrdiff_t>(t0) * 3,
+                  old.tris.begin() + static_cast<ptrdiff_t>(t1) * 3);
+}
+
+void packPolygonLooks(const Polygon& p, const PackedPolygon& pp, PackedVertex* v, VertexExtra* e) {
+    const double polyBright = std::isfinite(p.fill.brightness) ? p.fill.brightness / 100.0 : 1.0;
+    for (const PointData& d : p.points) {
+        e->u = finiteOr0(d.uv[0]);
+        e->v = finiteOr0(d.uv[1]);
+        e->u2 = finiteOr0(d.uv2[0]);
+        e->v2 = finiteOr0(d.uv2[1]);
+        const double b = (std::isfinite(d.brightness) ? d.brightness / 100.0 : 1.0) * polyBright;
+        for (int i = 0; i < 3; ++i)
+            v->shade[i] = std::clamp(finiteOr0(d.rgb[i] / 255.0 * b), 0.0f, 64.0f);
+        const double n2 = d.normal[0] * d.normal[0] + d.normal[1] * d.normal[1] + d.normal[2] * d.normal[2];
+        const double nl = n2 == 0 ? 0.0 : std::sqrt(n2); // most points have no normal of their own
+        for (int i = 0; i < 3; ++i)
+            e->normal[i] = (nl > 1e-12 && std::isfinite(nl)) ? static_cast<float>(d.normal[i] / nl)
+                                                             : static_cast<float>(pp.normal[i]);
+        ++v;
+        ++e;
+    }
+}
+
+} // namespace
+
+namespace {
+
+// The common repacking after an edit: the group has the polygons packed last time, in the
+// same order, and each changed one keeps its point and triangle counts. Those are packed
+// again where they are and nothing else is written (a copy of the rest would cost more
+// than the packing saves). False when the group does not fit; the polygons written by then
+// are packed as their present versions, and their looks are left to a whole pass.
+bool repackInPlace(const Group& g, GroupCache& c) {
+    if (c.polys.empty() || c.polys.size() != static_cast<size_t>(g.ownPolygons)) return false;
+    const bool looks = c.looksPacked;
+    std::vector<std::pair<uint32_t, const Polygon*>> pending;
+    std::vector<double> ring;
+    std::vector<uint32_t> tris;
+    double box[6] = {INFINITY, INFINITY, INFINITY, -INFINITY, -INFINITY, -INFINITY};
+    size_t i = 0;
+    for (const Polygon* p = g.firstPolygon; p; p = p->nextInGroup, ++i) {
+        if (i >= c.polys.size() || c.polys[i].handle != p->handle) return false;
+        PackedPolygon& pp = c.polys[i];
+        if (pp.version != p->version) {
+            const size_t n = p->points.size();
+            if (n != pp.vertexCount) return false;
+            ring.resize(n * 3);
+            for (size_t v = 0; v < n; ++v)
+                for (int k = 0; k < 3; ++k)
+                    ring[v * 3 + k] = p->points[v].xyz[k];
+            for (double x : ring)
+                if (!std::isfinite(x)) return false;
+            tris.clear();
+            triangulate(ring.data(), 3, n, tris);
+            if (tris.size() != static_cast<size_t>(pp.triCount) * 3) return false;
+            // What packPolygonGeometry writes, in place; its shades are gone, so if this pass
+            // gives up later, packLooks must write every polygon's.
+            c.looksPacked = false;
+            std::copy(tris.begin(), tris.end(), c.tris.begin() + static_cast<ptrdiff_t>(pp.firstTri) * 3);
+            pp.version = p->version;
+            const Fill& f = p->fill;
+            pp.bitmap = f.bitmap;
+            pp.animation = f.animation;
+            pp.animationFrame = f.animationFrame;
+            pp.secondBitmap = f.secondBitmap;
+            for (int k = 0; k < 3; ++k)
+                pp.color[k] = byteOf(f.color[k]);
+            pp.translucent = static_cast<uint8_t>(f.translucent & 0xFF);
+            pp.bilinear = f.bilinear != 0;
+            pp.frontOnly = p->orientation != 0;
+            pp.disabled = p->disabled;
+            double nrm[3];
+            newellNormal(ring.data(), 3, n, nrm);
+            const double len = std::sqrt(nrm[0] * nrm[0] + nrm[1] * nrm[1] + nrm[2] * nrm[2]);
+            for (int k = 0; k < 3; ++k)
+                pp.normal[k] = len > 0 && std::isfinite(len) ? -nrm[k] / len : 0.0;
+            pp.box[0] = pp.box[1] = pp.box[2] = INFINITY;
+            pp.box[3] = pp.box[4] = pp.box[5] = -INFINITY;
+            PackedVertex* out = c.verts.data() + pp.firstVertex;
+            for (const PointData& d : p->points) {
+                for (int k = 0; k < 3; ++k) {
+                    out->xyz[k] = d.xyz[k];
+                    out->shade[k] = 0; // packLooks
+                    pp.box[k] = std::min(pp.box[k], d.xyz[k]);
+                    pp.box[k + 3] = std::max(pp.box[k + 3], d.xyz[k]);
+                }
+                ++out;
+            }
+            if (looks) pending.emplace_back(static_cast<uint32_t>(i), p);
+        }
+        growBox(box, pp.box);
+    }
+    if (i != c.polys.size()) return false;
+    std::copy(box, box + 6, c.box);
+    c.allLooksPending = !looks;
+    c.pendingLooks = std::move(pending);
+    return true;
+}
+
+} // namespace
+
 void packGeometry(const Group& g, GroupCache& c) {
+    if (repackInPlace(g, c)) {
+        c.version = g.version;
+        c.ownPolygons = g.ownPolygons;
+        c.looksPacked = false;
+        return;
+    }
+    // The last packing moves aside (into this thread's spare arrays, whose memory the new
+    // packing reuses): polygons it packed at their present version are copied from it.
+    thread_local GroupCache old;
+    std::swap(old.verts, c.verts);
+    std::swap(old.extras, c.extras);
+    std::swap(old.polys, c.polys);
+    std::swap(old.tris, c.tris);
+    const bool oldLooks = c.looksPacked;
     c.version = g.version;
     c.ownPolygons = g.ownPolygons;
     c.looksPacked = false;
+    c.allLooksPending = !oldLooks || old.polys.empty();
+    c.pendingLooks.clear();
     c.verts.clear();
     c.extras.clear();
     c.polys.clear();
     c.tris.clear();
     c.box[0] = c.box[1] = c.box[2] = INFINITY;
     c.box[3] = c.box[4] = c.box[5] = -INFINITY;
+    const bool looks = !c.allLooksPending; // extras kept alongside the copies
     std::vector<double> ring;
+    std::unordered_map<Handle, uint32_t> where; // old index by handle, made at the first reordering
+    size_t next = 0;                            // the old polygon expected next
+    Handle maxOld = 0;
+    size_t runBegin = 0, runEnd = 0;            // old polygons to copy as one run
     for (const Polygon* p = g.firstPolygon; p; p = p->nextInGroup) {
-        const size_t n = p->points.size();
-        if (n < 3) continue;
-        bool finite = true;
-        for (const PointData& d : p->points)
-            finite = finite && std::isfinite(d.xyz[0]) && std::isfinite(d.xyz[1]) && std::isfinite(d.xyz[2]);
-        if (!finite) continue; // such a polygon cannot be drawn or hit
-        PackedPolygon& pp = c.polys.emplace_back(); // filled in place: a copy of it stalls on its piecewise stores
-        pp.handle = p->handle;
-        pp.firstVertex = static_cast<uint32_t>(c.verts.size());
-        pp.vertexCount = static_cast<uint32_t>(n);
-        const Fill& f = p->fill;
-        pp.bitmap = f.bitmap;
-        pp.animation = f.animation;
-        pp.animationFrame = f.animationFrame;
-        pp.secondBitmap = f.secondBitmap;
-        for (int i = 0; i < 3; ++i)
-            pp.color[i] = byteOf(f.color[i]);
-        pp.translucent = static_cast<uint8_t>(f.translucent & 0xFF);
-        pp.bilinear = f.bilinear != 0;
-        pp.frontOnly = p->orientation != 0;
-        pp.disabled = p->disabled;
-
-        ring.resize(n * 3);
-        for (size_t i = 0; i < n; ++i)
-            for (int k = 0; k < 3; ++k)
-                ring[i * 3 + k] = p->points[i].xyz[k];
-        double nrm[3];
-        newellNormal(ring.data(), 3, n, nrm);
-        const double len = std::sqrt(nrm[0] * nrm[0] + nrm[1] * nrm[1] + nrm[2] * nrm[2]);
-        // The front is the side from which the ring runs clockwise: the Newell normal turned over.
-        if (len > 0 && std::isfinite(len))
-            for (int k = 0; k < 3; ++k)
-                pp.normal[k] = -nrm[k] / len;
-        pp.box[0] = pp.box[1] = pp.box[2] = INFINITY;
-        pp.box[3] = pp.box[4] = pp.box[5] = -INFINITY;
-        for (const PointData& d : p->points) {
-            PackedVertex v;
-            for (int k = 0; k < 3; ++k) {
-                v.xyz[k] = d.xyz[k];
-                v.shade[k] = 0; // packLooks
-                pp.box[k] = std::min(pp.box[k], d.xyz[k]);
-                pp.box[k + 3] = std::max(pp.box[k + 3], d.xyz[k]);
+        size_t k = SIZE_MAX;
+        if (next < old.polys.size() && old.polys[next].handle == p->handle) {
+            k = next++;
+        } else if (!old.polys.empty()) {
+            // Handles are never reused: one above every packed handle is a new polygon. A few
+            // removed polygons are stepped over; anything else asks the table.
+            if (maxOld == 0)
+                for (const PackedPolygon& o : old.polys)
+                    maxOld = std::max(maxOld, o.handle);
+            if (p->handle <= maxOld) {
+                for (size_t j = next + 1; j < std::min(old.polys.size(), next + 16) && k == SIZE_MAX; ++j)
+                    if (old.polys[j].handle == p->handle) k = j;
+                if (k == SIZE_MAX) {
+                    if (where.empty())
+                        for (size_t i = 0; i < old.polys.size(); ++i)
+                            where.emplace(old.polys[i].handle, static_cast<uint32_t>(i));
+                    if (auto it = where.find(p->handle); it != where.end()) k = it->second;
+                }
+                if (k != SIZE_MAX) next = k + 1;
             }
-            c.verts.push_back(v);
         }
-        for (int k = 0; k < 3; ++k) {
-            c.box[k] = std::min(c.box[k], pp.box[k]);
-            c.box[k + 3] = std::max(c.box[k + 3], pp.box[k + 3]);
+        if (k != SIZE_MAX && old.polys[k].version == p->version && old.polys[k].vertexCount == p->points.size()) {
+            if (k != runEnd) {
+                copyPolygons(old, runBegin, runEnd, c, looks);
+                runBegin = k;
+            }
+            runEnd = k + 1;
+            continue;
         }
-        pp.firstTri = static_cast<uint32_t>(c.tris.size() / 3);
-        triangulate(ring.data(), 3, n, c.tris);
-        pp.triCount = static_cast<uint32_t>(c.tris.size() / 3) - pp.firstTri;
+        copyPolygons(old, runBegin, runEnd, c, looks);
+        runBegin = runEnd = 0;
+        if (!packPolygonGeometry(*p, c, ring)) continue;
+        growBox(c.box, c.polys.back().box);
+        if (looks) {
+            c.extras.resize(c.verts.size());
+            c.pendingLooks.emplace_back(static_cast<uint32_t>(c.polys.size() - 1), p);
+        }
     }
+    copyPolygons(old, runBegin, runEnd, c, looks);
 }
 
 void packLooks(const Group& g, GroupCache& c) {
+    if (!c.allLooksPending) {
+        for (const auto& [k, p] : c.pendingLooks) {
+            const PackedPolygon& pp = c.polys[k];
+            packPolygonLooks(*p, pp, c.verts.data() + pp.firstVertex, c.extras.data() + pp.firstVertex);
+        }
+        c.pendingLooks.clear();
+        c.looksPacked = true;
+        return;
+    }
     c.extras.resize(c.verts.size());
     size_t k = 0;
     // The packed polygons are the group's own in list order, less those packGeometry passed.
@@ -166,25 +366,7 @@ void packLooks(const Group& g, GroupCache& c) {
         const PackedPolygon& pp = c.polys[k];
         if (p->handle != pp.handle || p->points.size() != pp.vertexCount) continue;
         ++k;
-        const double polyBright = std::isfinite(p->fill.brightness) ? p->fill.brightness / 100.0 : 1.0;
-        PackedVertex* v = c.verts.data() + pp.firstVertex;
-        VertexExtra* e = c.extras.data() + pp.firstVertex;
-        for (const PointData& d : p->points) {
-            e->u = finiteOr0(d.uv[0]);
-            e->v = finiteOr0(d.uv[1]);
-            e->u2 = finiteOr0(d.uv2[0]);
-            e->v2 = finiteOr0(d.uv2[1]);
-            const double b = (std::isfinite(d.brightness) ? d.brightness / 100.0 : 1.0) * polyBright;
-            for (int i = 0; i < 3; ++i)
-                v->shade[i] = std::clamp(finiteOr0(d.rgb[i] / 255.0 * b), 0.0f, 64.0f);
-            const double n2 = d.normal[0] * d.normal[0] + d.normal[1] * d.normal[1] + d.normal[2] * d.normal[2];
-            const double nl = n2 == 0 ? 0.0 : std::sqrt(n2); // most points have no normal of their own
-            for (int i = 0; i < 3; ++i)
-                e->normal[i] = (nl > 1e-12 && std::isfinite(nl)) ? static_cast<float>(d.normal[i] / nl)
-                                                                 : static_cast<float>(pp.normal[i]);
-            ++v;
-            ++e;
-        }
+        packPolygonLooks(*p, pp, c.verts.data() + pp.firstVertex, c.extras.data() + pp.firstVertex);
     }
     c.looksPacked = true;
 }

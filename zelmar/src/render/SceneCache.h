@@ -1,12 +1,15 @@
 // Render-ready copies of the groups' own polygons: points packed in one array, rings
 // triangulated, fills copied. One entry per group, rebuilt when the group's version or
-// polygon count changes (every change of a polygon bumps its group's version). Rendering
-// and picking both read it. Picks need only the shapes: they pack a group's geometry and
-// leave its looks (point shades, texture coordinates, point normals) to the next frame.
+// polygon count changes (every change of a polygon bumps its group's version and its own).
+// A rebuild copies the packed data of polygons whose handle, version and point count are
+// those packed last time, and packs only the others. Rendering and picking both read it.
+// Picks need only the shapes: they pack a group's geometry and leave its looks (point
+// shades, texture coordinates, point normals) to the next frame.
 #pragma once
 #include "scene/Entities.h"
 #include <cstdint>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace zelmar::render {
@@ -25,6 +28,7 @@ struct VertexExtra {
 
 struct PackedPolygon {
     Handle handle = 0;
+    uint32_t version = 0; // the polygon's when packed
     uint32_t firstVertex = 0, vertexCount = 0;
     uint32_t firstTri = 0, triCount = 0; // into GroupCache::tris, triples of local indices
     Handle bitmap = 0, animation = 0, secondBitmap = 0;
@@ -42,6 +46,10 @@ struct GroupCache {
     uint32_t version = 0;
     int64_t ownPolygons = -1;
     bool looksPacked = false; // shades and extras written for this version
+    // While !looksPacked: the polygons whose looks are missing (index into polys, the
+    // polygon), or all of them. Valid while the group's version stays.
+    bool allLooksPending = true;
+    std::vector<std::pair<uint32_t, const Polygon*>> pendingLooks;
     std::vector<PackedVertex> verts;
     std::vector<VertexExtra> extras; // parallel to verts
     std::vector<PackedPolygon> polys;
