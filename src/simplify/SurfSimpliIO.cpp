@@ -108,6 +108,7 @@ int SurfSimpli::BuildOutput() {
     return vexil::propagate("SurfSimpli", "BuildOutput", [&] {
         setStatus(msg(messages_.building, "Building Output"));
         if (progress_) progress_->setMaximum(triCurrent_);
+        engine_->reserve_output(triCurrent_, triCurrent_ * 3);
         const int group = engine_->group_create("Simplified_version");
         double location[3] = {0, 0, 0};
         engine_->group_get_location(outputGroup_, location);
