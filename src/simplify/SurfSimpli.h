@@ -351,6 +351,7 @@ private:
     bool wouldDegenerate(int edge);
     bool wouldFlipNormal(int edge);
     bool keepsManifold(int edge);
+    bool degeneratesOrFlips(int edge); // wouldDegenerate || wouldFlipNormal, one walk
     void interpolateTexCoords(const double newCoords[3], int kept, int gone);
     void removeTriOfEdge(int tri, int edge);
     void mergeEdgeTris(int e1, int e2);
@@ -485,6 +486,15 @@ private:
         std::int32_t edge, a, b;
     };
     std::vector<EdgeEnds> edgeEnds_; // keepsManifold's scratch
+    // One moved triangle's flip test with its side effects put off (degeneratesOrFlips).
+    struct FlipCheck {
+        enum Kind : unsigned char { Keeps, Flips, Overflows, Ask } kind;
+        double n[3];          // the negated normal, for angleBetVectors
+        const double* plane;  // the triangle's plane
+    };
+    static FlipCheck flipCheck(const double* plane, const double* const* c);
+    static bool flips(const FlipCheck& f); // raises Overflow, or asks angleBetVectors
+    std::vector<FlipCheck> flipChecks_;    // degeneratesOrFlips' scratch
     std::vector<std::uint32_t> ptStamp_;
     std::uint32_t stamp_ = 0;
     std::vector<char> selectedMark_;
