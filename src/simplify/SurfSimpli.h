@@ -520,8 +520,15 @@ private:
             for (const std::int32_t* e = pEdges_.begin(static_cast<std::size_t>(p)); e != pEdges_.end(static_cast<std::size_t>(p)); ++e)
                 unpark(*e);
     }
-    void touchTriCorners(int t);
-    void touchEdgeEnds(int e);
+    void touchTriCorners(int t) {
+        const TriHot& T = tris_[static_cast<std::size_t>(t)];
+        for (int k = 0; k < 3; ++k) touchPoint(T.pts[k]);
+    }
+    void touchEdgeEnds(int e) {
+        const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
+        touchPoint(E.a);
+        touchPoint(E.b);
+    }
     void clearRefusals();
     bool knownRefused(int edge) const;
 };

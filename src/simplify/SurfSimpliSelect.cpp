@@ -223,17 +223,6 @@ bool SurfSimpli::knownRefused(int edge) const {
            ptChanged_[static_cast<std::size_t>(r.b)] <= r.at;
 }
 
-void SurfSimpli::touchTriCorners(int t) {
-    const TriHot& T = tris_[static_cast<std::size_t>(t)];
-    for (int k = 0; k < 3; ++k) touchPoint(T.pts[k]);
-}
-
-void SurfSimpli::touchEdgeEnds(int e) {
-    const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
-    touchPoint(E.a);
-    touchPoint(E.b);
-}
-
 // ---- the refusal tests ----
 
 template <class Test> bool SurfSimpli::anyMovedTri(int edge, Test test) const {
