@@ -32,6 +32,8 @@ void SurfSimpli::ExtractTriangles(int group) {
         pts_.reserve(points);
         pBright_.reserve(points);
         pNormal_.reserve(points);
+        // a point has about six triangles and six edges: room for eight at once, one block each
+        for (ListPool* pool : {&pTris_, &pEdges_, &pFar_}) pool->setFirstRoom(8);
         pTris_.reserve(points, points * 8);
         pEdges_.reserve(points, points * 8);
         if (edgesInLists_) pFar_.reserve(points, points * 8);
