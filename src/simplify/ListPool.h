@@ -34,6 +34,8 @@ public:
         return heads_.size() - 1;
     }
     void resizeLists(std::size_t n) { heads_.resize(n); }
+    // The room a list gets when its first entry comes (then twice as much each time it is full).
+    void setFirstRoom(std::uint32_t n) { firstRoom_ = std::max<std::uint32_t>(1, n); }
     std::size_t lists() const { return heads_.size(); }
 
     std::uint32_t size(std::size_t list) const { return heads_[list].size; }
@@ -119,7 +121,7 @@ private:
     void grow(std::size_t list) {
         if (dead_ > 4096 && dead_ > data_.size() / 2) compact();
         Head& h = heads_[list];
-        const std::uint32_t cap = std::max<std::uint32_t>(4, h.cap * 2);
+        const std::uint32_t cap = std::max<std::uint32_t>(firstRoom_, h.cap * 2);
         const std::size_t off = data_.size();
         data_.resize(off + cap);
         std::copy(data_.begin() + h.off, data_.begin() + h.off + h.size, data_.begin() + static_cast<std::ptrdiff_t>(off));
@@ -131,6 +133,7 @@ private:
     std::vector<Head> heads_;
     std::vector<std::int32_t> data_;
     std::size_t dead_ = 0;
+    std::uint32_t firstRoom_ = 4;
 };
 
 } // namespace simplify

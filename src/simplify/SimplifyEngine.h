@@ -36,6 +36,12 @@ public:
     virtual void polygon_set_color_fill(int polygon, int red, int green, int blue) = 0;
     virtual void polygon_set_brightness(int polygon, double value) = 0;
     virtual void polygon_set_bitmap_fill(int polygon, int bitmap) = 0;
+    // Before the output is written: how many polygons and points will be made. A hint for an
+    // engine that can make room at once; libzelmar3 has no such call, so the default does nothing.
+    virtual void reserve_output(int polygons, int points) {
+        (void)polygons;
+        (void)points;
+    }
 };
 
 // Forwards to libzelmar3.

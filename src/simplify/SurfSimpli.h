@@ -351,6 +351,7 @@ private:
     bool wouldDegenerate(int edge);
     bool wouldFlipNormal(int edge);
     bool keepsManifold(int edge);
+    bool degeneratesOrFlips(int edge); // wouldDegenerate || wouldFlipNormal, one walk
     void interpolateTexCoords(const double newCoords[3], int kept, int gone);
     void removeTriOfEdge(int tri, int edge);
     void mergeEdgeTris(int e1, int e2);
@@ -485,6 +486,15 @@ private:
         std::int32_t edge, a, b;
     };
     std::vector<EdgeEnds> edgeEnds_; // keepsManifold's scratch
+    // One moved triangle's flip test with its side effects put off (degeneratesOrFlips).
+    struct FlipCheck {
+        enum Kind : unsigned char { Keeps, Flips, Overflows, Ask } kind;
+        double n[3];          // the negated normal, for angleBetVectors
+        const double* plane;  // the triangle's plane
+    };
+    static FlipCheck flipCheck(const double* plane, const double* const* c);
+    static bool flips(const FlipCheck& f); // raises Overflow, or asks angleBetVectors
+    std::vector<FlipCheck> flipChecks_;    // degeneratesOrFlips' scratch
     std::vector<std::uint32_t> ptStamp_;
     std::uint32_t stamp_ = 0;
     std::vector<char> selectedMark_;
@@ -510,8 +520,15 @@ private:
             for (const std::int32_t* e = pEdges_.begin(static_cast<std::size_t>(p)); e != pEdges_.end(static_cast<std::size_t>(p)); ++e)
                 unpark(*e);
     }
-    void touchTriCorners(int t);
-    void touchEdgeEnds(int e);
+    void touchTriCorners(int t) {
+        const TriHot& T = tris_[static_cast<std::size_t>(t)];
+        for (int k = 0; k < 3; ++k) touchPoint(T.pts[k]);
+    }
+    void touchEdgeEnds(int e) {
+        const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
+        touchPoint(E.a);
+        touchPoint(E.b);
+    }
     void clearRefusals();
     bool knownRefused(int edge) const;
 };

@@ -32,6 +32,8 @@ void SurfSimpli::ExtractTriangles(int group) {
         pts_.reserve(points);
         pBright_.reserve(points);
         pNormal_.reserve(points);
+        // a point has about six triangles and six edges: room for eight at once, one block each
+        for (ListPool* pool : {&pTris_, &pEdges_, &pFar_}) pool->setFirstRoom(8);
         pTris_.reserve(points, points * 8);
         pEdges_.reserve(points, points * 8);
         if (edgesInLists_) pFar_.reserve(points, points * 8);
@@ -108,6 +110,7 @@ int SurfSimpli::BuildOutput() {
     return vexil::propagate("SurfSimpli", "BuildOutput", [&] {
         setStatus(msg(messages_.building, "Building Output"));
         if (progress_) progress_->setMaximum(triCurrent_);
+        engine_->reserve_output(triCurrent_, triCurrent_ * 3);
         const int group = engine_->group_create("Simplified_version");
         double location[3] = {0, 0, 0};
         engine_->group_get_location(outputGroup_, location);

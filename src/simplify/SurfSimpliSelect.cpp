@@ -130,7 +130,7 @@ int SurfSimpli::selectEdge() {
                     refusedNow_.push_back(top.edge);
                     return false;
                 }
-                const bool ok = !wouldDegenerate(top.edge) && !wouldFlipNormal(top.edge) && keepsManifold(top.edge);
+                const bool ok = !degeneratesOrFlips(top.edge) && keepsManifold(top.edge);
                 if (!ok) {
                     refusedNow_.push_back(top.edge);
                     if (CacheRefusals) {
@@ -223,17 +223,6 @@ bool SurfSimpli::knownRefused(int edge) const {
            ptChanged_[static_cast<std::size_t>(r.b)] <= r.at;
 }
 
-void SurfSimpli::touchTriCorners(int t) {
-    const TriHot& T = tris_[static_cast<std::size_t>(t)];
-    for (int k = 0; k < 3; ++k) touchPoint(T.pts[k]);
-}
-
-void SurfSimpli::touchEdgeEnds(int e) {
-    const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
-    touchPoint(E.a);
-    touchPoint(E.b);
-}
-
 // ---- the refusal tests ----
 
 template <class Test> bool SurfSimpli::anyMovedTri(int edge, Test test) const {
@@ -258,43 +247,107 @@ bool SurfSimpli::WouldDegenerate(int edge) { return wouldDegenerate(inEdge(edge)
 bool SurfSimpli::WouldFlipNormal(int edge) { return wouldFlipNormal(inEdge(edge)); }
 bool SurfSimpli::KeepsManifold(int edge) { return keepsManifold(inEdge(edge)); }
 
+namespace {
+// The moved triangle has no area (CrossProduct of its sides is zero); raises Overflow for a
+// side or a component that is not finite.
+inline bool degenerate(const double* const* c) {
+    const double s1[3] = {fin(c[1][0] - c[0][0]), fin(c[1][1] - c[0][1]), fin(c[1][2] - c[0][2])};
+    const double s2[3] = {fin(c[2][0] - c[0][0]), fin(c[2][1] - c[0][1]), fin(c[2][2] - c[0][2])};
+    const double x = fin(s1[1] * s2[2] - s1[2] * s2[1]);
+    const double y = fin(s1[2] * s2[0] - s1[0] * s2[2]);
+    const double z = fin(s1[0] * s2[1] - s1[1] * s2[0]);
+    return x == 0.0 && y == 0.0 && z == 0.0;
+}
+
+} // namespace
+
+// The flip test of one moved triangle without its side effects: the answer when it is settled
+// here, Overflow when a value it tests is not finite, or the negated normal to hand to
+// angleBetVectors (whose log lines must come in the order the tests run).
+SurfSimpli::FlipCheck SurfSimpli::flipCheck(const double* plane, const double* const* c) {
+    // PlaneFromPoints, as the maths library writes it
+    const double x1 = c[0][0], y1 = c[0][1], z1 = c[0][2];
+    const double x2 = c[1][0], y2 = c[1][1], z2 = c[1][2];
+    const double x3 = c[2][0], y3 = c[2][1], z3 = c[2][2];
+    const double a = y1 * (z2 - z3) + y2 * (z3 - z1) + y3 * (z1 - z2);
+    const double b = z1 * (x2 - x3) + z2 * (x3 - x1) + z3 * (x1 - x2);
+    const double cc = x1 * (y2 - y3) + x2 * (y3 - y1) + x3 * (y1 - y2);
+    const double d = -(x1 * (y2 * z3 - y3 * z2) + x2 * (y3 * z1 - y1 * z3) + x3 * (y1 * z2 - y2 * z1));
+    // VectorNegate, then angleBetVectors(negated normal, triangle's plane normal) > 90
+    FlipCheck r{FlipCheck::Ask, {-a, -b, -cc}, plane};
+    if (!std::isfinite(a) || !std::isfinite(b) || !std::isfinite(cc) || !std::isfinite(d)) {
+        r.kind = FlipCheck::Overflows;
+        return r;
+    }
+    const double* n = r.n;
+    const double* p = plane;
+    // Where the sign of the cosine settles the answer beyond any rounding, it is read
+    // directly; otherwise (near 90 degrees, tiny or huge vectors) the library decides.
+    const double la2 = n[0] * n[0] + n[1] * n[1] + n[2] * n[2];
+    const double lb2 = p[0] * p[0] + p[1] * p[1] + p[2] * p[2];
+    if (la2 >= 1e-250 && la2 <= 1e250 && lb2 >= 1e-250 && lb2 <= 1e250) {
+        const double t0 = n[0] * p[0], t1 = n[1] * p[1], t2 = n[2] * p[2];
+        const double dot = t0 + t1 + t2;
+        if (!std::isfinite(t0) || !std::isfinite(t1) || !std::isfinite(t2) || !std::isfinite(dot)) {
+            r.kind = FlipCheck::Overflows;
+            return r;
+        }
+        const double m = std::sqrt(la2) * std::sqrt(lb2);
+        if (dot <= -1e-6 * m) r.kind = FlipCheck::Flips; // cosine below 0: above 90 degrees
+        else if (dot >= 1e-6 * m) r.kind = FlipCheck::Keeps; // cosine above 1e-6: below 90 degrees
+    }
+    return r;
+}
+
+bool SurfSimpli::flips(const FlipCheck& f) {
+    switch (f.kind) {
+    case FlipCheck::Keeps: return false;
+    case FlipCheck::Flips: return true;
+    case FlipCheck::Overflows: vexil::raiseOverflow();
+    case FlipCheck::Ask: break;
+    }
+    const Maths::Vector nv{f.n[0], f.n[1], f.n[2]}, pv{f.plane[0], f.plane[1], f.plane[2]};
+    return Maths::angleBetVectors(nv, pv) > 90.0;
+}
+
 bool SurfSimpli::wouldDegenerate(int edge) {
-    return anyMovedTri(edge, [](const TriHot&, const double* const* c) {
-        const double s1[3] = {fin(c[1][0] - c[0][0]), fin(c[1][1] - c[0][1]), fin(c[1][2] - c[0][2])};
-        const double s2[3] = {fin(c[2][0] - c[0][0]), fin(c[2][1] - c[0][1]), fin(c[2][2] - c[0][2])};
-        const double x = fin(s1[1] * s2[2] - s1[2] * s2[1]);
-        const double y = fin(s1[2] * s2[0] - s1[0] * s2[2]);
-        const double z = fin(s1[0] * s2[1] - s1[1] * s2[0]);
-        return x == 0.0 && y == 0.0 && z == 0.0;
-    });
+    return anyMovedTri(edge, [](const TriHot&, const double* const* c) { return degenerate(c); });
 }
 
 bool SurfSimpli::wouldFlipNormal(int edge) {
-    return anyMovedTri(edge, [](const TriHot& T, const double* const* c) {
-        // PlaneFromPoints, as the maths library writes it
-        const double x1 = c[0][0], y1 = c[0][1], z1 = c[0][2];
-        const double x2 = c[1][0], y2 = c[1][1], z2 = c[1][2];
-        const double x3 = c[2][0], y3 = c[2][1], z3 = c[2][2];
-        const double a = fin(y1 * (z2 - z3) + y2 * (z3 - z1) + y3 * (z1 - z2));
-        const double b = fin(z1 * (x2 - x3) + z2 * (x3 - x1) + z3 * (x1 - x2));
-        const double cc = fin(x1 * (y2 - y3) + x2 * (y3 - y1) + x3 * (y1 - y2));
-        fin(-(x1 * (y2 * z3 - y3 * z2) + x2 * (y3 * z1 - y1 * z3) + x3 * (y1 * z2 - y2 * z1)));
-        // VectorNegate, then angleBetVectors(negated normal, triangle's plane normal) > 90
-        const double n[3] = {-a, -b, -cc};
-        const double* p = T.plane;
-        // Where the sign of the cosine settles the answer beyond any rounding, it is read
-        // directly; otherwise (near 90 degrees, tiny or huge vectors) the library decides.
-        const double la2 = n[0] * n[0] + n[1] * n[1] + n[2] * n[2];
-        const double lb2 = p[0] * p[0] + p[1] * p[1] + p[2] * p[2];
-        if (la2 >= 1e-250 && la2 <= 1e250 && lb2 >= 1e-250 && lb2 <= 1e250) {
-            const double dot = fin(fin(n[0] * p[0]) + fin(n[1] * p[1]) + fin(n[2] * p[2]));
-            const double m = std::sqrt(la2) * std::sqrt(lb2);
-            if (dot <= -1e-6 * m) return true;  // cosine below 0: above 90 degrees
-            if (dot >= 1e-6 * m) return false; // cosine above 1e-6: below 90 degrees
+    return anyMovedTri(edge, [](const TriHot& T, const double* const* c) { return flips(flipCheck(T.plane, c)); });
+}
+
+// wouldDegenerate(edge) || wouldFlipNormal(edge) in one walk over the moved triangles: the
+// degeneracy tests run as they come (the first one that answers or raises ends the walk, as in
+// wouldDegenerate), the flip tests' outcomes are kept up to the first settled flip or overflow
+// and then given in their order (what wouldFlipNormal would answer, raise or log after them).
+bool SurfSimpli::degeneratesOrFlips(int edge) {
+    const EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
+    std::vector<FlipCheck>& kept = flipChecks_;
+    kept.clear();
+    bool flipSettled = false;
+    const int ends[2] = {E.a, E.b};
+    for (const int end : ends) {
+        const std::size_t pe = static_cast<std::size_t>(end);
+        if (pe >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+        for (const std::int32_t* t = pTris_.begin(pe); t != pTris_.end(pe); ++t) {
+            const TriHot& T = tris_[static_cast<std::size_t>(*t)];
+            if (!T.valid || edgeHasTri(edge, *t)) continue;
+            const double* c[3];
+            for (int k = 0; k < 3; ++k)
+                c[k] = (T.pts[k] == E.a || T.pts[k] == E.b) ? E.nc : pts_[static_cast<std::size_t>(T.pts[k])].xyz;
+            if (degenerate(c)) return true;
+            if (flipSettled) continue;
+            const FlipCheck f = flipCheck(T.plane, c);
+            if (f.kind == FlipCheck::Keeps) continue;
+            flipSettled = f.kind != FlipCheck::Ask;
+            kept.push_back(f);
         }
-        const Maths::Vector nv{n[0], n[1], n[2]}, pv{p[0], p[1], p[2]};
-        return Maths::angleBetVectors(nv, pv) > 90.0;
-    });
+    }
+    for (const FlipCheck& f : kept)
+        if (flips(f)) return true;
+    return false;
 }
 
 bool SurfSimpli::keepsManifold(int edge) {

@@ -243,6 +243,7 @@ int MemoryEngine::polygon_add_point(int polygon, const double vertex[6]) {
     MemPolygon& p = polys_.at(static_cast<std::size_t>(polygon));
     pointOwner_.push_back(polygon);
     pointIndexInRing_.push_back(static_cast<int>(p.points.size()));
+    if (p.points.empty()) p.points.reserve(3); // one block for a triangle's ring
     p.points.push_back(h);
     return h;
 }
@@ -265,5 +266,15 @@ void MemoryEngine::polygon_set_color_fill(int polygon, int red, int green, int b
 void MemoryEngine::polygon_set_brightness(int polygon, double value) { ++calls; polys_.at(static_cast<std::size_t>(polygon)).brightness = value; }
 
 void MemoryEngine::polygon_set_bitmap_fill(int polygon, int bitmap) { ++calls; polys_.at(static_cast<std::size_t>(polygon)).bitmap = bitmap; }
+
+void MemoryEngine::reserve_output(int polygons, int points) {
+    if (polygons <= 0 || points <= 0) return;
+    const auto morePolys = static_cast<std::size_t>(polygons), morePoints = static_cast<std::size_t>(points);
+    polys_.reserve(polys_.size() + morePolys);
+    polyIndexInGroup_.reserve(polyIndexInGroup_.size() + morePolys);
+    points_.reserve(points_.size() + morePoints);
+    pointOwner_.reserve(pointOwner_.size() + morePoints);
+    pointIndexInRing_.reserve(pointIndexInRing_.size() + morePoints);
+}
 
 } // namespace simplify_test

@@ -83,6 +83,7 @@ public:
     void polygon_set_color_fill(int polygon, int red, int green, int blue) override;
     void polygon_set_brightness(int polygon, double value) override;
     void polygon_set_bitmap_fill(int polygon, int bitmap) override;
+    void reserve_output(int polygons, int points) override;
 
 private:
     std::map<int, MemGroup> groups_;
