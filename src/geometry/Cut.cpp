@@ -33,29 +33,6 @@ void readRings(const int* polygons, int count, std::vector<CutPoint>& out, std::
     if (owners) owners->resize(size_t(n));
 }
 
-int makeHalf(int polygon, int group, const std::vector<CutPoint>& pts) {
-    if (pts.size() < 3) return 0;
-    const int animation = ZELMAR_polygon_get_animation(polygon);
-    const int bitmap = ZELMAR_polygon_get_bitmap_handle(polygon);
-    int rgb[3] = {255, 255, 255};
-    ZELMAR_polygon_get_color(polygon, rgb);
-    const int h = ZELMAR_polygon_create();
-    ZELMAR_polygon_set_group(h, group);
-    for (const CutPoint& c : pts) {
-        const double vertex[6] = {c.xyz[0], c.xyz[1], c.xyz[2], c.uv[0], c.uv[1], 100.0};
-        ZELMAR_polygon_add_point(h, vertex);
-    }
-    if (animation != 0)
-        ZELMAR_polygon_set_animation(h, animation);
-    else if (bitmap != 0)
-        ZELMAR_polygon_set_bitmap_fill(h, bitmap);
-    else
-        ZELMAR_polygon_set_color_fill(h, rgb[0], rgb[1], rgb[2]);
-    ZELMAR_engine_add_polygon(h);
-    ZELMAR_polygon_set_name(h, "Cut_Poly");
-    return h;
-}
-
 } // namespace
 
 void ReadCutRings(const std::vector<int>& polygons, std::vector<CutPoint>& points, std::vector<size_t>& starts) {
@@ -139,21 +116,53 @@ int FindCutCrossingsOnRing(const std::vector<CutPoint>& ring, const CutLine& lin
     return result;
 }
 
-CutHalves BuildCutPols(int polygon, int group, const std::vector<CutPoint>& list, int first, int second) {
-    CutHalves h;
+bool CutHalvesBatch::Add(int polygon, const std::vector<CutPoint>& list, int first, int second) {
     const int n = static_cast<int>(list.size());
-    if (first < 1 || second <= first || second > n) return h;
-    std::vector<CutPoint> one, two;
+    if (first < 1 || second <= first || second > n) return false;
+    const int one = first + (n - second + 1), two = second - first + 1;
+    if (one < 3 || two < 3) return false; // a line along an edge: no cut
+    auto vertex = [this](const CutPoint& c) {
+        m_vertices.insert(m_vertices.end(), {c.xyz[0], c.xyz[1], c.xyz[2], c.uv[0], c.uv[1], 100.0});
+    };
     for (int i = 1; i <= first; ++i)
-        one.push_back(list[size_t(i - 1)]);
+        vertex(list[size_t(i - 1)]);
     for (int i = second; i <= n; ++i)
-        one.push_back(list[size_t(i - 1)]);
+        vertex(list[size_t(i - 1)]);
     for (int i = first; i <= second; ++i)
-        two.push_back(list[size_t(i - 1)]);
-    if (one.size() < 3 || two.size() < 3) return h; // a line along an edge: no cut
-    h.first = makeHalf(polygon, group, one);
-    h.second = makeHalf(polygon, group, two);
-    return h;
+        vertex(list[size_t(i - 1)]);
+    m_polygons.push_back(polygon);
+    m_sizes.push_back(one);
+    m_sizes.push_back(two);
+    return true;
+}
+
+std::vector<CutHalves> CutHalvesBatch::Make(int group) {
+    std::vector<int> made(m_sizes.size(), 0);
+    if (!m_sizes.empty())
+        ZELMAR_polygons_create(group, m_sizes.data(), static_cast<int>(m_sizes.size()), m_vertices.data(), "Cut_Poly",
+                               made.data());
+    std::vector<CutHalves> out(m_polygons.size());
+    for (size_t i = 0; i < m_polygons.size(); ++i) {
+        const int polygon = m_polygons[i];
+        const int animation = ZELMAR_polygon_get_animation(polygon);
+        const int bitmap = ZELMAR_polygon_get_bitmap_handle(polygon);
+        int rgb[3] = {255, 255, 255};
+        ZELMAR_polygon_get_color(polygon, rgb);
+        out[i] = {made[2 * i], made[2 * i + 1]};
+        for (const int h : {out[i].first, out[i].second}) {
+            if (h == 0) continue;
+            if (animation != 0)
+                ZELMAR_polygon_set_animation(h, animation);
+            else if (bitmap != 0)
+                ZELMAR_polygon_set_bitmap_fill(h, bitmap);
+            else
+                ZELMAR_polygon_set_color_fill(h, rgb[0], rgb[1], rgb[2]);
+        }
+    }
+    m_polygons.clear();
+    m_sizes.clear();
+    m_vertices.clear();
+    return out;
 }
 
 } // namespace vexil

@@ -34,13 +34,24 @@ int FindCutCrossingsOnRing(const std::vector<CutPoint>& ring, const CutLine& lin
 // The rings of many polygons in a few engine calls: ring i is points[starts[i]] to points[starts[i + 1] - 1].
 void ReadCutRings(const std::vector<int>& polygons, std::vector<CutPoint>& points, std::vector<size_t>& starts);
 
-// The two halves of a polygon with two crossings: points 1..first then second..end, and first..second,
-// each a vertex with brightness 100, with the polygon's animation, else bitmap, else colour, named
-// "Cut_Poly", in `group` and added to the world. When a half would have fewer than three points neither is
-// made (both 0).
+// The two halves of polygons with two crossings: points 1..first then second..end, and first..second, each
+// a vertex with brightness 100, with the polygon's animation, else bitmap, else colour, named "Cut_Poly", in
+// the group and added to the world. Collected first and made together in one engine call: a cut makes
+// tens of thousands of halves, and one call per point and attribute cost more than the cut itself.
 struct CutHalves {
     int first = 0, second = 0;
 };
-CutHalves BuildCutPols(int polygon, int group, const std::vector<CutPoint>& list, int first, int second);
+class CutHalvesBatch {
+  public:
+    // The halves of `polygon`; false (and nothing added) when a half would have fewer than three points.
+    bool Add(int polygon, const std::vector<CutPoint>& list, int first, int second);
+    // Makes the halves added so far in `group`, in the order they were added; one CutHalves per Add that
+    // answered true (zeros where the engine refused a ring).
+    std::vector<CutHalves> Make(int group);
+
+  private:
+    std::vector<int> m_polygons, m_sizes;
+    std::vector<double> m_vertices;
+};
 
 } // namespace vexil

@@ -87,17 +87,25 @@ void mdlCutPols::CutSelectedPols() {
         return true;
     };
     std::vector<CutPoint> list, ring;
+    CutHalvesBatch halves;
+    std::vector<int> cut;
     for (size_t i = 0; i < pols.size(); ++i) {
-        const int pol = pols[i];
         edge = starts[i];
         ring.assign(rings.begin() + std::ptrdiff_t(starts[i]), rings.begin() + std::ptrdiff_t(starts[i + 1]));
         int first = 0, second = 0;
         if (FindCutCrossingsOnRing(ring, line, toScreen, list, first, second) != 2) continue;
-        const CutHalves h = BuildCutPols(pol, group, list, first, second);
-        if (h.first == 0) continue;
-        CutAddedPols.push_back(h.first);
-        CutAddedPols.push_back(h.second);
-        CutDeletedPols.push_back(pol);
+        if (halves.Add(pols[i], list, first, second)) cut.push_back(pols[i]);
+    }
+    const std::vector<CutHalves> made = halves.Make(group);
+    for (size_t i = 0; i < made.size(); ++i) {
+        if (made[i].first == 0 || made[i].second == 0) { // refused by the engine: no half of it stays
+            for (const int h : {made[i].first, made[i].second})
+                if (h) ZELMAR_polygon_delete(h);
+            continue;
+        }
+        CutAddedPols.push_back(made[i].first);
+        CutAddedPols.push_back(made[i].second);
+        CutDeletedPols.push_back(cut[i]);
     }
 }
 

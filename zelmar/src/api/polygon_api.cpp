@@ -63,6 +63,41 @@ int ZELMAR_polygon_create(void) {
     return world().createPolygon()->handle;
 }
 
+int ZELMAR_polygons_create(int group, const int* ring_sizes, int rings, const double* vertices, const char* name,
+                           int* polygons) {
+    const char* op = "polygons_create";
+    if (rings <= 0) return 0;
+    if (!ring_sizes || !vertices || !outArray(polygons, op)) {
+        if (!ring_sizes || !vertices) setLastError(std::string(op) + ": no rings given");
+        return 0;
+    }
+    Group* g = nullptr;
+    if (group != 0 && !(g = groupArg(group, op))) return 0;
+    World& w = world();
+    int made = 0;
+    const double* v = vertices;
+    for (int i = 0; i < rings; ++i) {
+        const int n = std::max(ring_sizes[i], 0);
+        const double* ring = v;
+        v += size_t(n) * 6;
+        polygons[i] = 0;
+        if (n < 3 || !inArray(ring, 6 * n, op)) {
+            if (n < 3) setLastError(std::string(op) + ": ring " + std::to_string(i) + " has fewer than three vertices");
+            continue;
+        }
+        Polygon* p = w.createPolygon();
+        w.setPolygonGroup(*p, g);
+        for (int k = 0; k < n; ++k)
+            w.addPoint(*p, vertexOf(ring + 6 * k), false);
+        p->addedToWorld = true;
+        if (name) p->name = name;
+        w.changed(*p);
+        polygons[i] = p->handle;
+        ++made;
+    }
+    return made;
+}
+
 int ZELMAR_polygon_is_polygon(int handle) {
     return world().polygon(handle) ? 1 : 0;
 }

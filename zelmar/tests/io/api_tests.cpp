@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zelmar/zelmar.h>
@@ -241,5 +242,71 @@ TEST(ApiWorldBackground, ALoadedWorldDrawsItsFirstBackground) {
     ASSERT_EQ(ZELMAR_engine_save(path.c_str(), bare, 0x1203), 1);
     ASSERT_EQ(ZELMAR_engine_load_world(path.c_str(), "", "", 4), 1);
     EXPECT_EQ(activeBackground(), nullptr);
+    emptyEngine();
+}
+
+namespace {
+
+// Rings of 4, 5 and 3 vertices, a ring of two and one with a value that is not a number (both refused).
+struct Rings {
+    std::vector<int> sizes{4, 5, 2, 3, 3};
+    std::vector<double> vertices;
+    Rings() {
+        for (size_t r = 0; r < sizes.size(); ++r)
+            for (int k = 0; k < sizes[r]; ++k) {
+                const double a = 6.283185307179586 * k / sizes[r];
+                vertices.insert(vertices.end(), {10.0 * r + std::cos(a), std::sin(a), 0.5 * r, 0.1 * k, 0.2 * r, 80.0 + k});
+            }
+        vertices[6 * (4 + 5 + 2 + 3) + 1] = NAN;
+    }
+};
+
+// The world saved after making the rings' polygons one call at a time or all in one; the handles made.
+std::string savedAfter(bool bulk, const TempDir& dir, std::vector<int>& made) {
+    emptyEngine();
+    const int root = ZELMAR_group_create("the_world");
+    const int g = ZELMAR_group_create("cut");
+    ZELMAR_group_set_father_group(g, root);
+    const Rings r;
+    made.assign(r.sizes.size(), 0);
+    if (bulk) {
+        EXPECT_EQ(ZELMAR_polygons_create(g, r.sizes.data(), int(r.sizes.size()), r.vertices.data(), "Cut_Poly",
+                                         made.data()),
+                  3);
+    } else {
+        const double* v = r.vertices.data();
+        for (size_t i = 0; i < r.sizes.size(); v += 6 * r.sizes[i], ++i) {
+            if (r.sizes[i] < 3 || i == 4) continue;
+            const int p = made[i] = ZELMAR_polygon_create();
+            ZELMAR_polygon_set_group(p, g);
+            for (int k = 0; k < r.sizes[i]; ++k)
+                ZELMAR_polygon_add_point(p, v + 6 * k);
+            ZELMAR_engine_add_polygon(p);
+            ZELMAR_polygon_set_name(p, "Cut_Poly");
+        }
+    }
+    const std::string path = dir / (bulk ? "bulk.wld" : "single.wld");
+    EXPECT_EQ(ZELMAR_engine_save(path.c_str(), root, 0x1203), 1) << ZELMAR_engine_get_last_error();
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+} // namespace
+
+TEST(BulkPolygons, MadeFromRingsInOneCallTheyAreWhatOneCallPerItemMakes) {
+    TempDir dir;
+    std::vector<int> single, bulk;
+    const std::string one = savedAfter(false, dir, single);
+    const std::string all = savedAfter(true, dir, bulk);
+    // Handles are never reused: the second world's are the first's shifted by one amount.
+    ASSERT_NE(bulk[0], 0);
+    for (size_t i = 0; i < bulk.size(); ++i)
+        EXPECT_EQ(bulk[i] ? bulk[i] - bulk[0] : -1, single[i] ? single[i] - single[0] : -1) << i;
+    EXPECT_EQ(bulk[2], 0);
+    EXPECT_EQ(bulk[4], 0);
+    ASSERT_FALSE(one.empty());
+    EXPECT_TRUE(one == all) << "the saved worlds differ";
+    EXPECT_EQ(ZELMAR_polygon_get_num_of_points(bulk[1]), 5);
+    EXPECT_STREQ(ZELMAR_polygon_get_name(bulk[3]), "Cut_Poly");
     emptyEngine();
 }
