@@ -323,28 +323,19 @@ bool SurfSimpli::wouldFlipNormal(int edge) {
 // wouldDegenerate), the flip tests' outcomes are kept up to the first settled flip or overflow
 // and then given in their order (what wouldFlipNormal would answer, raise or log after them).
 bool SurfSimpli::degeneratesOrFlips(int edge) {
-    const EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
     std::vector<FlipCheck>& kept = flipChecks_;
     kept.clear();
     bool flipSettled = false;
-    const int ends[2] = {E.a, E.b};
-    for (const int end : ends) {
-        const std::size_t pe = static_cast<std::size_t>(end);
-        if (pe >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
-        for (const std::int32_t* t = pTris_.begin(pe); t != pTris_.end(pe); ++t) {
-            const TriHot& T = tris_[static_cast<std::size_t>(*t)];
-            if (!T.valid || edgeHasTri(edge, *t)) continue;
-            const double* c[3];
-            for (int k = 0; k < 3; ++k)
-                c[k] = (T.pts[k] == E.a || T.pts[k] == E.b) ? E.nc : pts_[static_cast<std::size_t>(T.pts[k])].xyz;
-            if (degenerate(c)) return true;
-            if (flipSettled) continue;
-            const FlipCheck f = flipCheck(T.plane, c);
-            if (f.kind == FlipCheck::Keeps) continue;
-            flipSettled = f.kind != FlipCheck::Ask;
-            kept.push_back(f);
-        }
-    }
+    const bool degenerates = anyMovedTri(edge, [&](const TriHot& T, const double* const* c) {
+        if (degenerate(c)) return true;
+        if (flipSettled) return false;
+        const FlipCheck f = flipCheck(T.plane, c);
+        if (f.kind == FlipCheck::Keeps) return false;
+        flipSettled = f.kind != FlipCheck::Ask;
+        kept.push_back(f);
+        return false;
+    });
+    if (degenerates) return true;
     for (const FlipCheck& f : kept)
         if (flips(f)) return true;
     return false;
