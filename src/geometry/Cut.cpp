@@ -57,22 +57,15 @@ void ReadCutRings(const std::vector<int>& polygons, std::vector<CutPoint>& point
     starts[polygons.size()] = k;
 }
 
-int FindCutCrossings(int polygon, const CutLine& line, const EdgeToScreen& toScreen, std::vector<CutPoint>& list,
-                     int& first, int& second) {
-    static thread_local std::vector<CutPoint> ring;
-    readRings(&polygon, 1, ring, nullptr);
-    return FindCutCrossingsOnRing(ring, line, toScreen, list, first, second);
-}
-
-int FindCutCrossingsOnRing(const std::vector<CutPoint>& ring, const CutLine& line, const EdgeToScreen& toScreen,
+int FindCutCrossingsOnRing(const CutPoint* ring, size_t n, const CutLine& line, const EdgeToScreen& toScreen,
                            std::vector<CutPoint>& list, int& first, int& second) {
     list.clear();
     first = second = 0;
     int result = 0;
-    for (size_t i = 0; i < ring.size(); ++i) {
-        const CutPoint a = ring[i];
+    for (size_t i = 0; i < n; ++i) {
+        const CutPoint& a = ring[i];
         list.push_back(a);
-        const CutPoint b = ring[i + 1 < ring.size() ? i + 1 : 0];
+        const CutPoint& b = ring[i + 1 < n ? i + 1 : 0];
         double s[2], e[2];
         if (!toScreen || !toScreen(a.xyz, b.xyz, s, e)) continue;
         // Parallel lines leave the crossing unset: they do not meet.
@@ -134,6 +127,13 @@ bool CutHalvesBatch::Add(int polygon, const std::vector<CutPoint>& list, int fir
     m_sizes.push_back(one);
     m_sizes.push_back(two);
     return true;
+}
+
+void CutHalvesBatch::Reserve(size_t polygons, size_t points) {
+    m_polygons.reserve(polygons);
+    m_sizes.reserve(2 * polygons);
+    // Each ring point lands in one half; the two crossings in both, twice each at most.
+    m_vertices.reserve(6 * (points + 4 * polygons));
 }
 
 std::vector<CutHalves> CutHalvesBatch::Make(int group) {

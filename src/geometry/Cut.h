@@ -25,11 +25,9 @@ struct CutLine {
 // crossings; first and second are 1-based positions in `list`. A crossing exactly on a point adds no point
 // (the point serves); a third crossing replaces the second, so a concave polygon is cut at its first and
 // last crossing.
-int FindCutCrossings(int polygon, const CutLine& line, const EdgeToScreen& toScreen, std::vector<CutPoint>& list,
-                     int& first, int& second);
-// The same on a ring already read (its points in order, each with its location and bitmap coordinates);
+// The crossings of the ring (its n points in order, each with its location and bitmap coordinates);
 // toScreen is asked about each edge in ring order, the closing edge last.
-int FindCutCrossingsOnRing(const std::vector<CutPoint>& ring, const CutLine& line, const EdgeToScreen& toScreen,
+int FindCutCrossingsOnRing(const CutPoint* ring, size_t n, const CutLine& line, const EdgeToScreen& toScreen,
                            std::vector<CutPoint>& list, int& first, int& second);
 // The rings of many polygons in a few engine calls: ring i is points[starts[i]] to points[starts[i + 1] - 1].
 void ReadCutRings(const std::vector<int>& polygons, std::vector<CutPoint>& points, std::vector<size_t>& starts);
@@ -48,6 +46,8 @@ class CutHalvesBatch {
     // Makes the halves added so far in `group`, in the order they were added; one CutHalves per Add that
     // answered true (zeros where the engine refused a ring).
     std::vector<CutHalves> Make(int group);
+    // Room for about this many polygons with this many ring points in all (a cut knows it before it starts).
+    void Reserve(size_t polygons, size_t points);
 
   private:
     std::vector<int> m_polygons, m_sizes;

@@ -86,14 +86,17 @@ void mdlCutPols::CutSelectedPols() {
         e[1] = screen[4 * j + 3];
         return true;
     };
-    std::vector<CutPoint> list, ring;
+    std::vector<CutPoint> list;
     CutHalvesBatch halves;
+    halves.Reserve(pols.size(), rings.size());
     std::vector<int> cut;
+    cut.reserve(pols.size());
     for (size_t i = 0; i < pols.size(); ++i) {
         edge = starts[i];
-        ring.assign(rings.begin() + std::ptrdiff_t(starts[i]), rings.begin() + std::ptrdiff_t(starts[i + 1]));
         int first = 0, second = 0;
-        if (FindCutCrossingsOnRing(ring, line, toScreen, list, first, second) != 2) continue;
+        if (FindCutCrossingsOnRing(rings.data() + starts[i], starts[i + 1] - starts[i], line, toScreen, list, first,
+                                   second) != 2)
+            continue;
         if (halves.Add(pols[i], list, first, second)) cut.push_back(pols[i]);
     }
     const std::vector<CutHalves> made = halves.Make(group);
