@@ -21,12 +21,11 @@ struct CutLine {
     double x1 = 0, y1 = 0, x2 = 0, y2 = 0;
 };
 
-// The points of the ring with the crossings inserted after the point they follow. Answers 0, 1 or 2
-// crossings; first and second are 1-based positions in `list`. A crossing exactly on a point adds no point
-// (the point serves); a third crossing replaces the second, so a concave polygon is cut at its first and
-// last crossing.
-// The crossings of the ring (its n points in order, each with its location and bitmap coordinates);
-// toScreen is asked about each edge in ring order, the closing edge last.
+// The ring's n points (in order, each with its location and bitmap coordinates) into `list`, with the
+// crossings inserted after the point they follow. Answers 0, 1 or 2 crossings; first and second are 1-based
+// positions in `list`. A crossing exactly on a point adds no point (the point serves); a third crossing
+// replaces the second, so a concave polygon is cut at its first and last crossing. toScreen is asked about
+// each edge in ring order, the closing edge last.
 int FindCutCrossingsOnRing(const CutPoint* ring, size_t n, const CutLine& line, const EdgeToScreen& toScreen,
                            std::vector<CutPoint>& list, int& first, int& second);
 // The rings of many polygons in a few engine calls: ring i is points[starts[i]] to points[starts[i + 1] - 1].
