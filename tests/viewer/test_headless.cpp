@@ -1,6 +1,7 @@
 // vexil-viewer run as a program without a window: the camera's place after N frames of the
 // sample world flying its track, a golden picture of that frame, and the exit codes of bad input.
 // VEXIL_UPDATE_GOLDEN=1 rewrites the picture (look at it before committing).
+#include "../support/GoldenImages.h"
 #include "ChaseWorldFile.h"
 
 #include <gtest/gtest.h>
@@ -31,26 +32,6 @@ ViewerRun viewer(const QStringList& args) {
     return r;
 }
 
-// Pixels whose channels differ by more than `tolerance` from the golden.
-int differingPixels(const QImage& got, const QString& golden, int tolerance) {
-    if (qEnvironmentVariableIsSet("VEXIL_UPDATE_GOLDEN")) {
-        QDir().mkpath(QStringLiteral(VIEWER_GOLDEN_DIR));
-        got.save(golden);
-        return 0;
-    }
-    const QImage want = QImage(golden).convertToFormat(QImage::Format_RGB32);
-    if (want.isNull() || want.size() != got.size()) return got.width() * got.height();
-    int bad = 0;
-    for (int y = 0; y < got.height(); ++y)
-        for (int x = 0; x < got.width(); ++x) {
-            const QRgb a = got.pixel(x, y), b = want.pixel(x, y);
-            if (std::abs(qRed(a) - qRed(b)) > tolerance || std::abs(qGreen(a) - qGreen(b)) > tolerance ||
-                std::abs(qBlue(a) - qBlue(b)) > tolerance)
-                ++bad;
-        }
-    return bad;
-}
-
 TEST(Headless, TheSampleCameraFliesItsTrackAndTheFrameMatchesItsGolden) {
     QTemporaryDir tmp;
     const std::string world = viewertest::writeChaseWorld(tmp.path().toStdString());
@@ -79,7 +60,7 @@ TEST(Headless, TheSampleCameraFliesItsTrackAndTheFrameMatchesItsGolden) {
     ASSERT_EQ(g.code, 0) << g.err.toStdString();
     const QImage got = QImage(frame).convertToFormat(QImage::Format_RGB32);
     ASSERT_EQ(got.size(), QSize(160, 120));
-    EXPECT_LE(differingPixels(got, QStringLiteral(VIEWER_GOLDEN_DIR "/sample_chase_frame.png"), 8), 160 * 120 / 200);
+    EXPECT_LE(vexil::test::compareGolden(QStringLiteral("sample_chase_frame"), got, 8), 160 * 120 / 200);
 }
 
 TEST(Headless, BadInputGivesAMessageAndItsExitCode) {
