@@ -511,19 +511,27 @@ ActionRef CloseScaleAction(const ActionRef& open, ViewportHost& host, SelectMode
     return env && env->Object() ? env : nullptr;
 }
 
-PointsSnapshot SubObjectPointsBefore(SelectMode mode) {
-    PointsSnapshot before;
-    if (mode == SelectMode::Point) before.Capture(Sel().SelPts.ToVector());
-    if (mode == SelectMode::Polygon) before.Capture(PointsOfSets(SelectedWeldSets()));
+TransformBefore StateBefore(SelectMode mode, bool turn) {
+    TransformBefore before;
+    if (mode == SelectMode::Point) before.points.Capture(Sel().SelPts.ToVector());
+    if (mode == SelectMode::Polygon) before.points.Capture(PointsOfSets(SelectedWeldSets()));
+    if (mode == SelectMode::Entity && turn) {
+        const SelectionState& s = Sel();
+        TransformedEntity e;
+        e.Set(s.CurrSelEntityType, s.CurrSelEntity, setOf(s.CurrSelEntityType));
+        before.entity.Capture(e);
+    }
     return before;
 }
 
-void GiveBefore(const ActionRef& env, const PointsSnapshot& before) {
-    if (!env || before.Empty()) return;
-    if (auto* a = env->As<ActionRotateGrpPoints>()) a->SetBefore(before);
-    if (auto* a = env->As<ActionRotateGrpPols>()) a->SetBefore(before);
-    if (auto* a = env->As<ActionScaleGrpPoints>()) a->SetBefore(before);
-    if (auto* a = env->As<ActionScaleGrpPols>()) a->SetBefore(before);
+void GiveBefore(const ActionRef& env, const TransformBefore& before) {
+    if (!env) return;
+    if (auto* a = env->As<ActionRotate>(); a && before.entity.Has()) a->SetBefore(before.entity);
+    if (before.points.Empty()) return;
+    if (auto* a = env->As<ActionRotateGrpPoints>()) a->SetBefore(before.points);
+    if (auto* a = env->As<ActionRotateGrpPols>()) a->SetBefore(before.points);
+    if (auto* a = env->As<ActionScaleGrpPoints>()) a->SetBefore(before.points);
+    if (auto* a = env->As<ActionScaleGrpPols>()) a->SetBefore(before.points);
 }
 
 } // namespace vexil

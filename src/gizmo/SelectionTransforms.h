@@ -8,6 +8,7 @@
 #pragma once
 #include "selection/SelectionState.h"
 #include "view/ViewportHost.h"
+#include "selection/ActionTransformEntity.h"
 #include "selection/ActionTransformSubObject.h"
 
 #include <memory>
@@ -58,10 +59,15 @@ ActionRef OpenScaleAction(ViewportHost& host, SelectMode mode);
 // The scale action to push for a scale by `total` (factors of the whole change), or null when nothing
 // changed. `open` is what OpenScaleAction gave.
 ActionRef CloseScaleAction(const ActionRef& open, ViewportHost& host, SelectMode mode, const Vec3& total);
-// The points a sub-object turn or scale is about to move, as they are now (empty outside point and polygon
-// mode). Handed to the action after the change with GiveBefore, so that its undo puts back these exact
+// What a turn or a scale is about to change, as it is now: in point and polygon mode the points it moves;
+// for a turn in entity mode the groups or the track (an entity scale's action copies them when it is
+// opened). Handed to the action after the change with GiveBefore, so that its undo puts back these exact
 // values rather than turning or scaling back, which would leave rounding in the last bits.
-PointsSnapshot SubObjectPointsBefore(SelectMode mode);
-void GiveBefore(const ActionRef& action, const PointsSnapshot& before);
+struct TransformBefore {
+    PointsSnapshot points;
+    ExactEntity entity;
+};
+TransformBefore StateBefore(SelectMode mode, bool turn);
+void GiveBefore(const ActionRef& action, const TransformBefore& before);
 
 } // namespace vexil

@@ -10,7 +10,7 @@
 //   gizmo[index]->Draw(painter);                  // DrawGizmo, while the view paints
 //   gizmo[index]->MouseDown(button, x, y);        // and MouseMove, MouseUp
 #pragma once
-#include "engine/PointsSnapshot.h"
+#include "SelectionTransforms.h"
 #include "selection/SelectionState.h"
 
 #include <QPen>
@@ -95,7 +95,7 @@ class TransformGizmo {
     ActionUndoRedo_Stack& m_stack;
     // The action opened at mouse-down (move, or an entity scale), completed at mouse-up.
     std::shared_ptr<ActionUndoRedo> m_open;
-    PointsSnapshot m_before; // the sub-objects before a turn or a scale, for an exact undo
+    TransformBefore m_before; // what a turn or a scale changes, as it was at the press, for an exact undo
 };
 
 } // namespace vexil

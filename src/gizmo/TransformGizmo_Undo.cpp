@@ -1,6 +1,6 @@
 // TransformGizmo: the undo records of a drag. A move is made at mouse-down and pushed at mouse-up when the
 // selection moved; a turn or a scale is pushed at mouse-up, and only when it changed something. Sub-object
-// turns and scales get the points as they were at the press, so that their undo is exact.
+// turns and scales, and entity turns, get what they change as it was at the press, so that their undo is exact.
 #include "selection/SelectionModel.h"
 #include "SelectionTransforms.h"
 #include "TransformGizmo.h"
@@ -25,7 +25,7 @@ bool moved(const ActionRef& env) {
 
 void TransformGizmo::BeginActions() {
     m_open.reset();
-    m_before = PointsSnapshot();
+    m_before = TransformBefore();
     ViewportHost& host = m_views.Host();
     const SelectMode mode = host.CurrentSelectMode();
     switch (m_views.ToolMode()) {
@@ -33,11 +33,11 @@ void TransformGizmo::BeginActions() {
         m_open = OpenMoveAction(host, mode);
         break;
     case ToolRotate:
-        m_before = SubObjectPointsBefore(mode);
+        m_before = StateBefore(mode, true);
         break;
     case ToolScale:
         m_open = OpenScaleAction(host, mode);
-        m_before = SubObjectPointsBefore(mode);
+        m_before = StateBefore(mode, false);
         break;
     default:
         break;

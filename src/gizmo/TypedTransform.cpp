@@ -136,7 +136,7 @@ QString ApplyTypedTransform(ViewportHost& host, SelectMode mode, const TypedTran
         for (int axis = 0; axis < 3; ++axis)
             if (world[size_t(axis)] != 0) steps.push_back({world[size_t(axis)], axis});
         if (steps.empty()) return {};
-        const PointsSnapshot before = SubObjectPointsBefore(mode);
+        const TransformBefore before = StateBefore(mode, true);
         for (const RotationStep& s : steps)
             RotateSelectionBy(host, mode, s.amount, s.axis);
         if (const ActionRef env = MakeRotateAction(mode, steps)) {
@@ -162,7 +162,7 @@ QString ApplyTypedTransform(ViewportHost& host, SelectMode mode, const TypedTran
         for (double v : f)
             if (!(v > 0)) return QStringLiteral("A scale factor must be greater than 0.");
         const ActionRef open = OpenScaleAction(host, mode);
-        const PointsSnapshot before = SubObjectPointsBefore(mode);
+        const TransformBefore before = StateBefore(mode, false);
         if (!ScaleSelectionBy(host, mode, f)) return nothingSelected(mode);
         if (const ActionRef env = CloseScaleAction(open, host, mode, f)) {
             GiveBefore(env, before);

@@ -8,6 +8,8 @@
 
 #include <zelmar/zelmar.h>
 
+#include <algorithm>
+
 namespace vexil {
 
 namespace {
@@ -62,11 +64,61 @@ void TransformedEntity::Set(int k, int h, const MultipleSelection* s) {
         set.Reset();
 }
 
+// ---- ExactEntity --------------------------------------------------------------------------------
+
+void ExactEntity::Capture(const TransformedEntity& e) {
+    m_groups.clear();
+    m_track = 0;
+    if (e.kind == 1) m_groups.push_back(e.handle);
+    if (e.kind == 6) m_groups = e.set.Groups();
+    if (e.kind == 3) m_track = e.handle;
+    m_has = !m_groups.empty() || m_track != 0;
+    m_hasAfter = false;
+    m_after = State();
+    m_before = m_has ? read() : State();
+}
+
+ExactEntity::State ExactEntity::read() const {
+    State s;
+    s.groups.Capture(m_groups);
+    if (m_track != 0 && ZELMAR_track_is_track(m_track) == 1) {
+        const int n = ZELMAR_track_get_number_of_points(m_track);
+        s.track.resize(std::size_t(n) * 3);
+        for (int i = 0; i < n; ++i)
+            ZELMAR_track_get_point(m_track, i, s.track.data() + std::size_t(i) * 3);
+    }
+    return s;
+}
+
+void ExactEntity::put(const State& s) const {
+    s.groups.Restore();
+    if (m_track == 0 || ZELMAR_track_is_track(m_track) != 1) return;
+    const int n = std::min(ZELMAR_track_get_number_of_points(m_track), int(s.track.size() / 3));
+    for (int i = 0; i < n; ++i)
+        ZELMAR_track_set_point(m_track, i, s.track.data() + std::size_t(i) * 3);
+}
+
+bool ExactEntity::Undo() {
+    if (!m_has) return false;
+    if (!m_hasAfter) {
+        m_after = read();
+        m_hasAfter = true;
+    }
+    put(m_before);
+    return true;
+}
+
+bool ExactEntity::Redo() {
+    if (!m_hasAfter) return false;
+    put(m_after);
+    return true;
+}
+
 // ---- ActionMove ---------------------------------------------------------------------------------
 
-void ActionMove::move(const Loc3& at, const Loc3& from) {
+void ActionMove::move(const Loc3& at, const Loc3& from, bool put) {
     if (m_e.kind != 6) {
-        setLocationOf(m_e.kind, m_e.handle, at);
+        if (!put) setLocationOf(m_e.kind, m_e.handle, at);
         refreshBox(m_e.kind, m_e.handle);
         return;
     }
@@ -76,8 +128,9 @@ void ActionMove::move(const Loc3& at, const Loc3& from) {
             l[k] += d[k];
         return l;
     };
-    for (int g : m_e.set.Groups())
-        setLocationOf(1, g, shifted(groupLocation(g)));
+    if (!put)
+        for (int g : m_e.set.Groups())
+            setLocationOf(1, g, shifted(groupLocation(g)));
     for (int c : m_e.set.Cams())
         setLocationOf(2, c, shifted(locationOf(2, c)));
     for (int l : m_e.set.Lights())
@@ -90,11 +143,11 @@ void ActionMove::move(const Loc3& at, const Loc3& from) {
 
 // ---- ActionRotate -------------------------------------------------------------------------------
 
-void RotateSetAbout(const MultipleSelection& set, const Loc3& centre, double degrees, int axis) {
+void RotateSetAbout(const MultipleSelection& set, const Loc3& centre, double degrees, int axis, bool groups) {
     if (axis < 0 || axis > 2) return;
     Loc3 turn{0, 0, 0};
     turn[static_cast<size_t>(axis)] = degrees;
-    for (int g : set.Groups()) {
+    for (int g : groups ? set.Groups() : std::vector<int>()) {
         Loc3 own{};
         ZELMAR_group_get_rotate_reference_point(g, own.data());
         ZELMAR_group_set_rotate_reference_point(g, centre.data());
@@ -118,12 +171,13 @@ void ActionRotate::SetRotatedEntity(int kind, int handle, const MultipleSelectio
     m_centre = Sel().SelObjsAvgCenter;
 }
 
-void ActionRotate::turn(double amount, int axis) {
+void ActionRotate::turn(double amount, int axis, bool groups) {
     if (axis < 0 || axis > 2) return;
     if (m_e.kind == 6) {
-        RotateSetAbout(m_e.set, m_centre, amount, axis);
+        RotateSetAbout(m_e.set, m_centre, amount, axis, groups);
         return;
     }
+    if (!groups && (m_e.kind == 1 || m_e.kind == 3)) return; // put back from the copy
     Loc3 deg{0, 0, 0};
     deg[static_cast<size_t>(axis)] = amount;
     if (m_e.kind == 1)
@@ -133,14 +187,16 @@ void ActionRotate::turn(double amount, int axis) {
 }
 
 void ActionRotate::Undo() {
+    const bool groups = !m_exact.Undo();
     for (auto it = m_steps.rbegin(); it != m_steps.rend(); ++it)
-        turn(-it->amount, it->axis);
+        turn(-it->amount, it->axis, groups);
     refreshBox(m_e.kind, m_e.handle);
 }
 
 void ActionRotate::Redo() {
+    const bool groups = !m_exact.Redo();
     for (const Step& s : m_steps)
-        turn(s.amount, s.axis);
+        turn(s.amount, s.axis, groups);
     refreshBox(m_e.kind, m_e.handle);
 }
 
@@ -148,6 +204,7 @@ void ActionRotate::Redo() {
 
 void ActionScale::SetScaledEntity(int kind, int handle, const MultipleSelection* set) {
     m_e.Set(kind, handle, set);
+    m_exact.Capture(m_e);
     m_memberDims.clear();
     for (int g : m_e.set.Groups()) {
         Loc3 d{};
@@ -210,11 +267,19 @@ void ActionScale::apply(const Loc3& dims, const Loc3& f) {
 }
 
 void ActionScale::Undo() {
+    if (m_exact.Undo()) { // groups and tracks are all a scale changes
+        refreshBox(m_e.kind, m_e.handle);
+        return;
+    }
     const Loc3 f = factors();
     apply(m_ini, {f[0] != 0 ? 1.0 / f[0] : 1.0, f[1] != 0 ? 1.0 / f[1] : 1.0, f[2] != 0 ? 1.0 / f[2] : 1.0});
 }
 
 void ActionScale::Redo() {
+    if (m_exact.Redo()) {
+        refreshBox(m_e.kind, m_e.handle);
+        return;
+    }
     apply(m_fnl, factors());
 }
 
@@ -233,12 +298,27 @@ std::vector<Loc3> ActionAlign::read() const {
 
 void ActionAlign::SetAlignedEntity(int kind, int handle, const MultipleSelection* set) {
     m_e.Set(kind, handle, set);
+    m_exact.Capture(m_e);
     m_before = read();
     m_after = m_before;
 }
 
 void ActionAlign::SetLocationsAfter() {
     m_after = read();
+}
+
+void ActionAlign::Undo() {
+    if (m_exact.Undo())
+        refreshBox(m_e.kind, m_e.handle);
+    else
+        put(m_before);
+}
+
+void ActionAlign::Redo() {
+    if (m_exact.Redo())
+        refreshBox(m_e.kind, m_e.handle);
+    else
+        put(m_after);
 }
 
 void ActionAlign::put(const std::vector<Loc3>& locs) {

@@ -64,10 +64,8 @@ bool pushed(EditContext& c, int before) {
     return c.fixture.Changes() != before;
 }
 
-// Moves, turns or scales the selected points or polygons by typed values, along the world's or the group's
-// axes, as the typed transform panel applies them (the same actions as a gizmo drag).
-bool typedTransform(EditContext& c, SelectMode mode, TransformKind kind) {
-    if (!(mode == SelectMode::Point ? withPoints(c) : withPolygons(c))) return false;
+// A move, turn or scale by random typed values, along the world's or the group's axes.
+TypedTransform randomTransform(EditContext& c, TransformKind kind) {
     TypedTransform t;
     t.kind = kind;
     t.worldSpace = c.Chance(0.5);
@@ -82,10 +80,38 @@ bool typedTransform(EditContext& c, SelectMode mode, TransformKind kind) {
         t.values = {c.Real(0.5, 1.8), c.Real(0.5, 1.8), c.Real(0.5, 1.8)};
         break;
     }
+    return t;
+}
+
+// Applies it as the typed transform panel does (the same actions as a gizmo drag).
+bool applyTransform(EditContext& c, SelectMode mode, const TypedTransform& t) {
     const int before = c.fixture.Changes();
     if (!ApplyTypedTransform(c.fixture.host, mode, t, *c.fixture.host.stack).isEmpty()) return false;
     RefreshAfterTransform(c.fixture.host, mode, nullptr);
     return pushed(c, before);
+}
+
+// The selected points or polygons.
+bool typedTransform(EditContext& c, SelectMode mode, TransformKind kind) {
+    if (!(mode == SelectMode::Point ? withPoints(c) : withPolygons(c))) return false;
+    return applyTransform(c, mode, randomTransform(c, kind));
+}
+
+// Whole groups: one group, or a set of some (a turn of a set swings its members about their centre).
+bool groupTransform(EditContext& c, TransformKind kind) {
+    const std::vector<int> groups = c.fixture.Groups();
+    if (groups.empty()) return false;
+    const int before = c.fixture.Changes();
+    if (groups.size() > 1 && c.Chance(0.4)) {
+        std::vector<std::pair<int, int>> set;
+        for (int g : someOf(c, groups, 3))
+            if (std::find(set.begin(), set.end(), std::pair<int, int>(1, g)) == set.end()) set.push_back({1, g});
+        c.fixture.model->SelectMultiple(set);
+    } else {
+        c.fixture.model->SelectEntityFromTree(1, groups[size_t(c.Int(0, int(groups.size()) - 1))]);
+    }
+    c.fixture.host.mode = SelectMode::Entity;
+    return applyTransform(c, SelectMode::Entity, randomTransform(c, kind)) || pushed(c, before);
 }
 
 } // namespace
@@ -116,6 +142,21 @@ VEXIL_UNDO_EDIT(ScalePoints, [](EditContext& c) { return typedTransform(c, Selec
 VEXIL_UNDO_EDIT(MovePolygons, [](EditContext& c) { return typedTransform(c, SelectMode::Polygon, TransformKind::Move); });
 VEXIL_UNDO_EDIT(RotatePolygons, [](EditContext& c) { return typedTransform(c, SelectMode::Polygon, TransformKind::Rotate); });
 VEXIL_UNDO_EDIT(ScalePolygons, [](EditContext& c) { return typedTransform(c, SelectMode::Polygon, TransformKind::Scale); });
+
+VEXIL_UNDO_EDIT(MoveGroups, [](EditContext& c) { return groupTransform(c, TransformKind::Move); });
+VEXIL_UNDO_EDIT(RotateGroups, [](EditContext& c) { return groupTransform(c, TransformKind::Rotate); });
+VEXIL_UNDO_EDIT(ScaleGroups, [](EditContext& c) { return groupTransform(c, TransformKind::Scale); });
+
+VEXIL_UNDO_EDIT(Align, [](EditContext& c) {
+    const std::vector<int> groups = c.fixture.Groups();
+    if (groups.size() < 2) return false;
+    const int target = groups[size_t(c.Int(0, int(groups.size()) - 1))];
+    std::array<int, 3> mode{c.Int(0, 4), c.Int(0, 4), c.Int(0, 4)};
+    std::vector<int> moving = someOf(c, groups, 3);
+    std::sort(moving.begin(), moving.end());
+    moving.erase(std::unique(moving.begin(), moving.end()), moving.end());
+    return AlignGroups(moving, target, mode);
+});
 
 VEXIL_UNDO_EDIT(Weld, [](EditContext& c) {
     if (!withPoints(c, 16)) return false;

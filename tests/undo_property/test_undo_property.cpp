@@ -63,7 +63,7 @@ TEST_F(UndoProperty, EveryRegisteredEditIsThere) {
     for (const EditGenerator& g : EditRegistry())
         names.push_back(g.name);
     for (const char* n : {"MovePoints", "RotatePolygons", "Weld", "DeletePolygons", "Detach", "Flip", "Triangulate",
-                          "Mirror", "Duplicate", "Extrude", "Bevel", "Cut", "Materials", "CreateCamera", "DeleteCamera",
+                          "Mirror", "Duplicate", "Extrude", "Bevel", "Cut", "RotateGroups", "Align", "Materials", "CreateCamera", "DeleteCamera",
                           "CreateCircularTrack", "CreateLight", "DeleteLight"})
         EXPECT_NE(names.end(), std::find(names.begin(), names.end(), n)) << n;
 }

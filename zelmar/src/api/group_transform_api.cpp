@@ -114,6 +114,34 @@ void ZELMAR_group_set_rotate_reference_point(int group, const double point[3]) {
     world().touch();
 }
 
+void ZELMAR_group_get_placement(int group, double values[16]) {
+    const Group* g = groupOut(group, values, "group_get_placement");
+    if (!g) return;
+    for (int r = 0; r < 3; ++r)
+        for (int c = 0; c < 3; ++c)
+            values[r * 3 + c] = g->axis[r][c];
+    for (int k = 0; k < 3; ++k) {
+        values[9 + k] = g->referencePoint[k];
+        values[13 + k] = g->emptyLocation[k];
+    }
+    values[12] = g->referencePointSet ? 1.0 : 0.0;
+}
+
+void ZELMAR_group_set_placement(int group, const double values[16]) {
+    Group* g = groupIn(group, values, 16, "group_set_placement");
+    if (!g) return;
+    for (int r = 0; r < 3; ++r)
+        for (int c = 0; c < 3; ++c)
+            g->axis[r][c] = values[r * 3 + c];
+    for (int k = 0; k < 3; ++k) {
+        g->referencePoint[k] = values[9 + k];
+        g->emptyLocation[k] = values[13 + k];
+    }
+    g->referencePointSet = values[12] != 0.0;
+    ++g->version;
+    world().touch();
+}
+
 void ZELMAR_group_get_bounding_box(int group, double box[6]) {
     if (const Group* g = groupOut(group, box, "group_get_bounding_box")) groupBoundingBox(*g, box);
 }

@@ -247,3 +247,30 @@ TEST_F(Transform, TurnToMatchAPolygonAndFindExtremes) {
     ZELMAR_point_get_bitmap_xy(corner, uv);
     EXPECT_V3_NEAR((std::array<double, 3>{uv[0], uv[1], 0}), 1, 1, 0, 1e-12);
 }
+
+// A placement put back with the points gives the group back bit for bit: its axes and reference point
+// decide the next turn, so a later edit after undo behaves as before it.
+TEST_F(Transform, PlacementPutBackRestoresTheAxesAndReferencePoint) {
+    const int g = ZELMAR_group_create("g");
+    box(g, {0, 0, 0}, {3, 2, 1});
+    const double ref[3] = {1, 1, 1}, turn[3] = {17, 23, 31};
+    ZELMAR_group_set_rotate_reference_point(g, ref);
+    double before[16], after[16], again[16];
+    ZELMAR_group_get_placement(g, before);
+    ZELMAR_group_rotate(g, turn, 0);
+    ZELMAR_group_get_placement(g, after);
+    EXPECT_NE(before[1], after[1]); // the axes turned
+    EXPECT_EQ(after[12], 1.0);      // the reference point stays set
+    ZELMAR_group_set_placement(g, before);
+    ZELMAR_group_get_placement(g, again);
+    for (int i = 0; i < 16; ++i)
+        EXPECT_EQ(again[i], before[i]) << i;
+    // Setting moves no point, and refuses values that are not numbers.
+    const int first = ZELMAR_polygon_get_first_point(ZELMAR_group_get_first_polygon(g));
+    const std::array<double, 3> at = xyz(first);
+    after[4] = std::nan("");
+    ZELMAR_group_set_placement(g, after);
+    ZELMAR_group_get_placement(g, again);
+    EXPECT_EQ(again[4], before[4]);
+    EXPECT_EQ(xyz(first), at);
+}
