@@ -286,12 +286,42 @@ const Texture* animationTexture(const FrameData& fd, const PackedPolygon& pp) {
     return it == fd.animations.end() ? nullptr : it->second[static_cast<size_t>(viewDirection(fd.view, pp))];
 }
 
+// A rotated polygon (a sprite card: a tree, a lamp) turns about the vertical (+z) line through its centre
+// so that its face looks towards the eye. Gives the cosine and sine of that turn; false when there is none
+// to make (a level card, or the eye straight above it). Picks and light maps see the card as stored.
+bool facingTurn(const View& view, const PackedPolygon& pp, double& cosA, double& sinA) {
+    const double nx = pp.normal[0], ny = pp.normal[1];
+    double tx, ty;
+    if (view.perspective) {
+        tx = view.eye[0] - (pp.box[0] + pp.box[3]) / 2;
+        ty = view.eye[1] - (pp.box[1] + pp.box[4]) / 2;
+    } else {
+        tx = -view.axis[0][0];
+        ty = -view.axis[0][1];
+    }
+    const double nl = std::hypot(nx, ny), tl = std::hypot(tx, ty);
+    if (!(nl > 1e-9) || !(tl > 1e-9)) return false;
+    cosA = (nx * tx + ny * ty) / (nl * tl);
+    sinA = (nx * ty - ny * tx) / (nl * tl);
+    return true;
+}
+
 void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const PackedPolygon& pp,
                     int lightSet, bool inside) {
     if (pp.disabled || pp.triCount == 0) return;
     const View& view = fd.view;
     const PackedVertex* pv = gc.verts.data() + pp.firstVertex;
-    if (pp.frontOnly) {
+    double cosA = 1, sinA = 0;
+    const bool turned = pp.rotated && facingTurn(view, pp, cosA, sinA);
+    const double cx = (pp.box[0] + pp.box[3]) / 2, cy = (pp.box[1] + pp.box[4]) / 2;
+    auto turn = [&](const double* in, double* out, double ox, double oy) {
+        const double x = in[0] - ox, y = in[1] - oy;
+        out[0] = ox + cosA * x - sinA * y;
+        out[1] = oy + sinA * x + cosA * y;
+        out[2] = in[2];
+    };
+    if (turned) inside = false; // the card may reach out of its group's box
+    if (pp.frontOnly && !turned) { // a turned card faces the eye
         const double* n = pp.normal;
         double facing;
         if (view.perspective)
@@ -320,7 +350,9 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
     for (uint32_t i = 0; i < n; ++i) {
         const PackedVertex& v = pv[i];
         ClipVertex& c = ch.cv[i];
-        toCamera(view, v.xyz, c.c);
+        double at[3] = {v.xyz[0], v.xyz[1], v.xyz[2]};
+        if (turned) turn(v.xyz, at, cx, cy);
+        toCamera(view, at, c.c);
         if (extras) {
             const VertexExtra& e = pe[i];
             c.u = e.u, c.v = e.v, c.u2 = e.u2, c.v2 = e.v2;
@@ -330,8 +362,12 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
         float shade[3] = {v.shade[0], v.shade[1], v.shade[2]};
         if (lights) {
             float l[3];
-            const double nd[3] = {pe[i].normal[0], pe[i].normal[1], pe[i].normal[2]};
-            lightVertex(*lights, v.xyz, nd, view.eye, l);
+            double nd[3] = {pe[i].normal[0], pe[i].normal[1], pe[i].normal[2]};
+            if (turned) {
+                const double n0[3] = {nd[0], nd[1], nd[2]};
+                turn(n0, nd, 0, 0);
+            }
+            lightVertex(*lights, at, nd, view.eye, l);
             for (int k = 0; k < 3; ++k)
                 shade[k] *= l[k];
         }

@@ -116,6 +116,7 @@ bool packPolygonGeometry(const Polygon& p, GroupCache& c, std::vector<double>& r
     pp.translucent = static_cast<uint8_t>(f.translucent & 0xFF);
     pp.bilinear = f.bilinear != 0;
     pp.frontOnly = p.orientation != 0;
+    pp.rotated = f.rotated != 0;
     pp.disabled = p.disabled;
 
     ring.resize(n * 3);
@@ -244,6 +245,7 @@ bool repackInPlace(const Group& g, GroupCache& c) {
             pp.translucent = static_cast<uint8_t>(f.translucent & 0xFF);
             pp.bilinear = f.bilinear != 0;
             pp.frontOnly = p->orientation != 0;
+            pp.rotated = f.rotated != 0;
             pp.disabled = p->disabled;
             double nrm[3];
             newellNormal(ring.data(), 3, n, nrm);

@@ -37,6 +37,7 @@ struct PackedPolygon {
     uint8_t translucent = 0;
     bool bilinear = true;
     bool frontOnly = false;
+    bool rotated = false; // turned about the vertical through its centre to face the camera when drawn
     bool disabled = false;
     double normal[3] = {0, 0, 0}; // unit front normal, zero when degenerate
     double box[6] = {0, 0, 0, 0, 0, 0};

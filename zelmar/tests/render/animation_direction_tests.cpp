@@ -127,4 +127,28 @@ TEST_F(AnimationDirection, AFramesTransparentColourLetsTheBackgroundThroughOnATr
     EXPECT_GT(clear, 20 * 48); // the background around and through the sprite
 }
 
+// A rotated card turns about the vertical through its centre to face the eye: seen edge-on it is drawn as
+// wide as face-on, and a played animation still shows the frames of the side it is seen from.
+TEST_F(AnimationDirection, ARotatedCardFacesTheEyeAndShowsTheSideItIsSeenFrom) {
+    for (int d = 1; d <= 5; ++d)
+        addDirection(d);
+    play();
+    auto covered = [](const std::vector<uint8_t>& img) {
+        int n = 0;
+        for (int y = 0; y < 48; ++y)
+            for (int x = 0; x < 64; ++x)
+                n += pixelAt(img, x, y) != std::array<int, 3>{0, 0, 0};
+        return n;
+    };
+    const int faceOn = covered(renderImage(cameraAt(0)));
+    EXPECT_LT(covered(renderImage(cameraAt(90))), faceOn / 10);
+    ZELMAR_polygon_set_rotated(sprite->handle, 1);
+    for (double a : {90.0, -90.0, 30.0}) {
+        SCOPED_TRACE(a);
+        EXPECT_NEAR(covered(renderImage(cameraAt(a))), faceOn, faceOn / 50);
+    }
+    EXPECT_EQ(centre(cameraAt(90)), (std::array<int, 3>{0x30, 0xB0, 0x40})); // the side's frames
+    EXPECT_EQ(centre(cameraAt(180)), (std::array<int, 3>{0xA0, 0x40, 0xC0})); // the back's, not mirrored away
+}
+
 } // namespace
