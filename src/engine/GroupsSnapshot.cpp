@@ -5,7 +5,7 @@
 
 namespace vexil {
 
-void GroupsSnapshot::Capture(const std::vector<int>& groups) {
+bool GroupsSnapshot::Capture(const std::vector<int>& groups, std::size_t maxPoints) {
     m_roots.clear();
     m_groups.clear();
     auto add = [&](int g) {
@@ -18,10 +18,12 @@ void GroupsSnapshot::Capture(const std::vector<int>& groups) {
         for (int d = ZELMAR_group_get_first_included_group(g); d != 0; d = ZELMAR_group_get_next_included_group(d))
             add(d);
     }
-    read();
+    if (read(maxPoints)) return true;
+    *this = GroupsSnapshot();
+    return false;
 }
 
-void GroupsSnapshot::read() {
+bool GroupsSnapshot::read(std::size_t maxPoints) {
     m_placements.assign(m_groups.size() * PerGroup, 0.0);
     for (std::size_t i = 0; i < m_groups.size(); ++i)
         ZELMAR_group_get_placement(m_groups[i], m_placements.data() + i * PerGroup);
@@ -32,17 +34,19 @@ void GroupsSnapshot::read() {
         polygons.resize(std::size_t(ZELMAR_group_get_polygons(root, polygons.data(), int(polygons.size()))));
         const std::size_t at = points.size();
         const int n = ZELMAR_polygons_get_points(polygons.data(), int(polygons.size()), nullptr, nullptr, nullptr, 0);
+        if (at + std::size_t(n) > maxPoints) return false;
         points.resize(at + std::size_t(n));
         ZELMAR_polygons_get_points(polygons.data(), int(polygons.size()), points.data() + at, nullptr, nullptr, n);
     }
     m_points.Capture(points); // a nested root's points come twice: kept once
+    return true;
 }
 
 GroupsSnapshot GroupsSnapshot::Again() const {
     GroupsSnapshot s;
     s.m_roots = m_roots;
     s.m_groups = m_groups;
-    s.read();
+    s.read(SIZE_MAX);
     return s;
 }
 

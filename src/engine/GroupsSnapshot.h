@@ -4,6 +4,8 @@
 #pragma once
 #include "PointsSnapshot.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace vexil {
@@ -11,9 +13,9 @@ namespace vexil {
 class GroupsSnapshot {
   public:
     GroupsSnapshot() = default;
-    // Reads the groups and their descendants now; dead handles and repeats are skipped.
-    explicit GroupsSnapshot(const std::vector<int>& groups) { Capture(groups); }
-    void Capture(const std::vector<int>& groups);
+    // Reads the groups and their descendants now; dead handles and repeats are skipped. False, holding
+    // nothing, when their points are more than `maxPoints` (a copy costs 72 bytes a point).
+    bool Capture(const std::vector<int>& groups, std::size_t maxPoints = SIZE_MAX);
     // Reads the same groups again (the state after an edit).
     GroupsSnapshot Again() const;
     // Writes every group and point back; those that died since are skipped.
@@ -21,7 +23,7 @@ class GroupsSnapshot {
     bool Empty() const { return m_groups.empty(); }
 
   private:
-    void read();
+    bool read(std::size_t maxPoints);
     static constexpr int PerGroup = 16;
     std::vector<int> m_roots;  // the live groups given
     std::vector<int> m_groups; // those and their descendants, each once

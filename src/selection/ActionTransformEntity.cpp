@@ -72,15 +72,23 @@ void ExactEntity::Capture(const TransformedEntity& e) {
     if (e.kind == 1) m_groups.push_back(e.handle);
     if (e.kind == 6) m_groups = e.set.Groups();
     if (e.kind == 3) m_track = e.handle;
-    m_has = !m_groups.empty() || m_track != 0;
     m_hasAfter = false;
     m_after = State();
-    m_before = m_has ? read() : State();
+    m_before = State();
+    // Beyond a million points the two copies would hold over a hundred megabytes: such a transform is
+    // run backwards on undo instead.
+    constexpr std::size_t kMaxPoints = 1'000'000;
+    if (m_track != 0) {
+        m_before = read();
+        m_has = true;
+        return;
+    }
+    m_has = !m_groups.empty() && m_before.groups.Capture(m_groups, kMaxPoints);
 }
 
 ExactEntity::State ExactEntity::read() const {
     State s;
-    s.groups.Capture(m_groups);
+    if (!m_groups.empty()) s.groups = m_before.groups.Again();
     if (m_track != 0 && ZELMAR_track_is_track(m_track) == 1) {
         const int n = ZELMAR_track_get_number_of_points(m_track);
         s.track.resize(std::size_t(n) * 3);

@@ -4,7 +4,8 @@
 // Undo and redo of groups and tracks are exact: the action holds a copy of their points and placements from
 // before the change (taken when the action is opened, or handed over with SetBefore) and puts it back, and a
 // copy of the state after, taken at the first undo, on redo; transforming backwards would leave rounding in
-// the last bits. Cameras and lights are put at stored locations, which is exact, and turned back.
+// the last bits. Cameras and lights are put at stored locations, which is exact, and turned back. Groups of
+// more than a million points are transformed backwards too: their copies would cost too much memory.
 #pragma once
 #include "engine/GroupsSnapshot.h"
 #include "undo/Action.h"
@@ -27,7 +28,7 @@ struct TransformedEntity {
 // The groups (kind 1, the groups of a set) or the track (kind 3) of a transform, before and after it.
 class ExactEntity {
   public:
-    // The state before, read now; holds nothing for cameras and lights.
+    // The state before, read now; holds nothing for cameras and lights, or for groups over the limit.
     void Capture(const TransformedEntity& e);
     bool Has() const { return m_has; }
     // Puts the state before back (reading the state after first); false when there is no copy.
