@@ -19,7 +19,7 @@ std::uint64_t edgeKey(int a, int b) {
 int octantOf(const double c[3], const double centre[3]) {
     return (c[0] < centre[0] ? 0 : 1) | (c[1] < centre[1] ? 0 : 2) | (c[2] < centre[2] ? 0 : 4);
 }
-template <class T> std::size_t bytes(const std::vector<T>& v) { return v.capacity() * sizeof(T); }
+template <class T, class A> std::size_t bytes(const std::vector<T, A>& v) { return v.capacity() * sizeof(T); }
 } // namespace
 
 std::size_t SurfSimpli::PointKeyHash::operator()(const PointKey& k) const {

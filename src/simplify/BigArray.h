@@ -1,0 +1,121 @@
+// The allocator of the model's large arrays. A block of 1 MiB or more is mapped on its own,
+// aligned on 2 MiB and advised for transparent huge pages: the model (about 47 MB for 70,000
+// triangles) is read at random during contraction, and in 4 KiB pages nearly every record read
+// misses the TLB and every page costs a fault when it is first written. Smaller blocks come from
+// operator new. Nothing else changes: contents, growth and order are those of std::vector.
+#pragma once
+#include <cstddef>
+#include <mutex>
+#include <new>
+#include <vector>
+
+#include <sys/mman.h>
+
+namespace simplify {
+
+namespace bigarray {
+inline constexpr std::size_t kPage = std::size_t(2) << 20; // a huge page
+inline constexpr std::size_t kBig = kPage;                 // from here on, blocks are mapped
+
+// Mapped in whole small pages: the kernel puts a huge page only where a whole aligned 2 MiB lies
+// inside the mapping, so the tail past the last one takes small pages and no room is wasted.
+inline std::size_t mappedBytes(std::size_t bytes) { return (bytes + 4095) & ~std::size_t(4095); }
+
+// Blocks let go while a model is alive are kept for the next request they fit (the renumbering
+// replaces each array by one of the same size, and the copy for restarting follows it), so their
+// pages are mapped once; they go back to the system when the last model is gone.
+class Cache {
+public:
+    static Cache& instance() {
+        static Cache c;
+        return c;
+    }
+    void addUser() {
+        std::lock_guard<std::mutex> lock(m_);
+        ++users_;
+    }
+    void dropUser() {
+        std::lock_guard<std::mutex> lock(m_);
+        if (--users_ > 0) return;
+        for (const Block& b : kept_) ::munmap(b.at, b.len);
+        kept_.clear();
+    }
+    void* take(std::size_t len) {
+        std::lock_guard<std::mutex> lock(m_);
+        std::size_t best = kept_.size();
+        for (std::size_t i = 0; i < kept_.size(); ++i)
+            if (kept_[i].len == len) {
+                best = i;
+                break;
+            }
+        if (best == kept_.size()) return nullptr;
+        void* at = kept_[best].at;
+        kept_.erase(kept_.begin() + static_cast<std::ptrdiff_t>(best));
+        return at;
+    }
+    bool keep(void* at, std::size_t len) {
+        std::lock_guard<std::mutex> lock(m_);
+        if (users_ == 0 || kept_.size() >= 64) return false;
+        kept_.push_back(Block{at, len});
+        return true;
+    }
+
+private:
+    struct Block {
+        void* at;
+        std::size_t len;
+    };
+    std::mutex m_;
+    int users_ = 0;
+    std::vector<Block> kept_;
+};
+
+// A member of each model (declared before its arrays, so that it is destroyed after them).
+struct CacheUser {
+    CacheUser() { Cache::instance().addUser(); }
+    ~CacheUser() { Cache::instance().dropUser(); }
+    CacheUser(const CacheUser&) = delete;
+    CacheUser& operator=(const CacheUser&) = delete;
+};
+
+inline void* allocate(std::size_t bytes, std::size_t align) {
+    if (bytes < kBig) return ::operator new(bytes, std::align_val_t(align));
+    const std::size_t len = mappedBytes(bytes);
+    if (void* kept = Cache::instance().take(len)) return kept;
+    void* raw = ::mmap(nullptr, len + kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (raw == MAP_FAILED) throw std::bad_alloc();
+    const std::size_t a = reinterpret_cast<std::size_t>(raw);
+    const std::size_t at = (a + kPage - 1) & ~(kPage - 1);
+    if (at > a) ::munmap(raw, at - a);
+    if (const std::size_t tail = a + kPage - at) ::munmap(reinterpret_cast<void*>(at + len), tail);
+#ifdef MADV_HUGEPAGE
+    ::madvise(reinterpret_cast<void*>(at), len, MADV_HUGEPAGE);
+#endif
+    return reinterpret_cast<void*>(at);
+}
+
+inline void release(void* p, std::size_t bytes, std::size_t align) noexcept {
+    if (bytes < kBig) {
+        ::operator delete(p, std::align_val_t(align));
+        return;
+    }
+    const std::size_t len = mappedBytes(bytes);
+    if (!Cache::instance().keep(p, len)) ::munmap(p, len);
+}
+} // namespace bigarray
+
+template <class T>
+struct BigAlloc {
+    using value_type = T;
+    BigAlloc() = default;
+    template <class U> BigAlloc(const BigAlloc<U>&) noexcept {}
+    T* allocate(std::size_t n) {
+        return static_cast<T*>(bigarray::allocate(n * sizeof(T), alignof(T)));
+    }
+    void deallocate(T* p, std::size_t n) noexcept { bigarray::release(p, n * sizeof(T), alignof(T)); }
+    template <class U> bool operator==(const BigAlloc<U>&) const noexcept { return true; }
+};
+
+template <class T> using BigVector = std::vector<T, BigAlloc<T>>;
+
+} // namespace simplify
