@@ -383,7 +383,8 @@ private:
     // Calls test(triangle, corners) for each valid triangle of either end that is not on the edge,
     // with the ends replaced by NewCoords; true as soon as a test answers true.
     template <class Test> bool anyMovedTri(int edge, Test test) const;
-    static bool eligible(const EdgeHot& E); // can ever be chosen: valid, -1e21 <= cost < 1e32
+    // can ever be chosen: valid, -1e21 <= cost < 1e32 (NaN never)
+    static bool eligible(const EdgeHot& E) { return E.valid && E.cost >= -1e21 && E.cost < 1e32; }
     void heapUpdate(int edge, double oldCost);
     void rebuildHeap();
     void fillHeap(std::size_t excludedFrom);
