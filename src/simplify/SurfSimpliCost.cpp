@@ -385,8 +385,10 @@ void SurfSimpli::placeOptimal(int edge, const QSum& q) {
                      q23 * (d2 * p1 + d1 * p2) + q24 * d1 + q33 * p2 * d2 + q34 * d2;
     // the Q(3,3) term stands inside the bracket multiplied by d1
     const double D = (2 * q23 * d2 + q22 * d1 + q33 * d2 * d2) * d1 + (2 * q12 * d1 + q11 * d0 + 2 * q13 * d2) * d0;
-    // N * 0 + D * 0 + ... is NaN exactly when one of them is not finite
-    if (D != 0.0 && (d0 * 0.0 + d1 * 0.0 + d2 * 0.0 + N * 0.0 + D * 0.0) == 0.0) {
+    // N * 0 + D * 0 is NaN exactly when one of them is not finite. A non-finite d0, d1 or d2
+    // makes N non-finite (its terms q14 * d0, q24 * d1 and q34 * d2 are then inf or NaN, and
+    // no sum with an inf or NaN term is finite), so N and D stand for all five.
+    if (D != 0.0 && (N * 0.0 + D * 0.0) == 0.0) {
         double t = -N / D;
         if (t * 0.0 == 0.0) { // finite before it is clamped
             if (t < 0) t = 0;
@@ -394,7 +396,8 @@ void SurfSimpli::placeOptimal(int edge, const QSum& q) {
             // VectorScale then VectorAdd
             const double s0 = t * d0, s1 = t * d1, s2 = t * d2;
             const double n0 = p0 + s0, n1 = p1 + s1, n2 = p2 + s2;
-            if ((s0 * 0.0 + s1 * 0.0 + s2 * 0.0 + n0 * 0.0 + n1 * 0.0 + n2 * 0.0) == 0.0) {
+            // |s| <= |d| (0 <= t <= 1) and d is finite here: only n can overflow
+            if ((n0 * 0.0 + n1 * 0.0 + n2 * 0.0) == 0.0) {
                 E.nc[0] = n0;
                 E.nc[1] = n1;
                 E.nc[2] = n2;
