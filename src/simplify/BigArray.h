@@ -21,9 +21,10 @@ inline constexpr std::size_t kBig = kPage;                 // from here on, bloc
 // inside the mapping, so the tail past the last one takes small pages and no room is wasted.
 inline std::size_t mappedBytes(std::size_t bytes) { return (bytes + 4095) & ~std::size_t(4095); }
 
-// Blocks let go while a model is alive are kept for the next request they fit (the renumbering
-// replaces each array by one of the same size, and the copy for restarting follows it), so their
-// pages are mapped once; they go back to the system when the last model is gone.
+// Blocks let go while a model is alive are kept (up to 64 MiB, the oldest given back first) for
+// the next request of the same size: the renumbering replaces each array by one of the same
+// size, and the copy for restarting follows it, so those pages are mapped and cleared once.
+// Everything kept goes back to the system when the last model is gone.
 class Cache {
 public:
     static Cache& instance() {
@@ -36,27 +37,26 @@ public:
     }
     void dropUser() {
         std::lock_guard<std::mutex> lock(m_);
-        if (--users_ > 0) return;
-        for (const Block& b : kept_) ::munmap(b.at, b.len);
-        kept_.clear();
+        --users_;
+        trim();
     }
     void* take(std::size_t len) {
         std::lock_guard<std::mutex> lock(m_);
-        std::size_t best = kept_.size();
-        for (std::size_t i = 0; i < kept_.size(); ++i)
+        for (std::size_t i = kept_.size(); i-- > 0;) // the most recent first
             if (kept_[i].len == len) {
-                best = i;
-                break;
+                void* at = kept_[i].at;
+                bytes_ -= len;
+                kept_.erase(kept_.begin() + static_cast<std::ptrdiff_t>(i));
+                return at;
             }
-        if (best == kept_.size()) return nullptr;
-        void* at = kept_[best].at;
-        kept_.erase(kept_.begin() + static_cast<std::ptrdiff_t>(best));
-        return at;
+        return nullptr;
     }
     bool keep(void* at, std::size_t len) {
         std::lock_guard<std::mutex> lock(m_);
-        if (users_ == 0 || kept_.size() >= 64) return false;
+        if (len > cap()) return false;
         kept_.push_back(Block{at, len});
+        bytes_ += len;
+        trim();
         return true;
     }
 
@@ -65,8 +65,21 @@ private:
         void* at;
         std::size_t len;
     };
+    // At most 64 MiB kept while a model lives; nothing once the last one is gone.
+    std::size_t cap() const { return users_ > 0 ? std::size_t(64) << 20 : 0; }
+    // The oldest go back to the system first.
+    void trim() {
+        std::size_t drop = 0;
+        while (drop < kept_.size() && bytes_ > cap()) {
+            ::munmap(kept_[drop].at, kept_[drop].len);
+            bytes_ -= kept_[drop].len;
+            ++drop;
+        }
+        kept_.erase(kept_.begin(), kept_.begin() + static_cast<std::ptrdiff_t>(drop));
+    }
     std::mutex m_;
     int users_ = 0;
+    std::size_t bytes_ = 0;
     std::vector<Block> kept_;
 };
 
