@@ -383,7 +383,7 @@ void SurfSimpli::placeOptimal(int edge, const QSum& q) {
     const double q13 = q.s[2], q34 = q.u[2];
     const v2d a01 = qm::ld(A), a12 = qm::ld(A + 1), b01 = qm::ld(B), b12 = qm::ld(B + 1);
     const v2d d01 = b01 - a01, d12 = b12 - a12; // (d0, d1), (d1, d2)
-    const double p0 = a01[0], p1 = a01[1], p2 = a12[1];
+    const double p0 = a01[0], p2 = a12[1];
     const double d0 = d01[0], d1 = d01[1], d2 = d12[1];
     // (q11 * p0 * d0, q22 * p1 * d1), (q12 * (d1 * p0 + d0 * p1), q23 * (d2 * p1 + d1 * p2)), (q14 * d0, q24 * d1)
     const v2d t15 = v2d{q.s[0], q.s[4]} * a01 * d01;
@@ -406,12 +406,12 @@ void SurfSimpli::placeOptimal(int edge, const QSum& q) {
             if (t < 0) t = 0;
             if (t > 1) t = 1;
             // VectorScale then VectorAdd
-            const double s0 = t * d0, s1 = t * d1, s2 = t * d2;
-            const double n0 = p0 + s0, n1 = p1 + s1, n2 = p2 + s2;
-            // |s| <= |d| (0 <= t <= 1) and d is finite here: only n can overflow
-            if ((n0 * 0.0 + n1 * 0.0 + n2 * 0.0) == 0.0) {
-                E.nc[0] = n0;
-                E.nc[1] = n1;
+            const v2d n01 = a01 + qm::splat(t) * d01;
+            const double n2 = p2 + t * d2;
+            // |t * d| <= |d| (0 <= t <= 1) and d is finite here: only n can overflow
+            const v2d z01 = n01 * 0.0;
+            if ((z01[0] + z01[1] + n2 * 0.0) == 0.0) {
+                qm::st(E.nc, n01);
                 E.nc[2] = n2;
                 return;
             }
