@@ -51,6 +51,10 @@ public:
             }
         return nullptr;
     }
+    std::size_t keptBytes() {
+        std::lock_guard<std::mutex> lock(m_);
+        return bytes_;
+    }
     bool keep(void* at, std::size_t len) {
         std::lock_guard<std::mutex> lock(m_);
         if (len > cap()) return false;
