@@ -24,7 +24,7 @@ inline std::size_t mappedBytes(std::size_t bytes) { return (bytes + 4095) & ~std
 // Blocks let go while a model is alive are kept (up to 64 MiB, the oldest given back first) for
 // the next request of the same size: the renumbering replaces each array by one of the same
 // size, and the copy for restarting follows it, so those pages are mapped and cleared once.
-// Everything kept goes back to the system when the last model is gone.
+// Everything kept goes back to the system when the copy is made and when the last model is gone.
 class Cache {
 public:
     static Cache& instance() {
@@ -50,6 +50,14 @@ public:
                 return at;
             }
         return nullptr;
+    }
+    // Gives every kept block back (a model calls it once its copy for restarting is made: no
+    // request of those sizes follows).
+    void giveBack() {
+        std::lock_guard<std::mutex> lock(m_);
+        for (const Block& b : kept_) ::munmap(b.at, b.len);
+        kept_.clear();
+        bytes_ = 0;
     }
     std::size_t keptBytes() {
         std::lock_guard<std::mutex> lock(m_);

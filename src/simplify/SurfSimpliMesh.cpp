@@ -440,6 +440,7 @@ void SurfSimpli::CopyGeomForRestore() {
     b.coldCopied = false;
     pristine_ = true;
     notePeak();
+    bigarray::Cache::instance().giveBack(); // the arrays the renumbering let go have served the copy
 }
 
 void SurfSimpli::RestoreGeomFromCopy() {
