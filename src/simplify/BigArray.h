@@ -28,8 +28,8 @@ inline std::size_t mappedBytes(std::size_t bytes) { return (bytes + 4095) & ~std
 class Cache {
 public:
     static Cache& instance() {
-        static Cache c;
-        return c;
+        static Cache* c = new Cache; // never destroyed: arrays of static objects may go after it
+        return *c;
     }
     void addUser() {
         std::lock_guard<std::mutex> lock(m_);
