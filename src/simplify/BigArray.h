@@ -1,8 +1,8 @@
-// The allocator of the model's large arrays. A block of 1 MiB or more is mapped on its own,
+// The allocator of the model's large arrays. A block of 2 MiB or more is mapped on its own,
 // aligned on 2 MiB and advised for transparent huge pages: the model (about 47 MB for 70,000
-// triangles) is read at random during contraction, and in 4 KiB pages nearly every record read
-// misses the TLB and every page costs a fault when it is first written. Smaller blocks come from
-// operator new. Nothing else changes: contents, growth and order are those of std::vector.
+// triangles) is read at random during contraction, and in 4 KiB pages those reads miss the TLB
+// and every page costs a fault when it is first written. Smaller blocks come from operator new.
+// Nothing else changes: contents, growth and order are those of std::vector.
 #pragma once
 #include <cstddef>
 #include <mutex>
