@@ -78,9 +78,6 @@ void SurfSimpli::fillHeap(std::size_t excludedFrom) {
     heap_.build(std::move(entries), EdgeCount());
 }
 
-// A cost that rose leaves the edge's key where it was (a lower bound, put right when the edge
-// comes up in a selection); a cost that fell moves the edge up at once. An edge outside the
-// heap comes in only when it costs less than the heap's limit.
 // The scans of NextCheapestEdge, with the floor raised to each refused candidate's cost and the
 // refused ones excluded, visit the chosen-able edges in (cost, index) order: this visits the
 // heap in that order, without changing it, until a candidate passes the three tests.
