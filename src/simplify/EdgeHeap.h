@@ -12,6 +12,8 @@
 #include <limits>
 #include <vector>
 
+#include "simplify/BigArray.h"
+
 namespace simplify {
 
 class EdgeHeap {
@@ -175,7 +177,7 @@ private:
         int order;
     };
     std::vector<Entry> heap_;
-    std::vector<int> pos_;
+    BigVector<int> pos_;
     std::vector<Node> frontier_;
     const std::vector<std::int32_t>* order_ = nullptr;
 };

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "simplify/BigArray.h"
+
 namespace simplify {
 
 template <class Key, class Hash>
@@ -15,7 +17,7 @@ public:
         used_ = 0;
     }
     void release() {
-        std::vector<Slot>().swap(slots_);
+        BigVector<Slot>().swap(slots_);
         used_ = 0;
     }
     void reserve(std::size_t n) {
@@ -64,14 +66,14 @@ private:
         std::int32_t value = 0;
     };
     void rehash(std::size_t cap) {
-        std::vector<Slot> old;
+        BigVector<Slot> old;
         old.swap(slots_);
         slots_.assign(cap, Slot{});
         used_ = 0;
         for (const Slot& s : old)
             if (s.value != 0) emplace(s.key, s.value);
     }
-    std::vector<Slot> slots_;
+    BigVector<Slot> slots_;
     std::size_t used_ = 0;
 };
 

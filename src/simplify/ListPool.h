@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "simplify/BigArray.h"
+
 namespace simplify {
 
 class ListPool {
@@ -78,7 +80,7 @@ public:
 
     // Moves every list together, each with exactly its entries as room.
     void compact() {
-        std::vector<std::int32_t> packed;
+        BigVector<std::int32_t> packed;
         std::size_t total = 0;
         for (const Head& h : heads_) total += h.size;
         packed.reserve(total);
@@ -130,8 +132,8 @@ private:
         h.cap = cap;
     }
 
-    std::vector<Head> heads_;
-    std::vector<std::int32_t> data_;
+    BigVector<Head> heads_;
+    BigVector<std::int32_t> data_;
     std::size_t dead_ = 0;
     std::uint32_t firstRoom_ = 4;
 };

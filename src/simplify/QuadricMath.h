@@ -73,11 +73,13 @@ inline bool sum(const double* as, const double* au, const double* bs, const doub
 // v^T Q v for v = (x, y, z, 1), as MatrixTranspose and two MatrixMultiply sum it: each row
 // times column from 0, k upward, then the products with v from 0, j upward. Not finite when any
 // term is not (the caller tests it).
+// A product with w = 1 is the other factor itself (a NaN stays a NaN, and a non-finite cost
+// raises whatever its bits), so it is not made.
 inline double cost(const double* v, const double* s, const double* u) {
-    const v2d x = splat(v[0]), y = splat(v[1]), z = splat(v[2]), w = splat(1.0);
-    const v2d r12 = v2d{0, 0} + x * v2d{s[0], s[1]} + y * v2d{s[1], s[4]} + z * v2d{s[2], s[5]} + w * v2d{s[3], s[6]};
-    const v2d r34 = v2d{0, 0} + x * v2d{s[2], u[0]} + y * v2d{s[5], u[1]} + z * v2d{s[7], u[2]} + w * v2d{s[8], s[9]};
-    return 0.0 + r12[0] * v[0] + r12[1] * v[1] + r34[0] * v[2] + r34[1] * 1.0;
+    const v2d x = splat(v[0]), y = splat(v[1]), z = splat(v[2]);
+    const v2d r12 = v2d{0, 0} + x * v2d{s[0], s[1]} + y * v2d{s[1], s[4]} + z * v2d{s[2], s[5]} + v2d{s[3], s[6]};
+    const v2d r34 = v2d{0, 0} + x * v2d{s[2], u[0]} + y * v2d{s[5], u[1]} + z * v2d{s[7], u[2]} + v2d{s[8], s[9]};
+    return 0.0 + r12[0] * v[0] + r12[1] * v[1] + r34[0] * v[2] + r34[1];
 }
 
 } // namespace simplify::qm

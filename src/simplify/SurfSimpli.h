@@ -16,6 +16,7 @@
 // indices (points, edges and triangles numbered as extraction makes them); inside, the records
 // are kept in an order of their own, for locality (see docs/simplify.md).
 #pragma once
+#include "simplify/BigArray.h"
 #include "simplify/EdgeHeap.h"
 #include "simplify/FlatIndex.h"
 #include "simplify/ListPool.h"
@@ -298,23 +299,23 @@ private:
     // placements and costs are all zero after extraction; they are kept only when they are not.
     struct Backup {
         bool made = false;
-        std::vector<std::uint8_t> pValid;
-        std::vector<Vec3> pCoords;   // when every quadric is zero
-        std::vector<PointHot> pts;  // otherwise
+        BigVector<std::uint8_t> pValid;
+        BigVector<Vec3> pCoords;   // when every quadric is zero
+        BigVector<PointHot> pts;  // otherwise
         std::size_t points = 0;
         ListPool pTris, pEdges;
         struct EdgeEnds {
             std::int32_t a, b;
             bool valid, border;
         };
-        std::vector<EdgeEnds> edgeEnds;
-        std::vector<EdgeHot> edges; // only when some NewCoords or Cost is not zero
+        BigVector<EdgeEnds> edgeEnds;
+        BigVector<EdgeHot> edges; // only when some NewCoords or Cost is not zero
         ListPool eTris;
-        std::vector<TriHot> tris;
-        std::vector<std::array<double, 6>> tUV;
+        BigVector<TriHot> tris;
+        BigVector<std::array<double, 6>> tUV;
         // brightness and normals of points change only when triangles are added; copied then
-        std::vector<double> pBright;
-        std::vector<Vec3> pNormal;
+        BigVector<double> pBright;
+        BigVector<Vec3> pNormal;
         bool coldCopied = false;
     };
 
@@ -382,7 +383,8 @@ private:
     // Calls test(triangle, corners) for each valid triangle of either end that is not on the edge,
     // with the ends replaced by NewCoords; true as soon as a test answers true.
     template <class Test> bool anyMovedTri(int edge, Test test) const;
-    static bool eligible(const EdgeHot& E); // can ever be chosen: valid, -1e21 <= cost < 1e32
+    // can ever be chosen: valid, -1e21 <= cost < 1e32 (NaN never)
+    static bool eligible(const EdgeHot& E) { return E.valid && E.cost >= -1e21 && E.cost < 1e32; }
     void heapUpdate(int edge, double oldCost);
     void rebuildHeap();
     void fillHeap(std::size_t excludedFrom);
@@ -396,6 +398,7 @@ private:
     void notePeak() { peakBytes_ = std::max(peakBytes_, MemoryBytes()); }
     void copyColdForRestore();
 
+    bigarray::CacheUser arrayCache_; // first: outlives the arrays
     SimplifyEngine* engine_ = nullptr;
     std::unique_ptr<SimplifyEngine> ownEngine_;
     SimplifyHost* host_ = nullptr;
@@ -405,20 +408,20 @@ private:
     SimplifyMessages messages_;
 
     // points
-    std::vector<std::uint8_t> pValid_;
-    std::vector<PointHot> pts_;
-    std::vector<double> pBright_;
-    std::vector<Vec3> pNormal_;
+    BigVector<std::uint8_t> pValid_;
+    BigVector<PointHot> pts_;
+    BigVector<double> pBright_;
+    BigVector<Vec3> pNormal_;
     ListPool pTris_, pEdges_;
     // edges
-    std::vector<EdgeHot> edges_;
+    BigVector<EdgeHot> edges_;
     ListPool eTris_;
     // triangles
-    std::vector<TriHot> tris_;
-    std::vector<std::array<double, 6>> tUV_; // TexUV[k][j] at [k * 2 + j]
-    std::vector<std::int32_t> tBitmap_;
-    std::vector<double> tBright_;
-    std::vector<std::array<std::int32_t, 3>> tColor_;
+    BigVector<TriHot> tris_;
+    BigVector<std::array<double, 6>> tUV_; // TexUV[k][j] at [k * 2 + j]
+    BigVector<std::int32_t> tBitmap_;
+    BigVector<double> tBright_;
+    BigVector<std::array<std::int32_t, 3>> tColor_;
     // record number of each design index, and back (slot 0 to 0)
     std::vector<std::int32_t> ptOfExt_, extOfPt_, edgeOfExt_, extOfEdge_, triOfExt_, extOfTri_;
     mutable std::vector<std::int32_t> affectedPtsExt_, affectedEdgesExt_;

@@ -377,26 +377,41 @@ void SurfSimpli::placeOptimal(int edge, const QSum& q) {
     EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
     const double* A = pts_[static_cast<std::size_t>(E.a)].xyz;
     const double* B = pts_[static_cast<std::size_t>(E.b)].xyz;
-    const double q11 = q.s[0], q12 = q.s[1], q13 = q.s[2], q14 = q.u[0], q22 = q.s[4], q23 = q.s[5], q24 = q.u[1],
-                 q33 = q.s[7], q34 = q.u[2];
-    const double p0 = A[0], p1 = A[1], p2 = A[2];
-    const double d0 = B[0] - A[0], d1 = B[1] - A[1], d2 = B[2] - A[2];
-    const double N = q11 * p0 * d0 + q12 * (d1 * p0 + d0 * p1) + q13 * (d2 * p0 + d0 * p2) + q14 * d0 + q22 * p1 * d1 +
-                     q23 * (d2 * p1 + d1 * p2) + q24 * d1 + q33 * p2 * d2 + q34 * d2;
-    // the Q(3,3) term stands inside the bracket multiplied by d1
-    const double D = (2 * q23 * d2 + q22 * d1 + q33 * d2 * d2) * d1 + (2 * q12 * d1 + q11 * d0 + 2 * q13 * d2) * d0;
-    // N * 0 + D * 0 + ... is NaN exactly when one of them is not finite
-    if (D != 0.0 && (d0 * 0.0 + d1 * 0.0 + d2 * 0.0 + N * 0.0 + D * 0.0) == 0.0) {
+    // Two lanes at a time where two terms have the same shape: each lane makes exactly the
+    // operations of its scalar term, in the same order; the sums of N and D stay in order.
+    using qm::v2d;
+    const double q13 = q.s[2], q34 = q.u[2];
+    const v2d a01 = qm::ld(A), a12 = qm::ld(A + 1), b01 = qm::ld(B), b12 = qm::ld(B + 1);
+    const v2d d01 = b01 - a01, d12 = b12 - a12; // (d0, d1), (d1, d2)
+    const double p0 = a01[0], p2 = a12[1];
+    const double d0 = d01[0], d1 = d01[1], d2 = d12[1];
+    // (q11 * p0 * d0, q22 * p1 * d1), (q12 * (d1 * p0 + d0 * p1), q23 * (d2 * p1 + d1 * p2)), (q14 * d0, q24 * d1)
+    const v2d t15 = v2d{q.s[0], q.s[4]} * a01 * d01;
+    const v2d t26 = v2d{q.s[1], q.s[5]} * (d12 * a01 + d01 * a12);
+    const v2d t47 = qm::ld(q.u) * d01;
+    const double t3 = q13 * (d2 * p0 + d0 * p2), t8 = q.s[7] * p2 * d2, t9 = q34 * d2;
+    const double N = t15[0] + t26[0] + t3 + t47[0] + t15[1] + t26[1] + t47[1] + t8 + t9;
+    // D = (2 * q23 * d2 + q22 * d1 + q33 * d2 * d2) * d1 + (2 * q12 * d1 + q11 * d0 + 2 * q13 * d2) * d0,
+    // the two brackets in two lanes (the Q(3,3) term stands inside the bracket multiplied by d1)
+    const v2d d21 = v2d{d2, d1}, d10 = v2d{d1, d0};
+    const v2d br = 2 * v2d{q.s[5], q.s[1]} * d21 + v2d{q.s[4], q.s[0]} * d10 + v2d{q.s[7] * d2, 2 * q13} * v2d{d2, d2};
+    const v2d dd = br * d10;
+    const double D = dd[0] + dd[1];
+    // N * 0 + D * 0 is NaN exactly when one of them is not finite. A non-finite d0, d1 or d2
+    // makes N non-finite (its terms q14 * d0, q24 * d1 and q34 * d2 are then inf or NaN, and
+    // no sum with an inf or NaN term is finite), so N and D stand for all five.
+    if (D != 0.0 && (N * 0.0 + D * 0.0) == 0.0) {
         double t = -N / D;
         if (t * 0.0 == 0.0) { // finite before it is clamped
             if (t < 0) t = 0;
             if (t > 1) t = 1;
             // VectorScale then VectorAdd
-            const double s0 = t * d0, s1 = t * d1, s2 = t * d2;
-            const double n0 = p0 + s0, n1 = p1 + s1, n2 = p2 + s2;
-            if ((s0 * 0.0 + s1 * 0.0 + s2 * 0.0 + n0 * 0.0 + n1 * 0.0 + n2 * 0.0) == 0.0) {
-                E.nc[0] = n0;
-                E.nc[1] = n1;
+            const v2d n01 = a01 + qm::splat(t) * d01;
+            const double n2 = p2 + t * d2;
+            // |t * d| <= |d| (0 <= t <= 1) and d is finite here: only n can overflow
+            const v2d z01 = n01 * 0.0;
+            if ((z01[0] + z01[1] + n2 * 0.0) == 0.0) {
+                qm::st(E.nc, n01);
                 E.nc[2] = n2;
                 return;
             }
@@ -445,6 +460,24 @@ void SurfSimpli::EvaluateAllEdges() {
         evaluateEdge(e, q);
     }
     heapDirty_ = true;
+}
+
+// A cost that rose leaves the edge's key where it was (a lower bound, put right when the edge
+// comes up in a selection); a cost that fell moves the edge up at once. An edge outside the
+// heap comes in only when it costs less than the heap's limit. Once per re-costed edge (about
+// 40 a contraction): inlined into its one caller.
+[[gnu::always_inline]] inline void SurfSimpli::heapUpdate(int edge, double oldCost) {
+    if (heapDirty_) return;
+    const std::size_t x = static_cast<std::size_t>(edge);
+    if (x < parked_.size() && parked_[x]) clearPark(x); // parked edges are never in the heap
+    const EdgeHot& E = edges_[x];
+    if (!eligible(E)) heap_.remove(edge);
+    // held keys are at most the cost they were set from, and oldCost was at least that
+    else if (heap_.contains(edge)) {
+        if (!(E.cost >= oldCost)) heap_.set(edge, E.cost);
+    } else if (E.cost < heapLimit_) {
+        heap_.set(edge, E.cost);
+    }
 }
 
 void SurfSimpli::EvaluateAffectedEdges() {

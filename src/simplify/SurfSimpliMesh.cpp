@@ -19,7 +19,7 @@ std::uint64_t edgeKey(int a, int b) {
 int octantOf(const double c[3], const double centre[3]) {
     return (c[0] < centre[0] ? 0 : 1) | (c[1] < centre[1] ? 0 : 2) | (c[2] < centre[2] ? 0 : 4);
 }
-template <class T> std::size_t bytes(const std::vector<T>& v) { return v.capacity() * sizeof(T); }
+template <class T, class A> std::size_t bytes(const std::vector<T, A>& v) { return v.capacity() * sizeof(T); }
 } // namespace
 
 std::size_t SurfSimpli::PointKeyHash::operator()(const PointKey& k) const {
@@ -394,31 +394,43 @@ void SurfSimpli::CopyGeomForRestore() {
     b.made = true;
     b.points = pValid_.size();
     b.pValid = pValid_;
-    auto zero = [](double v) { return std::bit_cast<std::uint64_t>(v) == 0; };
-    const bool zeroQ = std::all_of(pts_.begin(), pts_.end(), [&](const PointHot& q) {
-        return std::all_of(std::begin(q.s), std::end(q.s), zero) && std::all_of(std::begin(q.u), std::end(q.u), zero);
-    });
+    // One pass each: the positions (edge ends) are copied while the quadrics (placements and
+    // costs) are found all zero, the full records only when one is not.
     b.pCoords.clear();
     b.pts.clear();
-    if (zeroQ) {
-        b.pCoords.reserve(pts_.size());
-        for (const PointHot& q : pts_) b.pCoords.push_back(Vec3{q.xyz[0], q.xyz[1], q.xyz[2]});
-    } else {
+    b.pCoords.reserve(pts_.size());
+    bool zeroQ = true;
+    for (const PointHot& q : pts_) {
+        std::uint64_t bits = 0;
+        for (const double v : q.s) bits |= std::bit_cast<std::uint64_t>(v);
+        for (const double v : q.u) bits |= std::bit_cast<std::uint64_t>(v);
+        if (bits != 0) {
+            zeroQ = false;
+            break;
+        }
+        b.pCoords.push_back(Vec3{q.xyz[0], q.xyz[1], q.xyz[2]});
+    }
+    if (!zeroQ) {
+        decltype(b.pCoords)().swap(b.pCoords);
         b.pts = pts_;
     }
     b.pTris = pTris_;
     b.pEdges = pEdges_;
-    const bool placed = std::any_of(edges_.begin(), edges_.end(), [](const EdgeHot& e) {
-        return std::bit_cast<std::uint64_t>(e.cost) != 0 || std::bit_cast<std::uint64_t>(e.nc[0]) != 0 ||
-               std::bit_cast<std::uint64_t>(e.nc[1]) != 0 || std::bit_cast<std::uint64_t>(e.nc[2]) != 0;
-    });
     b.edges.clear();
     b.edgeEnds.clear();
+    b.edgeEnds.reserve(edges_.size());
+    bool placed = false;
+    for (const EdgeHot& e : edges_) {
+        if ((std::bit_cast<std::uint64_t>(e.cost) | std::bit_cast<std::uint64_t>(e.nc[0]) | std::bit_cast<std::uint64_t>(e.nc[1]) |
+             std::bit_cast<std::uint64_t>(e.nc[2])) != 0) {
+            placed = true;
+            break;
+        }
+        b.edgeEnds.push_back({e.a, e.b, e.valid, e.border});
+    }
     if (placed) {
+        decltype(b.edgeEnds)().swap(b.edgeEnds);
         b.edges = edges_;
-    } else {
-        b.edgeEnds.reserve(edges_.size());
-        for (const EdgeHot& e : edges_) b.edgeEnds.push_back({e.a, e.b, e.valid, e.border});
     }
     b.eTris = eTris_;
     b.tris = tris_;
@@ -428,6 +440,7 @@ void SurfSimpli::CopyGeomForRestore() {
     b.coldCopied = false;
     pristine_ = true;
     notePeak();
+    bigarray::Cache::instance().giveBack(); // the arrays the renumbering let go have served the copy
 }
 
 void SurfSimpli::RestoreGeomFromCopy() {

@@ -44,8 +44,8 @@ std::vector<std::int32_t> inverse(const std::vector<std::int32_t>& order) {
     return of;
 }
 
-template <class T> void permute(std::vector<T>& v, const std::vector<std::int32_t>& order) {
-    std::vector<T> out;
+template <class T, class A> void permute(std::vector<T, A>& v, const std::vector<std::int32_t>& order) {
+    std::vector<T, A> out;
     out.reserve(order.size());
     for (const std::int32_t i : order) out.push_back(v[static_cast<std::size_t>(i)]);
     v.swap(out);

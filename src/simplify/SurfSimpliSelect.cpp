@@ -16,10 +16,7 @@ inline double fin(double x) {
     return x;
 }
 constexpr double kNoCost = 1e32;  // "best" at the start of a scan
-constexpr double kFloor = -1e21;  // MinCost before each fresh selection
 } // namespace
-
-bool SurfSimpli::eligible(const EdgeHot& E) { return E.valid && E.cost >= kFloor && E.cost < kNoCost; }
 
 // Edges are scanned in the order of the design's indices, which the answer and the arguments are.
 int SurfSimpli::NextCheapestEdge(int after, const std::vector<int>& excluded) {
@@ -79,23 +76,6 @@ void SurfSimpli::fillHeap(std::size_t excludedFrom) {
         if (waiting(e) && edges_[e].cost < heapLimit_) entries.push_back({edges_[e].cost, static_cast<int>(e)});
     heap_.setOrder(&extOfEdge_); // ties go to the lower design index
     heap_.build(std::move(entries), EdgeCount());
-}
-
-// A cost that rose leaves the edge's key where it was (a lower bound, put right when the edge
-// comes up in a selection); a cost that fell moves the edge up at once. An edge outside the
-// heap comes in only when it costs less than the heap's limit.
-void SurfSimpli::heapUpdate(int edge, double oldCost) {
-    if (heapDirty_) return;
-    const std::size_t x = static_cast<std::size_t>(edge);
-    clearPark(x); // parked edges are never in the heap
-    const EdgeHot& E = edges_[x];
-    if (!eligible(E)) heap_.remove(edge);
-    // held keys are at most the cost they were set from, and oldCost was at least that
-    else if (heap_.contains(edge)) {
-        if (!(E.cost >= oldCost)) heap_.set(edge, E.cost);
-    } else if (E.cost < heapLimit_) {
-        heap_.set(edge, E.cost);
-    }
 }
 
 // The scans of NextCheapestEdge, with the floor raised to each refused candidate's cost and the
