@@ -86,8 +86,12 @@ float finiteOr0(double v) {
 
 } // namespace
 
+namespace {
+void packGeometryAndMaybeLooks(const Group& g, GroupCache& c, bool looksNow);
+} // namespace
+
 void packGroup(const Group& g, GroupCache& c) {
-    packGeometry(g, c);
+    packGeometryAndMaybeLooks(g, c, true);
     packLooks(g, c);
 }
 
@@ -300,7 +304,9 @@ template <class T> void makeRoom(std::vector<T>& v, size_t need, std::vector<T>&
 // Drawn and picked in list order, this is what a whole packing gives. False, with nothing
 // written, when the group does not fit or the retired ones would grow past a third of the
 // packing (the whole layout then drops them).
-bool repackByAppending(const Group& g, GroupCache& c) {
+// With `looksNow`, the looks of the appended polygons are written as they are packed (their points
+// are at hand), else left pending.
+bool repackByAppending(const Group& g, GroupCache& c, bool looksNow) {
     if (c.polys.empty() || g.ownPolygons < 0) return false;
     // First the plan: the packed polygons the group still has, found in order, then the new ones.
     thread_local std::vector<uint32_t> gone;
@@ -349,22 +355,33 @@ bool repackByAppending(const Group& g, GroupCache& c) {
         if (!packPolygonGeometry(*p, c, ring)) continue;
         growBox(box, c.polys.back().box);
         c.newest = std::max(c.newest, p->handle);
-        if (looks) c.pendingLooks.emplace_back(static_cast<uint32_t>(c.polys.size() - 1), p);
+        if (!looks) continue;
+        c.extras.resize(c.verts.size());
+        const PackedPolygon& pp = c.polys.back();
+        if (looksNow)
+            packPolygonLooks(*p, pp, c.verts.data() + pp.firstVertex, c.extras.data() + pp.firstVertex);
+        else
+            c.pendingLooks.emplace_back(static_cast<uint32_t>(c.polys.size() - 1), p);
     }
-    if (looks) c.extras.resize(c.verts.size());
     std::copy(box, box + 6, c.box);
     return true;
 }
 } // namespace
 
 void packGeometry(const Group& g, GroupCache& c) {
+    packGeometryAndMaybeLooks(g, c, false);
+}
+
+namespace {
+
+void packGeometryAndMaybeLooks(const Group& g, GroupCache& c, bool looksNow) {
     if (repackInPlace(g, c)) {
         c.version = g.version;
         c.ownPolygons = g.ownPolygons;
         c.looksPacked = false;
         return;
     }
-    if (repackByAppending(g, c)) {
+    if (repackByAppending(g, c, looksNow)) {
         c.version = g.version;
         c.ownPolygons = g.ownPolygons;
         c.looksPacked = false;
@@ -450,6 +467,8 @@ void packGeometry(const Group& g, GroupCache& c) {
     }
     copyPolygons(old, runBegin, runEnd, c, looks);
 }
+
+} // namespace
 
 void packLooks(const Group& g, GroupCache& c) {
     if (!c.allLooksPending) {
