@@ -282,7 +282,6 @@ bool repackInPlace(const Group& g, GroupCache& c) {
     return true;
 }
 
-
 // This thread's spare arrays: a packing that outgrows its own moves into them (their pages
 // are already mapped; fresh ones cost a fault each) and leaves its old ones there.
 GroupCache& spareArrays() {
@@ -303,9 +302,8 @@ template <class T> void makeRoom(std::vector<T>& v, size_t need, std::vector<T>&
 // are retired where they are and the new ones packed at the end, so that nothing else moves.
 // Drawn and picked in list order, this is what a whole packing gives. False, with nothing
 // written, when the group does not fit or the retired ones would grow past a third of the
-// packing (the whole layout then drops them).
-// With `looksNow`, the looks of the appended polygons are written as they are packed (their points
-// are at hand), else left pending.
+// packing (the whole layout then drops them). With `looksNow`, the looks of the appended
+// polygons are written as they are packed (their points are at hand), else left pending.
 bool repackByAppending(const Group& g, GroupCache& c, bool looksNow) {
     if (c.polys.empty() || g.ownPolygons < 0) return false;
     // First the plan: the packed polygons the group still has, found in order, then the new ones.
@@ -366,6 +364,7 @@ bool repackByAppending(const Group& g, GroupCache& c, bool looksNow) {
     std::copy(box, box + 6, c.box);
     return true;
 }
+
 } // namespace
 
 void packGeometry(const Group& g, GroupCache& c) {
