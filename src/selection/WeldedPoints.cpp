@@ -255,8 +255,12 @@ int WeldTableT::findSet(const double p[3], const PointCells& c) {
 }
 
 void WeldTableT::file(int id) {
+    file(id, KeyHash()(m_recs[static_cast<size_t>(id)].key));
+}
+
+void WeldTableT::file(int id, uint64_t hash) {
     Rec& r = m_recs[static_cast<size_t>(id)];
-    auto [head, made] = m_cells.insert(r.key, id);
+    auto [head, made] = m_cells.insert(r.key, id, hash);
     r.nextInCell = made ? -1 : *head;
     *head = id;
 }
@@ -324,9 +328,7 @@ void WeldTableT::enterPoints(const int* points, const int* owners, const double*
         r.key = inOne ? Key{c.lo[0], c.lo[1], c.lo[2]} : keyOf(p);
         r.slot = Count();
         m_order.push_back(id);
-        auto [head, made] = m_cells.insert(r.key, id, inOne ? c.hash : KeyHash()(r.key));
-        r.nextInCell = made ? -1 : *head;
-        *head = id;
+        file(id, inOne ? c.hash : KeyHash()(r.key));
         m_idOfPoint.Set(points[i], id + 1);
     }
 }
@@ -451,11 +453,8 @@ void WeldTableT::Rekey() {
     for (size_t s = 0; s < m_order.size(); ++s) {
         if (s + Ahead < m_order.size()) m_cells.Prefetch(m_hashes[s + Ahead]);
         const int id = m_order[s];
-        Rec& r = m_recs[static_cast<size_t>(id)];
-        r.key = m_keys[s];
-        auto [head, made] = m_cells.insert(r.key, id, m_hashes[s]);
-        r.nextInCell = made ? -1 : *head;
-        *head = id;
+        m_recs[static_cast<size_t>(id)].key = m_keys[s];
+        file(id, m_hashes[s]);
     }
 }
 

@@ -145,6 +145,7 @@ class WeldTableT {
     // The points of the polygons leave their sets; the emptied sets are unfiled and their ids answered.
     void leavePoints(const std::vector<int>& polygons, std::vector<int>& emptied);
     void file(int id);
+    void file(int id, uint64_t hash); // hash: of the record's key
     void unfile(int id);
     // Drops the emptied records from the order in one pass and renumbers the rest.
     void dropAll(const std::vector<int>& emptied);
