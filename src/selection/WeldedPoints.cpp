@@ -116,26 +116,32 @@ uint64_t WeldTableT::KeyHash::operator()(const Key& k) const noexcept {
 
 // ---- the cells ----------------------------------------------------------------------------------
 
-size_t WeldTableT::Cells::home(const Key& k) const {
-    return static_cast<size_t>((KeyHash()(k) * 0x9E3779B97F4A7C15ull) >> m_shift) & m_mask;
+size_t WeldTableT::Cells::home(uint64_t hash) const {
+    return static_cast<size_t>((hash * 0x9E3779B97F4A7C15ull) >> m_shift) & m_mask;
 }
 
-void WeldTableT::Cells::Prefetch(const Key& k) const {
-    if (m_size != 0) __builtin_prefetch(&m_slots[home(k)]);
+void WeldTableT::Cells::Prefetch(uint64_t hash) const {
+    if (m_size != 0) __builtin_prefetch(&m_slots[home(hash)]);
 }
 
-int* WeldTableT::Cells::find(const Key& k) {
+int WeldTableT::Cells::HeadAtHome(const Key& k, uint64_t hash) const {
+    if (m_size == 0) return -1;
+    const Slot& s = m_slots[home(hash)];
+    return s.head >= 0 && s.key == k ? s.head : -1;
+}
+
+int* WeldTableT::Cells::find(const Key& k, uint64_t hash) {
     if (m_size == 0) return nullptr;
-    for (size_t i = home(k);; i = (i + 1) & m_mask) {
+    for (size_t i = home(hash);; i = (i + 1) & m_mask) {
         Slot& s = m_slots[i];
         if (s.head < 0) return nullptr;
         if (s.key == k) return &s.head;
     }
 }
 
-std::pair<int*, bool> WeldTableT::Cells::insert(const Key& k, int head) {
+std::pair<int*, bool> WeldTableT::Cells::insert(const Key& k, int head, uint64_t hash) {
     if ((m_size + 1) * 10 > m_slots.size() * 7) rehash(m_slots.empty() ? 16 : m_slots.size() * 2);
-    size_t i = home(k);
+    size_t i = home(hash);
     for (; m_slots[i].head >= 0; i = (i + 1) & m_mask)
         if (m_slots[i].key == k) return {&m_slots[i].head, false};
     m_slots[i].key = k;
@@ -146,14 +152,14 @@ std::pair<int*, bool> WeldTableT::Cells::insert(const Key& k, int head) {
 
 void WeldTableT::Cells::erase(const Key& k) {
     if (m_size == 0) return;
-    size_t i = home(k);
+    size_t i = home(KeyHash()(k));
     for (;; i = (i + 1) & m_mask) {
         if (m_slots[i].head < 0) return;
         if (m_slots[i].key == k) break;
     }
     // Entries after the hole that could sit in it move back, so that no probe chain is broken.
     for (size_t j = (i + 1) & m_mask; m_slots[j].head >= 0; j = (j + 1) & m_mask) {
-        const size_t h = home(m_slots[j].key);
+        const size_t h = home(KeyHash()(m_slots[j].key));
         if (((j - h) & m_mask) >= ((j - i) & m_mask)) {
             m_slots[i] = m_slots[j];
             i = j;
@@ -214,18 +220,26 @@ const std::array<double, 3>& WeldTableT::firstOf(Rec& r) {
     return r.first;
 }
 
-int WeldTableT::findSet(const double p[3]) {
-    const long long xs[2] = {cellOf(p[0] - Tolerance), cellOf(p[0] + Tolerance)};
-    const long long ys[2] = {cellOf(p[1] - Tolerance), cellOf(p[1] + Tolerance)};
-    const long long zs[2] = {cellOf(p[2] - Tolerance), cellOf(p[2] + Tolerance)};
+WeldTableT::PointCells WeldTableT::cellsOf(const double p[3]) {
+    PointCells c;
+    for (int k = 0; k < 3; ++k) {
+        c.lo[k] = cellOf(p[k] - Tolerance);
+        c.hi[k] = cellOf(p[k] + Tolerance);
+    }
+    c.hash = KeyHash()(Key{c.lo[0], c.lo[1], c.lo[2]});
+    return c;
+}
+
+int WeldTableT::findSet(const double p[3], const PointCells& c) {
     int best = -1, bestSlot = 0;
     for (int i = 0; i < 2; ++i) {
-        if (i == 1 && xs[1] == xs[0]) break;
+        if (i == 1 && c.hi[0] == c.lo[0]) break;
         for (int j = 0; j < 2; ++j) {
-            if (j == 1 && ys[1] == ys[0]) break;
+            if (j == 1 && c.hi[1] == c.lo[1]) break;
             for (int k = 0; k < 2; ++k) {
-                if (k == 1 && zs[1] == zs[0]) break;
-                const int* head = m_cells.find(Key{xs[i], ys[j], zs[k]});
+                if (k == 1 && c.hi[2] == c.lo[2]) break;
+                const Key key{i ? c.hi[0] : c.lo[0], j ? c.hi[1] : c.lo[1], k ? c.hi[2] : c.lo[2]};
+                const int* head = m_cells.find(key, i + j + k == 0 ? c.hash : KeyHash()(key));
                 for (int id = head ? *head : -1; id >= 0; id = m_recs[static_cast<size_t>(id)].nextInCell) {
                     Rec& r = m_recs[static_cast<size_t>(id)];
                     if (best >= 0 && r.slot > bestSlot) continue;
@@ -241,8 +255,12 @@ int WeldTableT::findSet(const double p[3]) {
 }
 
 void WeldTableT::file(int id) {
+    file(id, KeyHash()(m_recs[static_cast<size_t>(id)].key));
+}
+
+void WeldTableT::file(int id, uint64_t hash) {
     Rec& r = m_recs[static_cast<size_t>(id)];
-    auto [head, made] = m_cells.insert(r.key, id);
+    auto [head, made] = m_cells.insert(r.key, id, hash);
     r.nextInCell = made ? -1 : *head;
     *head = id;
 }
@@ -269,13 +287,23 @@ void WeldTableT::unfile(int id) {
 }
 
 void WeldTableT::enterPoints(const int* points, const int* owners, const double* xyz, size_t n) {
-    // The cells of the points a few ahead are asked for while this one is looked up (a hint only: each
-    // lookup still sees every set entered before it).
-    constexpr size_t Ahead = 8;
+    // Every point's cells first, in one pass. Then, while a point is looked up, the cell of one some way
+    // ahead is asked for, and for one nearer, whose cell has arrived by then, the first set filed there
+    // (hints only: each lookup still sees every set entered before it, in order).
+    m_pointCells.resize(n);
+    for (size_t i = 0; i < n; ++i)
+        m_pointCells[i] = cellsOf(xyz + 3 * i);
+    constexpr size_t CellAhead = 12, SetAhead = 4;
     for (size_t i = 0; i < n; ++i) {
-        if (i + Ahead < n) m_cells.Prefetch(keyOf(xyz + 3 * (i + Ahead)));
+        if (i + CellAhead < n) m_cells.Prefetch(m_pointCells[i + CellAhead].hash);
+        if (i + SetAhead < n) {
+            const PointCells& a = m_pointCells[i + SetAhead];
+            const int head = m_cells.HeadAtHome(Key{a.lo[0], a.lo[1], a.lo[2]}, a.hash);
+            if (head >= 0) __builtin_prefetch(&m_recs[static_cast<size_t>(head)]);
+        }
         const double* p = xyz + 3 * i;
-        const int found = findSet(p);
+        const PointCells& c = m_pointCells[i];
+        const int found = findSet(p, c);
         if (found >= 0) {
             m_recs[static_cast<size_t>(found)].set.AddPt(points[i], owners[i]);
             m_idOfPoint.Set(points[i], found + 1);
@@ -295,10 +323,12 @@ void WeldTableT::enterPoints(const int* points, const int* owners, const double*
         r.set.AddPt(points[i], owners[i]);
         r.first = {p[0], p[1], p[2]};
         r.stale = false;
-        r.key = keyOf(p);
+        // A point's own cell lies between those of its location less and plus the tolerance.
+        const bool inOne = c.lo[0] == c.hi[0] && c.lo[1] == c.hi[1] && c.lo[2] == c.hi[2];
+        r.key = inOne ? Key{c.lo[0], c.lo[1], c.lo[2]} : keyOf(p);
         r.slot = Count();
         m_order.push_back(id);
-        file(id);
+        file(id, inOne ? c.hash : KeyHash()(r.key));
         m_idOfPoint.Set(points[i], id + 1);
     }
 }
@@ -394,29 +424,37 @@ void WeldTableT::Rekey() {
     // Every live set is filed under its key. When few sets changed cell only those move (a lookup compares
     // the sets of a cell by slot, so their order within the cell does not matter); else all are filed anew.
     m_moved.clear();
+    m_keys.resize(m_order.size());
     for (size_t s = 0; s < m_order.size(); ++s) {
         Rec& r = m_recs[static_cast<size_t>(m_order[s])];
         const double* p = &m_xyz[3 * s];
         r.first = {p[0], p[1], p[2]};
         r.stale = false;
-        if (!(keyOf(p) == r.key)) m_moved.push_back(static_cast<int>(s));
+        m_keys[s] = keyOf(p);
+        if (!(m_keys[s] == r.key)) m_moved.push_back(static_cast<int>(s));
     }
     if (m_moved.size() * 4 <= m_order.size()) {
         for (int s : m_moved) {
             const int id = m_order[static_cast<size_t>(s)];
             unfile(id);
-            m_recs[static_cast<size_t>(id)].key = keyOf(m_recs[static_cast<size_t>(id)].first.data());
+            m_recs[static_cast<size_t>(id)].key = m_keys[static_cast<size_t>(s)];
             file(id);
         }
         return;
     }
+    // All filed anew, in slot order; the cells are hashed first so that the slot of a set some way ahead
+    // is asked for while this one is filed.
     m_cells.clear();
     m_cells.reserve(m_order.size());
+    m_hashes.resize(m_order.size());
+    for (size_t s = 0; s < m_order.size(); ++s)
+        m_hashes[s] = KeyHash()(m_keys[s]);
+    constexpr size_t Ahead = 12;
     for (size_t s = 0; s < m_order.size(); ++s) {
+        if (s + Ahead < m_order.size()) m_cells.Prefetch(m_hashes[s + Ahead]);
         const int id = m_order[s];
-        Rec& r = m_recs[static_cast<size_t>(id)];
-        r.key = keyOf(r.first.data());
-        file(id);
+        m_recs[static_cast<size_t>(id)].key = m_keys[s];
+        file(id, m_hashes[s]);
     }
 }
 

@@ -132,11 +132,20 @@ class WeldTableT {
         WeldedPoints set;
     };
     static Key keyOf(const double p[3]);
-    int findSet(const double p[3]);
+    // The cells a lookup of a point visits (those of its location less and plus the tolerance, per axis)
+    // and the hash of the first of them, which is the point's own cell but near a border.
+    struct PointCells {
+        long long lo[3], hi[3];
+        uint64_t hash;
+    };
+    static PointCells cellsOf(const double p[3]);
+    // The earliest set whose first point lies at p, -1 for none.
+    int findSet(const double p[3], const PointCells& c);
     void enterPoints(const int* points, const int* owners, const double* xyz, size_t n);
     // The points of the polygons leave their sets; the emptied sets are unfiled and their ids answered.
     void leavePoints(const std::vector<int>& polygons, std::vector<int>& emptied);
     void file(int id);
+    void file(int id, uint64_t hash); // hash: of the record's key
     void unfile(int id);
     // Drops the emptied records from the order in one pass and renumbers the rest.
     void dropAll(const std::vector<int>& emptied);
@@ -151,19 +160,25 @@ class WeldTableT {
     // the lines of the points ahead (Prefetch) while it works on the present one.
     class Cells {
       public:
-        int* find(const Key& k);
-        std::pair<int*, bool> insert(const Key& k, int head);
+        int* find(const Key& k) { return find(k, KeyHash()(k)); }
+        int* find(const Key& k, uint64_t hash);
+        std::pair<int*, bool> insert(const Key& k, int head) { return insert(k, head, KeyHash()(k)); }
+        std::pair<int*, bool> insert(const Key& k, int head, uint64_t hash);
         void erase(const Key& k);
         void clear();
         void reserve(size_t n);
-        void Prefetch(const Key& k) const;
+        void Prefetch(const Key& k) const { Prefetch(KeyHash()(k)); }
+        void Prefetch(uint64_t hash) const;
+        // The first record filed under k when k sits in its home slot (-1 otherwise): a hint for
+        // prefetching, no lookup.
+        int HeadAtHome(const Key& k, uint64_t hash) const;
 
       private:
         struct Slot {
             Key key;
             int head;
         };
-        size_t home(const Key& k) const;
+        size_t home(uint64_t hash) const;
         void rehash(size_t cap);
         std::vector<Slot> m_slots;
         size_t m_size = 0, m_mask = 0;
@@ -173,6 +188,9 @@ class WeldTableT {
     // Scratch of the bulk reads.
     std::vector<int> m_points, m_owners, m_moved;
     std::vector<double> m_xyz;
+    std::vector<PointCells> m_pointCells;
+    std::vector<Key> m_keys;
+    std::vector<uint64_t> m_hashes;
 };
 
 WeldTableT& WeldTable();

@@ -138,6 +138,47 @@ TEST_F(WeldTableTest, SetsAreFoundWhereTheirPointsAreNowAfterMovesUndoAndRedo) {
     EXPECT_EQ(t.At(shared)->Count(), 5);
 }
 
+// The cells' borders sit at (k - 0.381966...) / 1e4 on every axis: points within the tolerance on either
+// side of one weld however they are entered, and a set begun beside a border is found from the other
+// side. Then every set moves (the table is filed anew) and is found at its new place.
+TEST_F(WeldTableTest, PointsAcrossACellBorderWeldAndEverySetIsFoundAfterAllMoved) {
+    const double border = (1 - 0.3819660112501051) / 1e4;
+    const double below = border - 4e-10, above = border + 4e-10;
+    const int a = polygon({{{below, 0, 0}}, {{1, below, 0}}, {{1, 1, below}}});
+    const int b = polygon({{{above, 0, 0}}, {{1, above, 0}}, {{1, 1, above}}, {{above, above, above}}});
+    const int c = polygon({{{below, below, below}}, {{above, 0, 5}}, {{below, 0, 5}}});
+    WeldTableT& t = WeldTable();
+    t.EnterGroup(group);
+    const auto pa = points(a), pb = points(b), pc = points(c);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(t.IndexOf(pa[i]), t.IndexOf(pb[i])) << "axis " << i;
+    EXPECT_EQ(t.IndexOf(pc[0]), t.IndexOf(pb[3]));
+    EXPECT_EQ(t.IndexOf(pc[1]), t.IndexOf(pc[2]));
+    EXPECT_EQ(t.Count(), 5);
+    // Within the tolerance of c's second point but wholly above the border: only the upper cells are visited.
+    const int e = polygon({{{above + 9e-10, 0, 5}}, {{above + 9e-10, 0, 6}}, {{above, 1, 5}}});
+    t.EnterPolygon(e);
+    EXPECT_EQ(t.IndexOf(points(e)[0]), t.IndexOf(pc[1]));
+    EXPECT_EQ(t.Count(), 7);
+    // Every point 30 along x; the sets are filed under their new cells, and a polygon entered there joins.
+    for (int pol : {a, b, c, e})
+        for (int pt : points(pol)) {
+            double xyz[3];
+            ZELMAR_point_get_xyz(pt, xyz);
+            xyz[0] += 30;
+            ZELMAR_point_set_xyz(pt, xyz);
+        }
+    t.Rekey();
+    const int d = polygon({{{30 + below, 0, 0}}, {{31, above, 0}}, {{31, 1, below}}, {{30 + above, 0, 5}}});
+    t.EnterPolygon(d);
+    const auto pd = points(d);
+    EXPECT_EQ(t.IndexOf(pd[0]), t.IndexOf(pa[0]));
+    EXPECT_EQ(t.IndexOf(pd[1]), t.IndexOf(pa[1]));
+    EXPECT_EQ(t.IndexOf(pd[2]), t.IndexOf(pa[2]));
+    EXPECT_EQ(t.IndexOf(pd[3]), t.IndexOf(pc[1]));
+    EXPECT_EQ(t.Count(), 7);
+}
+
 TEST(WeldedPointsSet, AddRemoveAndResize) {
     WeldedPoints s;
     s.AddPt(11, 1);

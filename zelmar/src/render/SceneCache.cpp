@@ -86,8 +86,12 @@ float finiteOr0(double v) {
 
 } // namespace
 
+namespace {
+void packGeometryAndMaybeLooks(const Group& g, GroupCache& c, bool looksNow);
+} // namespace
+
 void packGroup(const Group& g, GroupCache& c) {
-    packGeometry(g, c);
+    packGeometryAndMaybeLooks(g, c, true);
     packLooks(g, c);
 }
 
@@ -171,6 +175,7 @@ void copyPolygons(const GroupCache& old, size_t b, size_t e, GroupCache& c, bool
         pp.firstVertex = pp.firstVertex - v0 + nv;
         pp.firstTri = pp.firstTri - t0 + nt;
         growBox(c.box, pp.box);
+        c.newest = std::max(c.newest, pp.handle);
     }
     c.verts.insert(c.verts.end(), old.verts.begin() + v0, old.verts.begin() + v1);
     if (looks) c.extras.insert(c.extras.end(), old.extras.begin() + v0, old.extras.begin() + v1);
@@ -208,7 +213,7 @@ namespace {
 // than the packing saves). False when the group does not fit; the polygons written by then
 // are packed as their present versions, and their looks are left to a whole pass.
 bool repackInPlace(const Group& g, GroupCache& c) {
-    if (c.polys.empty() || c.polys.size() != static_cast<size_t>(g.ownPolygons)) return false;
+    if (c.polys.empty() || c.polys.size() - c.retired != static_cast<size_t>(g.ownPolygons)) return false;
     const bool looks = c.looksPacked;
     std::vector<std::pair<uint32_t, const Polygon*>> pending;
     std::vector<double> ring;
@@ -216,6 +221,8 @@ bool repackInPlace(const Group& g, GroupCache& c) {
     double box[6] = {INFINITY, INFINITY, INFINITY, -INFINITY, -INFINITY, -INFINITY};
     size_t i = 0;
     for (const Polygon* p = g.firstPolygon; p; p = p->nextInGroup, ++i) {
+        while (i < c.polys.size() && c.polys[i].handle == 0)
+            ++i;
         if (i >= c.polys.size() || c.polys[i].handle != p->handle) return false;
         PackedPolygon& pp = c.polys[i];
         if (pp.version != p->version) {
@@ -268,6 +275,8 @@ bool repackInPlace(const Group& g, GroupCache& c) {
         }
         growBox(box, pp.box);
     }
+    while (i < c.polys.size() && c.polys[i].handle == 0)
+        ++i;
     if (i != c.polys.size()) return false;
     std::copy(box, box + 6, c.box);
     c.allLooksPending = !looks;
@@ -275,10 +284,105 @@ bool repackInPlace(const Group& g, GroupCache& c) {
     return true;
 }
 
+// This thread's spare arrays: a packing that outgrows its own moves into them (their pages
+// are already mapped; fresh ones cost a fault each) and leaves its old ones there.
+GroupCache& spareArrays() {
+    thread_local GroupCache spare;
+    return spare;
+}
+
+template <class T> void makeRoom(std::vector<T>& v, size_t need, std::vector<T>& spare) {
+    if (v.capacity() >= need) return;
+    spare.clear();
+    spare.reserve(std::max(need, v.size() * 2));
+    spare.insert(spare.end(), v.begin(), v.end());
+    std::swap(v, spare);
+}
+
+// The repacking after polygons were removed and others added at the end of the group's list
+// (a cut: originals out, halves in), when every other polygon is unchanged: the removed ones
+// are retired where they are and the new ones packed at the end, so that nothing else moves.
+// Drawn and picked in list order, this is what a whole packing gives. False, with nothing
+// written, when the group does not fit or the retired ones would grow past a third of the
+// packing (the whole layout then drops them). With `looksNow`, the looks of the appended
+// polygons are written as they are packed (their points are at hand), else left pending.
+bool repackByAppending(const Group& g, GroupCache& c, bool looksNow) {
+    if (c.polys.empty() || g.ownPolygons < 0) return false;
+    // First the plan: the packed polygons the group still has, found in order, then the new ones.
+    thread_local std::vector<uint32_t> gone;
+    gone.clear();
+    double box[6] = {INFINITY, INFINITY, INFINITY, -INFINITY, -INFINITY, -INFINITY};
+    size_t i = 0;
+    const Polygon* p = g.firstPolygon;
+    for (; p && p->handle <= c.newest; p = p->nextInGroup, ++i) {
+        for (; i < c.polys.size() && c.polys[i].handle != p->handle; ++i)
+            if (c.polys[i].handle != 0) gone.push_back(static_cast<uint32_t>(i));
+        if (i == c.polys.size()) return false; // not packed, or out of order
+        const PackedPolygon& pp = c.polys[i];
+        if (pp.version != p->version || pp.vertexCount != p->points.size()) return false;
+        growBox(box, pp.box);
+    }
+    for (; i < c.polys.size(); ++i)
+        if (c.polys[i].handle != 0) gone.push_back(static_cast<uint32_t>(i));
+    const Polygon* firstNew = p;
+    size_t added = 0, addedPoints = 0;
+    for (; p; p = p->nextInGroup, ++added) {
+        if (p->handle <= c.newest) return false;
+        addedPoints += p->points.size();
+    }
+    if (gone.empty() && added == 0) return false;
+    const size_t retired = c.retired + gone.size(), total = c.polys.size() + added;
+    if (retired * 3 > total) return false;
+
+    const bool looks = c.looksPacked;
+    c.allLooksPending = !looks;
+    c.pendingLooks.clear();
+    c.retired = static_cast<uint32_t>(retired);
+    for (const uint32_t k : gone) {
+        PackedPolygon& pp = c.polys[k];
+        pp.handle = 0;
+        pp.version = 0;
+        pp.vertexCount = pp.triCount = 0;
+        pp.disabled = true;
+    }
+    GroupCache& spare = spareArrays();
+    makeRoom(c.polys, total, spare.polys);
+    makeRoom(c.verts, c.verts.size() + addedPoints, spare.verts);
+    makeRoom(c.tris, c.tris.size() + 3 * addedPoints, spare.tris); // a ring of n points has n - 2 triangles
+    if (looks) makeRoom(c.extras, c.verts.size() + addedPoints, spare.extras);
+    std::vector<double> ring;
+    for (p = firstNew; p; p = p->nextInGroup) {
+        if (!packPolygonGeometry(*p, c, ring)) continue;
+        growBox(box, c.polys.back().box);
+        c.newest = std::max(c.newest, p->handle);
+        if (!looks) continue;
+        c.extras.resize(c.verts.size());
+        const PackedPolygon& pp = c.polys.back();
+        if (looksNow)
+            packPolygonLooks(*p, pp, c.verts.data() + pp.firstVertex, c.extras.data() + pp.firstVertex);
+        else
+            c.pendingLooks.emplace_back(static_cast<uint32_t>(c.polys.size() - 1), p);
+    }
+    std::copy(box, box + 6, c.box);
+    return true;
+}
+
 } // namespace
 
 void packGeometry(const Group& g, GroupCache& c) {
+    packGeometryAndMaybeLooks(g, c, false);
+}
+
+namespace {
+
+void packGeometryAndMaybeLooks(const Group& g, GroupCache& c, bool looksNow) {
     if (repackInPlace(g, c)) {
+        c.version = g.version;
+        c.ownPolygons = g.ownPolygons;
+        c.looksPacked = false;
+        return;
+    }
+    if (repackByAppending(g, c, looksNow)) {
         c.version = g.version;
         c.ownPolygons = g.ownPolygons;
         c.looksPacked = false;
@@ -286,7 +390,7 @@ void packGeometry(const Group& g, GroupCache& c) {
     }
     // The last packing moves aside (into this thread's spare arrays, whose memory the new
     // packing reuses): polygons it packed at their present version are copied from it.
-    thread_local GroupCache old;
+    GroupCache& old = spareArrays();
     std::swap(old.verts, c.verts);
     std::swap(old.extras, c.extras);
     std::swap(old.polys, c.polys);
@@ -297,6 +401,8 @@ void packGeometry(const Group& g, GroupCache& c) {
     c.looksPacked = false;
     c.allLooksPending = !oldLooks || old.polys.empty();
     c.pendingLooks.clear();
+    c.retired = 0;
+    c.newest = 0;
     c.verts.clear();
     c.extras.clear();
     c.polys.clear();
@@ -304,6 +410,17 @@ void packGeometry(const Group& g, GroupCache& c) {
     c.box[0] = c.box[1] = c.box[2] = INFINITY;
     c.box[3] = c.box[4] = c.box[5] = -INFINITY;
     const bool looks = !c.allLooksPending; // extras kept alongside the copies
+    // Room for half as many polygons again, so that those appended later (a cut's halves) fit
+    // without moving the rest to fresh pages; room not written maps no pages.
+    if (!old.polys.empty()) {
+        const size_t n = static_cast<size_t>(g.ownPolygons) * 3 / 2;
+        const size_t perPolygon = old.verts.size() / old.polys.size() + 1;
+        const size_t trisPerPolygon = old.tris.size() / old.polys.size() + 3;
+        c.polys.reserve(n);
+        c.verts.reserve(n * perPolygon);
+        c.tris.reserve(n * trisPerPolygon);
+        if (looks) c.extras.reserve(n * perPolygon);
+    }
     std::vector<double> ring;
     std::unordered_map<Handle, uint32_t> where; // old index by handle, made at the first reordering
     size_t next = 0;                            // the old polygon expected next
@@ -343,6 +460,7 @@ void packGeometry(const Group& g, GroupCache& c) {
         runBegin = runEnd = 0;
         if (!packPolygonGeometry(*p, c, ring)) continue;
         growBox(c.box, c.polys.back().box);
+        c.newest = std::max(c.newest, p->handle);
         if (looks) {
             c.extras.resize(c.verts.size());
             c.pendingLooks.emplace_back(static_cast<uint32_t>(c.polys.size() - 1), p);
@@ -350,6 +468,8 @@ void packGeometry(const Group& g, GroupCache& c) {
     }
     copyPolygons(old, runBegin, runEnd, c, looks);
 }
+
+} // namespace
 
 void packLooks(const Group& g, GroupCache& c) {
     if (!c.allLooksPending) {
@@ -363,8 +483,11 @@ void packLooks(const Group& g, GroupCache& c) {
     }
     c.extras.resize(c.verts.size());
     size_t k = 0;
-    // The packed polygons are the group's own in list order, less those packGeometry passed.
+    // The packed polygons are the group's own in list order, less those packGeometry passed,
+    // retired ones among them.
     for (const Polygon* p = g.firstPolygon; p && k < c.polys.size(); p = p->nextInGroup) {
+        while (k + 1 < c.polys.size() && c.polys[k].handle == 0)
+            ++k;
         const PackedPolygon& pp = c.polys[k];
         if (p->handle != pp.handle || p->points.size() != pp.vertexCount) continue;
         ++k;

@@ -2,7 +2,10 @@
 // triangulated, fills copied. One entry per group, rebuilt when the group's version or
 // polygon count changes (every change of a polygon bumps its group's version and its own).
 // A rebuild copies the packed data of polygons whose handle, version and point count are
-// those packed last time, and packs only the others. Rendering and picking both read it.
+// those packed last time, and packs only the others; when polygons were only removed and
+// others added at the end of the group, the removed ones are retired where they are (handle
+// 0, no points, no triangles, disabled: they draw and pick nothing) and the new ones
+// appended. Rendering and picking both read it.
 // Picks need only the shapes: they pack a group's geometry and leave its looks (point
 // shades, texture coordinates, point normals) to the next frame.
 #pragma once
@@ -53,7 +56,9 @@ struct GroupCache {
     std::vector<std::pair<uint32_t, const Polygon*>> pendingLooks;
     std::vector<PackedVertex> verts;
     std::vector<VertexExtra> extras; // parallel to verts
-    std::vector<PackedPolygon> polys;
+    std::vector<PackedPolygon> polys; // the group's own in list order, retired ones among them
+    uint32_t retired = 0;             // polygons of polys retired (handle 0)
+    Handle newest = 0;                // the highest handle in polys
     std::vector<uint32_t> tris;
     double box[6] = {0, 0, 0, 0, 0, 0}; // of all points; empty when min > max
     uint64_t stamp = 0;                 // bumped on each rebuild of the geometry (pick caches follow it)
@@ -74,6 +79,8 @@ class SceneCache {
     const GroupCache& geometry(const Group& g);
     // Drops entries of groups that no longer exist.
     void prune();
+    // Forgets one group's entry: the next read packs it whole.
+    void drop(Handle group) { groups_.erase(group); }
     size_t size() const { return groups_.size(); }
     // The last stamp given: unchanged means no entry was repacked in between.
     uint64_t lastStamp() const { return stamps_; }
