@@ -217,11 +217,6 @@ TEST_F(Form1Test, EveryMenuItemExistsWithItsCaption) {
     for (QMenu* popup : form->PopupMenus())
         EXPECT_FALSE(form->menuBar()->actions().contains(popup->menuAction())) << popup->objectName().toStdString();
     EXPECT_EQ(form->menuBar()->actions().size(), 6);
-    // The tabs, in the arrangement of docs/ui.md.
-    const QStringList tabs{QStringLiteral("Groups"), QStringLiteral("Edit Group"), QStringLiteral("Background/Camera/Track"),
-                           QStringLiteral("Light"), QStringLiteral("Model Gallery"), QStringLiteral("Texture")};
-    // (Long titles are broken over lines on the tab; the tip holds the whole title.)
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(form->tabWorkspace->tabToolTip(i), tabs[i]);
 }
 
 TEST_F(Form1Test, MaxUndoRedoZeroOrTextGivesTwenty) {

@@ -1,7 +1,6 @@
-// the shared containers (LinkedList, file helpers), ParseCommand of the application entry, and the dialogs and input seams.
+// the shared containers (LinkedList, file helpers), ParseCommand of the application entry, and the dialogs seam (the input seam is exercised by the key tests).
 #include "AppTestSupport.h"
 #include "app/Form1.h"
-#include "frame/InputState.h"
 #include "frame/LinkedList.h"
 #include "frame/mdlFileFunctions.h"
 
@@ -112,18 +111,4 @@ TEST_F(HelpersTest, ScriptedDialogsAnswerFromQueuesAndRecord) {
         EXPECT_EQ(&dialogs(), &inner);
     }
     EXPECT_EQ(&dialogs(), &dlg);
-}
-
-TEST_F(HelpersTest, FakeInputStateKnowsDownAndPressed) {
-    FakeInputState in;
-    EXPECT_FALSE(keyDown(Qt::Key_Z));
-    in.press(Qt::Key_Z);
-    EXPECT_EQ(static_cast<unsigned short>(inputState().GetAsyncKeyState(Qt::Key_Z)), 0x8001);
-    EXPECT_EQ(static_cast<unsigned short>(inputState().GetAsyncKeyState(Qt::Key_Z)), 0x8000) << "reported once";
-    EXPECT_TRUE(keyDown(Qt::Key_Z));
-    EXPECT_FALSE(keyPressed(Qt::Key_Z));
-    in.release(Qt::Key_Z);
-    EXPECT_EQ(inputState().GetAsyncKeyState(Qt::Key_Z), 0);
-    in.setCursorPos(QPoint(12, 34));
-    EXPECT_EQ(inputState().cursorPos(), QPoint(12, 34));
 }

@@ -31,53 +31,27 @@ TEST_F(LightTest, NewLightHasTheDefaultTypeAndIsPlacedWhereAsked) {
     EXPECT_EQ(ZELMAR_light_create(nullptr, at), 0);
 }
 
-TEST_F(LightTest, EveryPanelValueRoundTrips) {
+// Plain values come back as set (the editor's light panel and the save round trip rely on that); only
+// what the engine changes or refuses is checked here.
+TEST_F(LightTest, ColoursAreBytesAndBadValuesAreRefused) {
     const int l = ZELMAR_light_create("L", nullptr);
     const int g = zelmar::world().createGroup("target")->handle;
-    const double colour[3] = {10, 20, 300}, loc[3] = {-4, 5.5, 6};
-    ZELMAR_light_set_location(l, loc);
+    const double colour[3] = {10, 20, 300};
     ZELMAR_light_set_color(l, colour);
-    ZELMAR_light_set_ambient(l, 0.25);
-    ZELMAR_light_set_diffuse(l, 0.5);
-    ZELMAR_light_set_specular(l, 0.75);
-    ZELMAR_light_set_specular_shining(l, 12);
-    ZELMAR_light_set_distance_reach(l, 5000);
-    ZELMAR_light_set_type_of_light(l, 59);
-    ZELMAR_light_set_ray_tracing(l, 1);
-    ZELMAR_light_activate_before_each_render(l, 1);
-    ZELMAR_light_disable(l, 1);
-    ZELMAR_light_set_entity_to_light(l, g);
-    ZELMAR_light_set_save_flag(l, 1);
-    ZELMAR_light_set_name(l, "renamed");
-
-    double c[3], p[3];
+    double c[3];
     ZELMAR_light_get_color(l, c);
     EXPECT_EQ(c[0], 10);
-    EXPECT_EQ(c[2], 255); // colours are bytes
-    ZELMAR_light_get_location(l, p);
-    EXPECT_EQ(p[1], 5.5);
+    EXPECT_EQ(c[2], 255);
+    ZELMAR_light_set_ambient(l, 0.25);
+    ZELMAR_light_set_ambient(l, NAN);
     EXPECT_EQ(ZELMAR_light_get_ambient(l), 0.25);
-    EXPECT_EQ(ZELMAR_light_get_diffuse(l), 0.5);
-    EXPECT_EQ(ZELMAR_light_get_specular(l), 0.75);
-    EXPECT_EQ(ZELMAR_light_get_specular_shining(l), 12);
-    EXPECT_EQ(ZELMAR_light_get_distance_reach(l), 5000);
-    EXPECT_EQ(ZELMAR_light_get_type_of_light(l), 59);
-    EXPECT_EQ(ZELMAR_light_is_ray_tracing(l), 1);
-    EXPECT_EQ(ZELMAR_light_is_activated_before_render(l), 1);
-    EXPECT_EQ(ZELMAR_light_is_disabled(l), 1);
-    EXPECT_EQ(ZELMAR_light_get_entity_to_light(l), g);
-    EXPECT_EQ(ZELMAR_light_get_save_flag(l), 1);
-    EXPECT_STREQ(ZELMAR_light_get_name(l), "renamed");
-    EXPECT_EQ(ZELMAR_light_get_using_name("renamed"), l);
-
-    ZELMAR_light_disable(l, 0);
-    EXPECT_EQ(ZELMAR_light_is_disabled(l), 0);
+    ZELMAR_light_set_entity_to_light(l, g);
     ZELMAR_light_set_entity_to_light(l, l); // not a group: refused
     EXPECT_EQ(ZELMAR_light_get_entity_to_light(l), g);
     ZELMAR_light_set_entity_to_light(l, 0);
     EXPECT_EQ(ZELMAR_light_get_entity_to_light(l), 0);
-    ZELMAR_light_set_ambient(l, NAN);
-    EXPECT_EQ(ZELMAR_light_get_ambient(l), 0.25);
+    ZELMAR_light_set_name(l, "renamed");
+    EXPECT_EQ(ZELMAR_light_get_using_name("renamed"), l);
 }
 
 TEST_F(LightTest, DirectionIsNormalisedAndZeroIsRefused) {

@@ -210,15 +210,6 @@ TEST_F(ApiWorld, ReadOnlyFolderFailsAndKeepsTheOldFile) {
     EXPECT_EQ(iotest::fileBytes(path), before);
 }
 
-TEST_F(ApiWorld, HiddenGroupStaysHiddenInTheFile) {
-    ZELMAR_group_disable(box, 1);
-    const std::string path = dir / "h.3dzelmar";
-    ASSERT_EQ(ZELMAR_engine_save(path.c_str(), root, 0x1203), 1);
-    ASSERT_EQ(ZELMAR_engine_load_world(path.c_str(), "", "", 4), 1);
-    EXPECT_EQ(ZELMAR_group_is_disable(ZELMAR_group_get_using_name("box")), 1);
-    EXPECT_EQ(ZELMAR_group_is_disable(ZELMAR_group_get_using_name("the_world")), 0);
-}
-
 } // namespace
 
 TEST(ApiWorldBackground, ALoadedWorldDrawsItsFirstBackground) {
