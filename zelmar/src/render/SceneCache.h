@@ -79,8 +79,14 @@ class SceneCache {
     const GroupCache& geometry(const Group& g);
     // Drops entries of groups that no longer exist.
     void prune();
-    // Forgets one group's entry: the next read packs it whole.
-    void drop(Handle group) { groups_.erase(group); }
+    // Forgets one group's packing: the next read packs it whole. The entry stays where it is with a
+    // new stamp, since the pick caches of a live group hold its address and check its stamp.
+    void drop(Handle group) {
+        auto it = groups_.find(group);
+        if (it == groups_.end()) return;
+        it->second = GroupCache();
+        it->second.stamp = ++stamps_;
+    }
     size_t size() const { return groups_.size(); }
     // The last stamp given: unchanged means no entry was repacked in between.
     uint64_t lastStamp() const { return stamps_; }
