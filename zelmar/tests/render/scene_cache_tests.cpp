@@ -101,7 +101,7 @@ TEST_F(SceneCacheRepack, ChangedPolygonsArePackedAgainAndTheRestCopied) {
     const double dent[3] = {10, -5.5, 3.5};
     ZELMAR_point_set_xyz(polys[45]->points[0].handle, dent);
     const double up[3] = {10, -3, 2.5};
-    ZELMAR_point_set_xyz(polys[23]->points[1].handle, up); // a polygon still alive (i % 3 == 2)
+    ZELMAR_point_set_xyz(polys[22]->points[1].handle, up);
     ZELMAR_polygon_set_color_fill(polys[100]->handle, 1, 2, 3);
     const double rgb[3] = {9, 99, 199};
     ZELMAR_point_set_rgb(polys[101]->points[2].handle, rgb);
