@@ -2,6 +2,7 @@
 
 #include "rays/Narrow.h"
 #include "rays/PickScene.h"
+#include "render/Facing.h"
 #include "render/SceneCache.h"
 #include "render/Settings.h"
 #include "render/ThreadPool.h"
@@ -29,6 +30,9 @@ struct Entry {
     uint32_t triangleCount = 0;
     double origin[3] = {0, 0, 0};
     bool moved = false; // this refresh: the member's triangles stay, only its origin changes
+    // The enabled rotated polygons (sprite cards), by index in the packed polygons: they turn with the
+    // view, so they are tested apart from the kernel's scene, which holds the rest.
+    std::vector<uint32_t> cards;
     // Filled in parallel, then handed to the scene.
     std::vector<float> points;
     std::vector<uint32_t> triangles;
@@ -51,6 +55,7 @@ struct PickWorld {
     rays::PickScene scene;
     std::unordered_map<Handle, Entry> entries; // by group handle
     std::vector<Hot> hot;                      // by member
+    std::vector<const Entry*> withCards;       // the entries holding cards
     uint64_t generation = std::numeric_limits<uint64_t>::max();
     // The render cache's last stamp when a refresh ended: every entry then matched its
     // cache entry, and still does while the stamp stays.
@@ -83,11 +88,11 @@ void setOrigin(Entry& e) {
         e.origin[k] = gc.box[k] <= gc.box[k + 3] ? 0.5 * (gc.box[k] + gc.box[k + 3]) : 0.0;
 }
 
-// Calls f(a, b, c, word) for each triangle of the group's enabled polygons, in order.
+// Calls f(a, b, c, word) for each triangle of the group's enabled polygons but its cards, in order.
 template <class F> void forEachTriangle(const render::GroupCache& gc, F&& f) {
     for (uint32_t p = 0; p < gc.polys.size(); ++p) {
         const render::PackedPolygon& pp = gc.polys[p];
-        if (pp.disabled) continue;
+        if (pp.disabled || pp.rotated) continue;
         const uint32_t word = p | (pp.frontOnly ? kFrontOnly : 0u);
         const uint32_t* t = gc.tris.data() + static_cast<size_t>(pp.firstTri) * 3;
         for (uint32_t i = 0; i < pp.triCount; ++i) {
@@ -135,6 +140,9 @@ void pack(Entry& e) {
         e.triangles.insert(e.triangles.end(), {a, b, c, word});
         return true;
     });
+    e.cards.clear();
+    for (uint32_t p = 0; p < gc.polys.size(); ++p)
+        if (gc.polys[p].rotated && !gc.polys[p].disabled && gc.polys[p].triCount > 0) e.cards.push_back(p);
 }
 
 void PickWorld::setHot(Entry& e) {
@@ -249,6 +257,9 @@ void PickWorld::refresh(bool force) {
         setHot(*e);
     }
     scene.commit();
+    withCards.clear();
+    for (const auto& [handle, e] : entries)
+        if (!e.cards.empty()) withCards.push_back(&e);
     generation = w.generation;
     cacheStamp = cache.lastStamp();
 }
@@ -294,6 +305,23 @@ double exactT(const Query& q, const Hot& h, const uint32_t* c) {
     return (e2[0] * qv[0] + e2[1] * qv[1] + e2[2] * qv[2]) / det;
 }
 
+// Distance along the ray to the triangle (Moller-Trumbore, double precision); NaN for a miss.
+double rayTriangle(const double* o, const double* d, const double* a, const double* b, const double* c) {
+    const double e1[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};
+    const double e2[3] = {c[0] - a[0], c[1] - a[1], c[2] - a[2]};
+    const double p[3] = {d[1] * e2[2] - d[2] * e2[1], d[2] * e2[0] - d[0] * e2[2], d[0] * e2[1] - d[1] * e2[0]};
+    const double det = e1[0] * p[0] + e1[1] * p[1] + e1[2] * p[2];
+    if (det == 0 || !std::isfinite(det)) return NAN;
+    const double inv = 1.0 / det;
+    const double s[3] = {o[0] - a[0], o[1] - a[1], o[2] - a[2]};
+    const double u = (s[0] * p[0] + s[1] * p[1] + s[2] * p[2]) * inv;
+    if (u < 0 || u > 1) return NAN;
+    const double qv[3] = {s[1] * e1[2] - s[2] * e1[1], s[2] * e1[0] - s[0] * e1[2], s[0] * e1[1] - s[1] * e1[0]};
+    const double v = (d[0] * qv[0] + d[1] * qv[1] + d[2] * qv[2]) * inv;
+    if (v < 0 || u + v > 1) return NAN;
+    return (e2[0] * qv[0] + e2[1] * qv[1] + e2[2] * qv[2]) * inv;
+}
+
 bool accept(void* user, rays::PickScene::Member member, uint32_t triangle, double& t) {
     Query& q = *static_cast<Query*>(user);
     const Hot* h = q.world->member(member);
@@ -318,27 +346,81 @@ bool accept(void* user, rays::PickScene::Member member, uint32_t triangle, doubl
     return true;
 }
 
-} // namespace
+// The nearest card hit beyond tMin and before `best`, each card turned to the view's eye (as stored
+// without a view). False, with `stale` set, when a group was packed again since the last refresh.
+bool nearestCard(const PickWorld& pw, Query& q, const render::View* view, double& best, WorldHit& out,
+                 bool& stale) {
+    bool found = false;
+    for (const Entry* e : pw.withCards) {
+        const render::GroupCache& gc = *e->gc;
+        if (gc.stamp != e->stamp) {
+            stale = true;
+            return false;
+        }
+        if (!pickable(q, *e->owner)) continue;
+        for (const uint32_t p : e->cards) {
+            const render::PackedPolygon& pp = gc.polys[p];
+            const render::FacingTurn turn = view ? render::facingTurn(*view, pp) : render::FacingTurn{};
+            if (!turn.turned && pp.frontOnly &&
+                pp.normal[0] * q.dir[0] + pp.normal[1] * q.dir[1] + pp.normal[2] * q.dir[2] >= 0)
+                continue; // a card seen as stored is passed from behind as any polygon
+            const uint32_t* tri = gc.tris.data() + static_cast<size_t>(pp.firstTri) * 3;
+            for (uint32_t i = 0; i < pp.triCount; ++i) {
+                const uint32_t* corner = tri + 3 * i;
+                if (corner[0] >= pp.vertexCount || corner[1] >= pp.vertexCount || corner[2] >= pp.vertexCount) continue;
+                double v[3][3] = {};
+                for (int k = 0; k < 3; ++k) {
+                    const double* xyz = gc.verts[pp.firstVertex + corner[k]].xyz;
+                    if (turn.turned)
+                        turn.point(xyz, v[k]);
+                    else
+                        std::copy(xyz, xyz + 3, v[k]);
+                }
+                const double t = rayTriangle(q.origin, q.dir, v[0], v[1], v[2]);
+                if (!(t >= q.tMin && t < best)) continue;
+                best = t;
+                out.polygon = pp.handle;
+                out.group = e->group;
+                found = true;
+            }
+        }
+    }
+    return found;
+}
 
-bool pickRay(const double origin[3], const double dir[3], double tMin, double tMax, WorldHit& out) {
+bool pickAlong(const double origin[3], const double dir[3], double tMin, double tMax, const render::View* view,
+               WorldHit& out) {
     PickWorld& pw = pickWorld();
     for (int attempt = 0; attempt < 2; ++attempt) {
         pw.refresh(attempt > 0);
         Query q{&pw, origin, dir, tMin, tMax};
         q.checkStamps = render::sceneCache().lastStamp() != pw.cacheStamp;
         rays::PickScene::Hit hit;
-        const bool found = pw.scene.nearest(origin, dir, tMin, tMax, accept, &q, hit);
+        bool found = pw.scene.nearest(origin, dir, tMin, tMax, accept, &q, hit);
         if (q.stale) continue;
+        double best = tMax;
+        if (found) {
+            const Hot* h = pw.member(hit.member);
+            best = hit.t;
+            out.polygon = h->polys[h->triangles[static_cast<size_t>(hit.triangle) * 4 + 3] & ~kFrontOnly].handle;
+            out.group = h->entry->group;
+        }
+        bool stale = false;
+        if (!pw.withCards.empty() && nearestCard(pw, q, view, best, out, stale)) found = true;
+        if (stale) continue;
         if (!found) return false;
-        const Hot* h = pw.member(hit.member);
-        out.t = hit.t;
-        out.polygon = h->polys[h->triangles[static_cast<size_t>(hit.triangle) * 4 + 3] & ~kFrontOnly].handle;
-        out.group = h->entry->group;
+        out.t = best;
         for (int k = 0; k < 3; ++k)
             out.point[k] = origin[k] + dir[k] * out.t;
         return true;
     }
     return false;
+}
+
+} // namespace
+
+bool pickRay(const double origin[3], const double dir[3], double tMin, double tMax, WorldHit& out) {
+    return pickAlong(origin, dir, tMin, tMax, nullptr, out);
 }
 
 bool pickPixel(const render::View& view, int x, int y, WorldHit& out) {
@@ -353,7 +435,7 @@ bool pickPixel(const render::View& view, int x, int y, WorldHit& out) {
     } else {
         tMin = -INFINITY; // parallel views see at any depth
     }
-    return pickRay(o, d, tMin, INFINITY, out);
+    return pickAlong(o, d, tMin, INFINITY, &view, out);
 }
 
 void refreshAll() {

@@ -1,4 +1,5 @@
 #include "render/Renderer.h"
+#include "render/Facing.h"
 
 #include "render/Lighting.h"
 #include "render/Raster.h"
@@ -286,40 +287,13 @@ const Texture* animationTexture(const FrameData& fd, const PackedPolygon& pp) {
     return it == fd.animations.end() ? nullptr : it->second[static_cast<size_t>(viewDirection(fd.view, pp))];
 }
 
-// A rotated polygon (a sprite card: a tree, a lamp) turns about the vertical (+z) line through its centre
-// so that its face looks towards the eye. Gives the cosine and sine of that turn; false when there is none
-// to make (a level card, or the eye straight above it). Picks and light maps see the card as stored.
-bool facingTurn(const View& view, const PackedPolygon& pp, double& cosA, double& sinA) {
-    const double nx = pp.normal[0], ny = pp.normal[1];
-    double tx, ty;
-    if (view.perspective) {
-        tx = view.eye[0] - (pp.box[0] + pp.box[3]) / 2;
-        ty = view.eye[1] - (pp.box[1] + pp.box[4]) / 2;
-    } else {
-        tx = -view.axis[0][0];
-        ty = -view.axis[0][1];
-    }
-    const double nl = std::hypot(nx, ny), tl = std::hypot(tx, ty);
-    if (!(nl > 1e-9) || !(tl > 1e-9)) return false;
-    cosA = (nx * tx + ny * ty) / (nl * tl);
-    sinA = (nx * ty - ny * tx) / (nl * tl);
-    return true;
-}
-
 void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const PackedPolygon& pp,
                     int lightSet, bool inside) {
     if (pp.disabled || pp.triCount == 0) return;
     const View& view = fd.view;
     const PackedVertex* pv = gc.verts.data() + pp.firstVertex;
-    double cosA = 1, sinA = 0;
-    const bool turned = pp.rotated && facingTurn(view, pp, cosA, sinA);
-    const double cx = (pp.box[0] + pp.box[3]) / 2, cy = (pp.box[1] + pp.box[4]) / 2;
-    auto turn = [&](const double* in, double* out, double ox, double oy) {
-        const double x = in[0] - ox, y = in[1] - oy;
-        out[0] = ox + cosA * x - sinA * y;
-        out[1] = oy + sinA * x + cosA * y;
-        out[2] = in[2];
-    };
+    const FacingTurn card = facingTurn(view, pp); // a sprite card turns to the eye
+    const bool turned = card.turned;
     if (turned) inside = false; // the card may reach out of its group's box
     if (pp.frontOnly && !turned) { // a turned card faces the eye
         const double* n = pp.normal;
@@ -351,7 +325,7 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
         const PackedVertex& v = pv[i];
         ClipVertex& c = ch.cv[i];
         double at[3] = {v.xyz[0], v.xyz[1], v.xyz[2]};
-        if (turned) turn(v.xyz, at, cx, cy);
+        if (turned) card.point(v.xyz, at);
         toCamera(view, at, c.c);
         if (extras) {
             const VertexExtra& e = pe[i];
@@ -365,7 +339,7 @@ void processPolygon(const FrameData& fd, Chunk& ch, const GroupCache& gc, const 
             double nd[3] = {pe[i].normal[0], pe[i].normal[1], pe[i].normal[2]};
             if (turned) {
                 const double n0[3] = {nd[0], nd[1], nd[2]};
-                turn(n0, nd, 0, 0);
+                card.direction(n0, nd);
             }
             lightVertex(*lights, at, nd, view.eye, l);
             for (int k = 0; k < 3; ++k)

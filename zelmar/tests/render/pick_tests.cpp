@@ -306,3 +306,27 @@ TEST_F(Pick, NoCurrentCameraMeansNoPick) {
 }
 
 } // namespace
+
+namespace {
+
+// A rotated card is picked where it is drawn, turned to the eye: seen edge-on as stored, a click beside its
+// middle line still meets it, on the plane through its centre facing the camera.
+TEST_F(Pick, ARotatedCardIsPickedWhereItIsDrawn) {
+    Group* cards = group("cards");
+    // Upright in the plane y = 0 (its normal along y), 3 units ahead: the camera sees it edge-on.
+    Polygon* card = polygon(cards, {{3, 0, 1}, {3, 0, -1}, {5, 0, -1}, {5, 0, 1}});
+    ZELMAR_group_disable(far->handle, 1);
+    ZELMAR_group_disable(nearGroup->handle, 1);
+    double r[3];
+    int g = 0;
+    EXPECT_NE(pickAt(36, 24, r, &g), card->handle); // beside the edge: nothing as stored
+    ZELMAR_polygon_set_rotated(card->handle, 1);
+    EXPECT_EQ(pickAt(36, 24, r, &g), card->handle);
+    EXPECT_EQ(g, cards->handle);
+    EXPECT_NEAR(r[0], 4, 1e-9); // the turned card stands across the view at its centre
+    // Back as stored when the flag goes.
+    ZELMAR_polygon_set_rotated(card->handle, 0);
+    EXPECT_NE(pickAt(36, 24, r, &g), card->handle);
+}
+
+} // namespace
