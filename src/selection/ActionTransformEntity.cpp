@@ -155,7 +155,8 @@ void RotateSetAbout(const MultipleSelection& set, const Loc3& centre, double deg
     if (axis < 0 || axis > 2) return;
     Loc3 turn{0, 0, 0};
     turn[static_cast<size_t>(axis)] = degrees;
-    for (int g : groups ? set.Groups() : std::vector<int>()) {
+    static const std::vector<int> none;
+    for (int g : groups ? set.Groups() : none) {
         Loc3 own{};
         ZELMAR_group_get_rotate_reference_point(g, own.data());
         ZELMAR_group_set_rotate_reference_point(g, centre.data());

@@ -97,6 +97,22 @@ void packGroup(const Group& g, GroupCache& c) {
 
 namespace {
 
+// The polygon's fill and flags as a packed polygon holds them.
+void copyFill(const Polygon& p, PackedPolygon& pp) {
+    const Fill& f = p.fill;
+    pp.bitmap = f.bitmap;
+    pp.animation = f.animation;
+    pp.animationFrame = f.animationFrame;
+    pp.secondBitmap = f.secondBitmap;
+    for (int i = 0; i < 3; ++i)
+        pp.color[i] = byteOf(f.color[i]);
+    pp.translucent = static_cast<uint8_t>(f.translucent & 0xFF);
+    pp.bilinear = f.bilinear != 0;
+    pp.frontOnly = p.orientation != 0;
+    pp.rotated = f.rotated != 0;
+    pp.disabled = p.disabled;
+}
+
 // Packs one polygon's geometry at the end of c; false (nothing added) when it cannot be drawn.
 bool packPolygonGeometry(const Polygon& p, GroupCache& c, std::vector<double>& ring) {
     const size_t n = p.points.size();
@@ -110,18 +126,7 @@ bool packPolygonGeometry(const Polygon& p, GroupCache& c, std::vector<double>& r
     pp.version = p.version;
     pp.firstVertex = static_cast<uint32_t>(c.verts.size());
     pp.vertexCount = static_cast<uint32_t>(n);
-    const Fill& f = p.fill;
-    pp.bitmap = f.bitmap;
-    pp.animation = f.animation;
-    pp.animationFrame = f.animationFrame;
-    pp.secondBitmap = f.secondBitmap;
-    for (int i = 0; i < 3; ++i)
-        pp.color[i] = byteOf(f.color[i]);
-    pp.translucent = static_cast<uint8_t>(f.translucent & 0xFF);
-    pp.bilinear = f.bilinear != 0;
-    pp.frontOnly = p.orientation != 0;
-    pp.rotated = f.rotated != 0;
-    pp.disabled = p.disabled;
+    copyFill(p, pp);
 
     ring.resize(n * 3);
     for (size_t i = 0; i < n; ++i)
@@ -242,18 +247,7 @@ bool repackInPlace(const Group& g, GroupCache& c) {
             c.looksPacked = false;
             std::copy(tris.begin(), tris.end(), c.tris.begin() + static_cast<ptrdiff_t>(pp.firstTri) * 3);
             pp.version = p->version;
-            const Fill& f = p->fill;
-            pp.bitmap = f.bitmap;
-            pp.animation = f.animation;
-            pp.animationFrame = f.animationFrame;
-            pp.secondBitmap = f.secondBitmap;
-            for (int k = 0; k < 3; ++k)
-                pp.color[k] = byteOf(f.color[k]);
-            pp.translucent = static_cast<uint8_t>(f.translucent & 0xFF);
-            pp.bilinear = f.bilinear != 0;
-            pp.frontOnly = p->orientation != 0;
-            pp.rotated = f.rotated != 0;
-            pp.disabled = p->disabled;
+            copyFill(*p, pp);
             double nrm[3];
             newellNormal(ring.data(), 3, n, nrm);
             const double len = std::sqrt(nrm[0] * nrm[0] + nrm[1] * nrm[1] + nrm[2] * nrm[2]);
