@@ -5,6 +5,7 @@
 // rings give the simplification the same bits through either engine. Output groups are
 // recorded for comparison.
 #pragma once
+#include "BlockArray.h"
 #include "MeshData.h"
 #include "simplify/SimplifyEngine.h"
 
@@ -20,7 +21,7 @@ struct MemPoint {
 
 struct MemPolygon {
     int group = 0;
-    std::vector<int> points; // point handles
+    RingIds points; // point handles
     int bitmap = 0;
     int color[3] = {255, 255, 255};
     double brightness = 100;
@@ -46,7 +47,7 @@ public:
     // (libzelmar3 cuts concave rings otherwise; the tests' rings are triangles). Answers its handle.
     int triangulatedCopy(int group, const char* name);
     // Computes the plane of a polygon as libzelmar3 does.
-    static void planeOf(const MemPolygon& p, const std::vector<MemPoint>& pts, double plane[4]);
+    static void planeOf(const MemPolygon& p, const BlockArray<MemPoint>& pts, double plane[4]);
 
     const MemGroup& group(int g) const { return groups_.at(g); }
     std::size_t groupCount() const { return groups_.size(); }
@@ -87,11 +88,17 @@ public:
 
 private:
     std::map<int, MemGroup> groups_;
-    std::vector<MemPolygon> polys_ = std::vector<MemPolygon>(1);
-    std::vector<MemPoint> points_ = std::vector<MemPoint>(1);
-    std::vector<int> pointOwner_ = std::vector<int>(1, 0);
-    std::vector<int> pointIndexInRing_ = std::vector<int>(1, 0);
-    std::vector<int> polyIndexInGroup_ = std::vector<int>(1, 0);
+    // slot 0 of each is the dead handle 0
+    BlockArray<MemPolygon> polys_ = withDeadHandle<MemPolygon>();
+    BlockArray<MemPoint> points_ = withDeadHandle<MemPoint>();
+    BlockArray<int> pointOwner_ = withDeadHandle<int>();
+    BlockArray<int> pointIndexInRing_ = withDeadHandle<int>();
+    BlockArray<int> polyIndexInGroup_ = withDeadHandle<int>();
+    template <class T> static BlockArray<T> withDeadHandle() {
+        BlockArray<T> a;
+        a.emplace_back() = T{};
+        return a;
+    }
     int nextGroup_ = 1;
 };
 
