@@ -343,6 +343,24 @@ private:
     static std::vector<std::int32_t> mapList(const std::vector<std::int32_t>& m, const std::int32_t* from, const std::int32_t* to);
     void pushIdentity(std::vector<std::int32_t>& ext, std::vector<std::int32_t>& in);
     void renumberForLocality();
+    // The group's triangles as read, in the design's order, corner k of triangle t at 3 t + k
+    // (extraction, SurfSimpliExtract.cpp).
+    struct ReadTris {
+        std::vector<Vec3> xyz;                       // each corner's position
+        std::vector<std::array<double, 4>> bn;       // each corner's brightness and normal
+        std::vector<std::array<double, 6>> uv;       // each triangle's texture coordinates
+        std::vector<std::array<double, 4>> plane;
+        std::vector<std::int32_t> bitmap;
+        std::vector<double> bright;
+        std::vector<std::array<std::int32_t, 3>> color;
+        std::size_t bytes() const;
+    };
+    void readGroup(int group, int count, ReadTris& in);
+    // Makes the model of a fresh SurfSimpli from the triangles at once, in the records' own order,
+    // as AddTriangle one by one and the renumbering make it; false (nothing done) when the input
+    // or the model is one it does not cover exactly.
+    bool buildWhole(ReadTris& in);
+    void addReadTriangles(const ReadTris& in); // AddTriangle for each, in order
 
     // The work of the public operations on the arrays' own record numbers.
     int bucketPoint(const double coords[3], int tri);
@@ -396,6 +414,7 @@ private:
     bool selectedFast(int point) const;
     void project(int point, double& x, double& y, bool& ok) const;
     void notePeak() { peakBytes_ = std::max(peakBytes_, MemoryBytes()); }
+    void notePeak(std::size_t scratch) { peakBytes_ = std::max(peakBytes_, MemoryBytes() + scratch); }
     void copyColdForRestore();
 
     bigarray::CacheUser arrayCache_; // first: outlives the arrays

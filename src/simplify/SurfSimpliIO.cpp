@@ -19,88 +19,19 @@ void SurfSimpli::ExtractTriangles(int group) {
         }
         engine_->group_get_center_of_mass(group, octantCentre_);
         outputGroup_ = group;
-        const std::size_t expected = count > 0 ? static_cast<std::size_t>(count) : 0;
-        const std::size_t points = expected / 2 + 16, edges = expected * 3 / 2 + 16;
-        tris_.reserve(expected + 1);
-        tUV_.reserve(expected + 1);
-        tBitmap_.reserve(expected + 1);
-        tBright_.reserve(expected + 1);
-        tColor_.reserve(expected + 1);
-        edges_.reserve(edges);
-        eTris_.reserve(edges, edges * 2 + 64);
-        pValid_.reserve(points);
-        pts_.reserve(points);
-        pBright_.reserve(points);
-        pNormal_.reserve(points);
-        // a point has about six triangles and six edges: room for eight at once, one block each
-        for (ListPool* pool : {&pTris_, &pEdges_, &pFar_}) pool->setFirstRoom(8);
-        pTris_.reserve(points, points * 8);
-        pEdges_.reserve(points, points * 8);
-        if (edgesInLists_) pFar_.reserve(points, points * 8);
-        pointIndex_.reserve(points);
-        if (!edgesInLists_) edgeIndex_.reserve(edges);
-        // The triangles are read a few hundred at a time, then added in the same order: while
-        // one is added, the index slots of the corners a few triangles on are on their way in.
-        struct Read {
-            double corners[3][9];
-            double plane[4];
-            int bitmap;
-            double brightness;
-            int color[3];
-        };
-        constexpr std::size_t kChunk = 256, kAhead = 8;
-        std::vector<Read> chunk;
-        chunk.reserve(kChunk);
-        int done = 0;
-        auto addChunk = [&] {
-            for (std::size_t i = 0; i < kAhead && i < chunk.size(); ++i)
-                for (const auto& c : chunk[i].corners) prefetchPoint(c);
-            for (std::size_t i = 0; i < chunk.size(); ++i) {
-                if (i + kAhead < chunk.size())
-                    for (const auto& c : chunk[i + kAhead].corners) prefetchPoint(c);
-                Read& r = chunk[i];
-                AddTriangle(r.corners[0], r.corners[1], r.corners[2], r.plane, r.bitmap, r.brightness, r.color);
-                ++done;
-                if (progress_) progress_->setValue(done);
-            }
-            chunk.clear();
-        };
-        for (int pol = engine_->group_get_first_polygon(group); pol != 0; pol = engine_->group_get_next_polygon(pol)) {
-            Read& r = chunk.emplace_back();
-            r.bitmap = engine_->polygon_get_bitmap_handle(pol);
-            r.color[0] = r.color[1] = r.color[2] = 0;
-            engine_->polygon_get_color(pol, r.color);
-            double brightness = engine_->polygon_get_brightness(pol);
-            int pt = engine_->polygon_get_first_point(pol);
-            for (int k = 0; k < 3; ++k) {
-                if (k > 0) pt = engine_->point_get_next_point(pt);
-                double* c = r.corners[k];
-                double uv[2] = {0, 0}, normal[3] = {0, 0, 0}, xyz[3] = {0, 0, 0};
-                engine_->point_get_bitmap_xy(pt, uv);
-                brightness = engine_->point_get_brightness(pt); // the third corner's is the one passed on
-                engine_->point_get_normal(pt, normal);
-                engine_->point_get_xyz(pt, xyz);
-                c[0] = xyz[0];
-                c[1] = xyz[1];
-                c[2] = xyz[2];
-                c[3] = uv[0];
-                c[4] = uv[1];
-                c[5] = brightness;
-                c[6] = normal[0];
-                c[7] = normal[1];
-                c[8] = normal[2];
-            }
-            r.brightness = brightness;
-            r.plane[0] = r.plane[1] = r.plane[2] = r.plane[3] = 0;
-            engine_->polygon_get_plane(pol, r.plane);
-            if (chunk.size() == kChunk) addChunk();
-        }
-        addChunk();
+        // Every triangle is read first; then the model is made from the arrays at once, or,
+        // for an input the whole-array build does not cover, one triangle at a time.
+        ReadTris in;
+        readGroup(group, count, in);
         if (progress_) progress_->setValue(0);
-        notePeak();
-        dropIndexes();
-        // the records in an order of their own, with the lists packed, before the copy is made
-        renumberForLocality();
+        if (!buildWhole(in)) {
+            addReadTriangles(in);
+            notePeak(in.bytes());
+            in = ReadTris{};
+            dropIndexes();
+            // the records in an order of their own, with the lists packed, before the copy is made
+            renumberForLocality();
+        }
         CopyGeomForRestore();
         triTotal_ = TriCount();
     });

@@ -200,6 +200,10 @@ void MemoryEngine::polygon_get_plane(int polygon, double plane[4]) {
     planeOf(p, points_, plane);
 }
 
+int MemoryEngine::read_triangles(int& polygon, simplify::SimplifyTriangle* out, int max) {
+    return simplify::readTrianglesByCalls(*this, polygon, out, max);
+}
+
 int MemoryEngine::group_create(const char* name) {
     ++calls;
     const int g = nextGroup_++;

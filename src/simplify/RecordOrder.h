@@ -1,0 +1,90 @@
+// The records' own order (SurfSimpliOrder.cpp, SurfSimpliExtract.cpp): points along a Morton
+// curve through their positions, edges by their lower end, triangles by their lowest corner.
+#pragma once
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+namespace simplify::order {
+
+// Spreads the low 21 bits of v to every third bit.
+inline std::uint64_t spread3(std::uint64_t v) {
+    v &= 0x1fffff;
+    v = (v | v << 32) & 0x1f00000000ffffULL;
+    v = (v | v << 16) & 0x1f0000ff0000ffULL;
+    v = (v | v << 8) & 0x100f00f00f00f00fULL;
+    v = (v | v << 4) & 0x10c30c30c30c30c3ULL;
+    v = (v | v << 2) & 0x1249249249249249ULL;
+    return v;
+}
+
+// Records 1 .. records - 1 grouped by a key from 0 to keys - 1, in their present order within a
+// key: answers the old record number of each new one (slot 0 stays 0).
+template <class Key>
+std::vector<std::int32_t> countingOrder(std::size_t records, std::size_t keys, Key key) {
+    std::vector<std::int32_t> start(keys + 1, 0);
+    for (std::size_t i = 1; i < records; ++i) ++start[static_cast<std::size_t>(key(i)) + 1];
+    for (std::size_t k = 0; k < keys; ++k) start[k + 1] += start[k];
+    std::vector<std::int32_t> order(records, 0);
+    for (std::size_t i = 1; i < records; ++i) order[static_cast<std::size_t>(1 + start[static_cast<std::size_t>(key(i))]++)] = static_cast<std::int32_t>(i);
+    return order;
+}
+
+inline std::vector<std::int32_t> inverse(const std::vector<std::int32_t>& order) {
+    std::vector<std::int32_t> of(order.size(), 0);
+    for (std::size_t i = 0; i < order.size(); ++i) of[static_cast<std::size_t>(order[i])] = static_cast<std::int32_t>(i);
+    return of;
+}
+
+// Points 1 .. points - 1 (xyz(p) their positions) along a Morton curve through the box of the
+// finite ones, ties in index order (as sorting the pairs (key, index) gives them): answers the
+// old point of each new one (slot 0 stays 0). The keys are sorted a byte at a time, stably.
+template <class Xyz> std::vector<std::int32_t> mortonOrder(std::size_t points, Xyz xyz) {
+    double lo[3] = {0, 0, 0}, hi[3] = {0, 0, 0};
+    bool any = false;
+    for (std::size_t p = 1; p < points; ++p) {
+        const double* c = xyz(p);
+        if (!std::isfinite(c[0]) || !std::isfinite(c[1]) || !std::isfinite(c[2])) continue;
+        for (int k = 0; k < 3; ++k) {
+            lo[k] = any ? std::min(lo[k], c[k]) : c[k];
+            hi[k] = any ? std::max(hi[k], c[k]) : c[k];
+        }
+        any = true;
+    }
+    struct Keyed {
+        std::uint64_t key;
+        std::int32_t point;
+    };
+    const std::size_t n = points > 0 ? points - 1 : 0;
+    std::vector<Keyed> a(n), b(n);
+    std::uint64_t all = 0, common = ~std::uint64_t{0};
+    for (std::size_t p = 1; p < points; ++p) {
+        const double* c = xyz(p);
+        std::uint64_t key = 0;
+        for (int k = 0; k < 3; ++k) {
+            const double extent = hi[k] - lo[k];
+            double f = extent > 0 && std::isfinite(c[k]) ? (c[k] - lo[k]) / extent : 0.0;
+            f = std::clamp(f, 0.0, 1.0);
+            key |= spread3(static_cast<std::uint64_t>(f * 2097151.0)) << k;
+        }
+        a[p - 1] = Keyed{key, static_cast<std::int32_t>(p)};
+        all |= key;
+        common &= key;
+    }
+    const std::uint64_t varies = n > 0 ? all & ~common : 0; // bits not equal in every key
+    for (int shift = 0; shift < 64; shift += 8) {
+        if (((varies >> shift) & 0xff) == 0) continue; // every key has this byte: order unchanged
+        std::array<std::uint32_t, 257> start{};
+        for (const Keyed& k : a) ++start[((k.key >> shift) & 0xff) + 1];
+        for (int d = 0; d < 256; ++d) start[static_cast<std::size_t>(d) + 1] += start[static_cast<std::size_t>(d)];
+        for (const Keyed& k : a) b[start[(k.key >> shift) & 0xff]++] = k;
+        a.swap(b);
+    }
+    std::vector<std::int32_t> order(points, 0);
+    for (std::size_t i = 0; i < n; ++i) order[i + 1] = a[i].point;
+    return order;
+}
+
+} // namespace simplify::order
