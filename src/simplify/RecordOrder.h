@@ -74,12 +74,23 @@ template <class Xyz> std::vector<std::int32_t> mortonOrder(std::size_t points, X
         common &= key;
     }
     const std::uint64_t varies = n > 0 ? all & ~common : 0; // bits not equal in every key
-    for (int shift = 0; shift < 64; shift += 8) {
-        if (((varies >> shift) & 0xff) == 0) continue; // every key has this byte: order unchanged
-        std::array<std::uint32_t, 257> start{};
-        for (const Keyed& k : a) ++start[((k.key >> shift) & 0xff) + 1];
-        for (int d = 0; d < 256; ++d) start[static_cast<std::size_t>(d) + 1] += start[static_cast<std::size_t>(d)];
-        for (const Keyed& k : a) b[start[(k.key >> shift) & 0xff]++] = k;
+    // 11 bits at a time, every digit's counts in one pass; a digit every key shares is passed over
+    constexpr int kBits = 11, kDigits = 6;
+    constexpr std::uint64_t kMask = (1u << kBits) - 1;
+    std::vector<std::uint32_t> counts(static_cast<std::size_t>(kDigits) << kBits, 0);
+    for (const Keyed& k : a)
+        for (int d = 0; d < kDigits; ++d) ++counts[(static_cast<std::size_t>(d) << kBits) + ((k.key >> (d * kBits)) & kMask)];
+    for (int d = 0; d < kDigits; ++d) {
+        const int shift = d * kBits;
+        if (((varies >> shift) & kMask) == 0) continue; // order unchanged
+        std::uint32_t* start = counts.data() + (static_cast<std::size_t>(d) << kBits);
+        std::uint32_t sum = 0;
+        for (std::size_t v = 0; v <= kMask; ++v) {
+            const std::uint32_t c = start[v];
+            start[v] = sum;
+            sum += c;
+        }
+        for (const Keyed& k : a) b[start[(k.key >> shift) & kMask]++] = k;
         a.swap(b);
     }
     std::vector<std::int32_t> order(points, 0);

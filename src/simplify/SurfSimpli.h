@@ -257,6 +257,9 @@ public:
     // Renumber the records for locality when a group is read (on by default; the design's
     // indices stay at the interface either way, and the tests compare both settings).
     bool RenumberRecords = true;
+    // Read a group into a fresh model as whole arrays (on by default; the tests compare it with
+    // AddTriangle one triangle at a time, which it must equal record for record).
+    bool WholeExtraction = true;
 
     // Bytes held by the model now (arrays, lists, the copy for restarting, indexes, heap), and the
     // most it held since it was made.
@@ -343,24 +346,11 @@ private:
     static std::vector<std::int32_t> mapList(const std::vector<std::int32_t>& m, const std::int32_t* from, const std::int32_t* to);
     void pushIdentity(std::vector<std::int32_t>& ext, std::vector<std::int32_t>& in);
     void renumberForLocality();
-    // The group's triangles as read, in the design's order, corner k of triangle t at 3 t + k
-    // (extraction, SurfSimpliExtract.cpp).
-    struct ReadTris {
-        std::vector<Vec3> xyz;                       // each corner's position
-        std::vector<std::array<double, 4>> bn;       // each corner's brightness and normal
-        std::vector<std::array<double, 6>> uv;       // each triangle's texture coordinates
-        std::vector<std::array<double, 4>> plane;
-        std::vector<std::int32_t> bitmap;
-        std::vector<double> bright;
-        std::vector<std::array<std::int32_t, 3>> color;
-        std::size_t bytes() const;
-    };
-    void readGroup(int group, int count, ReadTris& in);
-    // Makes the model of a fresh SurfSimpli from the triangles at once, in the records' own order,
-    // as AddTriangle one by one and the renumbering make it; false (nothing done) when the input
-    // or the model is one it does not cover exactly.
-    bool buildWhole(ReadTris& in);
-    void addReadTriangles(const ReadTris& in); // AddTriangle for each, in order
+    // Extraction (SurfSimpliExtract.cpp): the whole group read into a fresh model at once, in the
+    // records' own order, equal to what AddTriangle one by one and renumberForLocality make;
+    // false (nothing read) when the model is not fresh. Otherwise the triangles are added one by one.
+    bool extractWhole(int group, int count);
+    void extractByTriangles(int group, int count);
 
     // The work of the public operations on the arrays' own record numbers.
     int bucketPoint(const double coords[3], int tri);

@@ -7,8 +7,8 @@
 //     order, that joins its two points either way (AddEdgeOfTri's search), has the ends of that
 //     pair, lists its triangles in pair order and is listed by its ends in the order of edges;
 //   - then the records are put in the order renumberForLocality gives them.
-// An input with a corner that is not a finite number, and a model that is not fresh, are left to
-// AddTriangle.
+// A corner with a NaN coordinate never matches (the scan's comparisons fail): it always makes a
+// point of its own. A model that is not fresh (Reset, nothing added) is built by AddTriangle.
 #include "simplify/SurfSimpli.h"
 
 #include "simplify/RecordOrder.h"
@@ -22,14 +22,42 @@ namespace simplify {
 
 namespace {
 
-std::uint64_t keyBits(double v) { return std::bit_cast<std::uint64_t>(v == 0.0 ? 0.0 : v); } // -0.0 == 0.0
-
+// The same for -0.0 and 0.0 (x + 0.0 is 0.0 for both and x for every other value).
 std::uint32_t positionHash(const double c[3]) {
-    std::uint64_t h = keyBits(c[0]) * 0x9E3779B97F4A7C15ULL;
-    h = (h ^ (h >> 29) ^ keyBits(c[1])) * 0xBF58476D1CE4E5B9ULL;
-    h = (h ^ (h >> 31) ^ keyBits(c[2])) * 0x94D049BB133111EBULL;
+    std::uint64_t h = std::bit_cast<std::uint64_t>(c[0] + 0.0) * 0x9E3779B97F4A7C15ULL;
+    h = (h ^ (h >> 29) ^ std::bit_cast<std::uint64_t>(c[1] + 0.0)) * 0xBF58476D1CE4E5B9ULL;
+    h = (h ^ (h >> 31) ^ std::bit_cast<std::uint64_t>(c[2] + 0.0)) * 0x94D049BB133111EBULL;
     return static_cast<std::uint32_t>(h ^ (h >> 32));
 }
+
+std::uint32_t pairHash(std::int32_t lo, std::int32_t hi) {
+    const std::uint64_t k = (static_cast<std::uint64_t>(static_cast<std::uint32_t>(lo)) << 32) | static_cast<std::uint32_t>(hi);
+    const std::uint64_t h = k * 0x9E3779B97F4A7C15ULL;
+    return static_cast<std::uint32_t>(h >> 32);
+}
+
+// An open-addressing table of record numbers (0: empty), at most half full.
+struct Slots {
+    std::vector<std::int32_t> at;
+    std::size_t mask = 0;
+    explicit Slots(std::size_t expected) {
+        std::size_t cap = 16;
+        while (cap < expected * 2) cap *= 2;
+        at.assign(cap, 0);
+        mask = cap - 1;
+    }
+    // Makes room when `records` (with slot 0) passes half the table: every record again by its hash.
+    template <class Hash> void grow(std::size_t records, Hash hash) {
+        if (records * 2 <= at.size()) return;
+        at.assign(at.size() * 2, 0);
+        mask = at.size() - 1;
+        for (std::size_t r = 1; r < records; ++r) {
+            std::size_t i = hash(r) & mask;
+            while (at[i] != 0) i = (i + 1) & mask;
+            at[i] = static_cast<std::int32_t>(r);
+        }
+    }
+};
 
 int octantOf(const double c[3], const double centre[3]) {
     return (c[0] < centre[0] ? 0 : 1) | (c[1] < centre[1] ? 0 : 2) | (c[2] < centre[2] ? 0 : 4);
@@ -47,44 +75,8 @@ constexpr int kNext[3] = {1, 2, 0}; // the pairs of AddTriangle: corners 1-2, 2-
 
 } // namespace
 
-std::size_t SurfSimpli::ReadTris::bytes() const {
-    return bytesOf(xyz) + bytesOf(bn) + bytesOf(uv) + bytesOf(plane) + bytesOf(bitmap) + bytesOf(bright) + bytesOf(color);
-}
-
-void SurfSimpli::readGroup(int group, int count, ReadTris& in) {
+void SurfSimpli::extractByTriangles(int group, int count) {
     const std::size_t expected = count > 0 ? static_cast<std::size_t>(count) : 0;
-    in.xyz.reserve(expected * 3);
-    in.bn.reserve(expected * 3);
-    in.uv.reserve(expected);
-    in.plane.reserve(expected);
-    in.bitmap.reserve(expected);
-    in.bright.reserve(expected);
-    in.color.reserve(expected);
-    constexpr int kChunk = 256;
-    std::vector<SimplifyTriangle> chunk(kChunk);
-    int done = 0;
-    for (int pol = engine_->group_get_first_polygon(group); pol != 0;) {
-        const int got = engine_->read_triangles(pol, chunk.data(), kChunk);
-        if (got <= 0) break;
-        for (int i = 0; i < got; ++i) {
-            const SimplifyTriangle& r = chunk[static_cast<std::size_t>(i)];
-            for (const auto& c : r.corners) {
-                in.xyz.push_back(Vec3{c[0], c[1], c[2]});
-                in.bn.push_back({c[5], c[6], c[7], c[8]});
-            }
-            in.uv.push_back({r.corners[0][3], r.corners[0][4], r.corners[1][3], r.corners[1][4], r.corners[2][3], r.corners[2][4]});
-            in.plane.push_back({r.plane[0], r.plane[1], r.plane[2], r.plane[3]});
-            in.bitmap.push_back(r.bitmap);
-            in.bright.push_back(r.brightness);
-            in.color.push_back({r.color[0], r.color[1], r.color[2]});
-            ++done;
-            if (progress_) progress_->setValue(done);
-        }
-    }
-}
-
-void SurfSimpli::addReadTriangles(const ReadTris& in) {
-    const std::size_t expected = in.plane.size();
     const std::size_t points = expected / 2 + 16, edges = expected * 3 / 2 + 16;
     tris_.reserve(expected + 1);
     tUV_.reserve(expected + 1);
@@ -104,169 +96,190 @@ void SurfSimpli::addReadTriangles(const ReadTris& in) {
     if (edgesInLists_) pFar_.reserve(points, points * 8);
     pointIndex_.reserve(points);
     if (!edgesInLists_) edgeIndex_.reserve(edges);
-    // While one triangle is added, the index slots of the corners a few triangles on are on
-    // their way in.
+    // The triangles are read a few hundred at a time, then added in the same order: while
+    // one is added, the index slots of the corners a few triangles on are on their way in.
+    constexpr int kChunk = 256;
     constexpr std::size_t kAhead = 8;
-    const std::size_t n = expected;
-    for (std::size_t t = 0; t < kAhead && t < n; ++t)
-        for (std::size_t k = 0; k < 3; ++k) prefetchPoint(in.xyz[t * 3 + k].data());
-    double c[3][9];
-    for (std::size_t t = 0; t < n; ++t) {
-        if (t + kAhead < n)
-            for (std::size_t k = 0; k < 3; ++k) prefetchPoint(in.xyz[(t + kAhead) * 3 + k].data());
-        for (std::size_t k = 0; k < 3; ++k) {
-            const Vec3& x = in.xyz[t * 3 + k];
-            const auto& b = in.bn[t * 3 + k];
-            c[k][0] = x[0];
-            c[k][1] = x[1];
-            c[k][2] = x[2];
-            c[k][3] = in.uv[t][k * 2];
-            c[k][4] = in.uv[t][k * 2 + 1];
-            c[k][5] = b[0];
-            c[k][6] = b[1];
-            c[k][7] = b[2];
-            c[k][8] = b[3];
+    std::vector<SimplifyTriangle> chunk(kChunk);
+    int done = 0;
+    for (int pol = engine_->group_get_first_polygon(group); pol != 0;) {
+        const int got = engine_->read_triangles(pol, chunk.data(), kChunk);
+        if (got <= 0) break;
+        const std::size_t n = static_cast<std::size_t>(got);
+        for (std::size_t i = 0; i < kAhead && i < n; ++i)
+            for (const auto& c : chunk[i].corners) prefetchPoint(c);
+        for (std::size_t i = 0; i < n; ++i) {
+            if (i + kAhead < n)
+                for (const auto& c : chunk[i + kAhead].corners) prefetchPoint(c);
+            SimplifyTriangle& r = chunk[i];
+            AddTriangle(r.corners[0], r.corners[1], r.corners[2], r.plane, r.bitmap, r.brightness, r.color);
+            ++done;
+            if (progress_) progress_->setValue(done);
         }
-        AddTriangle(c[0], c[1], c[2], in.plane[t].data(), in.bitmap[t], in.bright[t], in.color[t].data());
     }
+    if (progress_) progress_->setValue(0);
+    notePeak();
+    dropIndexes();
+    // the records in an order of their own, with the lists packed, before the copy is made
+    renumberForLocality();
 }
 
-bool SurfSimpli::buildWhole(ReadTris& in) {
-    const std::size_t n = in.plane.size(), corners = n * 3;
-    // a fresh model only (Reset, nothing added), and at most what 32-bit indices can number
-    if (n == 0 || corners >= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()) || TriCount() != 0 ||
-        PointCount() != 0 || EdgeCount() != 0 || !edgesInLists_)
-        return false;
+bool SurfSimpli::extractWhole(int group, int count) {
+    // a fresh model only: nothing added, contracted or restored since Reset
+    if (!WholeExtraction || TriCount() != 0 || PointCount() != 0 || EdgeCount() != 0 || !edgesInLists_) return false;
     for (const auto& b : buckets_)
         if (!b.empty()) return false;
-    // a NaN corner never matches (and an infinite one falls outside the Morton box): one by one
-    for (const Vec3& x : in.xyz)
-        if (!std::isfinite(x[0]) || !std::isfinite(x[1]) || !std::isfinite(x[2])) return false;
+    const std::size_t expected = count > 0 ? static_cast<std::size_t>(count) : 0;
+    const std::size_t expectPoints = expected / 2 + 16, expectEdges = expected * 3 / 2 + 16;
 
-    // ---- points: each corner takes the point of the first corner at its position ----
-    std::vector<std::uint32_t> hash(corners);
-    for (std::size_t c = 0; c < corners; ++c) hash[c] = positionHash(in.xyz[c].data());
-    std::size_t cap = 16;
-    while (cap < (n / 2 + 16) * 2) cap *= 2;
-    std::vector<std::int32_t> table(cap, 0);
-    std::size_t mask = cap - 1;
-    std::vector<Vec3> pos(1, Vec3{0, 0, 0});         // design point -> its position (its first corner's)
-    std::vector<std::uint32_t> posHash(1, 0);
-    std::vector<std::int32_t> last(1, 0);             // design point -> its last corner
-    std::vector<std::uint32_t> cornersOf(1, 0);       // design point -> its number of corners
-    for (auto* v : {&last}) v->reserve(n / 2 + 16);
-    pos.reserve(n / 2 + 16);
-    posHash.reserve(n / 2 + 16);
-    cornersOf.reserve(n / 2 + 16);
-    std::vector<std::int32_t> pid(corners);           // corner -> design point
-    constexpr std::size_t kAhead = 32;
-    for (std::size_t c = 0; c < corners; ++c) {
-        if (c + kAhead < corners) __builtin_prefetch(&table[hash[c + kAhead] & mask]);
-        const double* x = in.xyz[c].data();
-        std::size_t i = hash[c] & mask;
-        std::int32_t p;
-        for (;; i = (i + 1) & mask) {
-            p = table[i];
-            if (p == 0) {
-                p = static_cast<std::int32_t>(pos.size());
-                table[i] = p;
-                pos.push_back(Vec3{x[0], x[1], x[2]});
-                posHash.push_back(hash[c]);
-                last.push_back(0);
-                cornersOf.push_back(0);
-                if (pos.size() * 2 > cap) { // keep the table at most half full
-                    cap *= 2;
-                    mask = cap - 1;
-                    table.assign(cap, 0);
-                    for (std::size_t q = 1; q < pos.size(); ++q) {
-                        std::size_t j = posHash[q] & mask;
-                        while (table[j] != 0) j = (j + 1) & mask;
-                        table[j] = static_cast<std::int32_t>(q);
+    // per triangle, in the design's order (corner k of triangle t at 3 t + k, its pair k at 3 t + k)
+    std::vector<std::array<double, 6>> uvOf;
+    std::vector<std::array<double, 4>> planeOf;
+    std::vector<std::int32_t> bitmapOf;
+    std::vector<double> brightOf;
+    std::vector<std::array<std::int32_t, 3>> colorOf;
+    std::vector<std::int32_t> pid, es; // each corner's point, each pair's edge (design indices)
+    uvOf.resize(expected);
+    planeOf.resize(expected);
+    bitmapOf.resize(expected);
+    brightOf.resize(expected);
+    colorOf.resize(expected);
+    pid.resize(expected * 3);
+    es.resize(expected * 3);
+    // per point (slot 0 unused): position (its first corner's), the last corner's brightness and
+    // normal (as AddTriangle leaves them), numbers of corners and of edges
+    struct PointRead {
+        Vec3 pos;
+        std::array<double, 4> bn;
+        std::uint32_t hash, corners, degree;
+    };
+    std::vector<PointRead> pr(1, PointRead{});
+    pr.reserve(expectPoints);
+    // per edge: the ends of its first pair, its number of pairs
+    struct EdgeRead {
+        std::int32_t a, b;
+        std::uint32_t pairs;
+    };
+    std::vector<EdgeRead> er(1, EdgeRead{0, 0, 0});
+    er.reserve(expectEdges);
+    Slots pointAt(expectPoints), edgeAt(expectEdges);
+
+    constexpr int kChunk = 256;
+    constexpr std::size_t kAhead = 16;
+    std::vector<SimplifyTriangle> chunk(kChunk);
+    std::vector<std::uint32_t> hashes(kChunk * 3);
+    int done = 0;
+    std::size_t tris = 0; // read so far
+    auto makeRoom = [&](std::size_t need) {
+        if (need <= planeOf.size()) return;
+        const std::size_t room = std::max(need, planeOf.size() * 2);
+        uvOf.resize(room);
+        planeOf.resize(room);
+        bitmapOf.resize(room);
+        brightOf.resize(room);
+        colorOf.resize(room);
+        pid.resize(room * 3);
+        es.resize(room * 3);
+    };
+    for (int pol = engine_->group_get_first_polygon(group); pol != 0;) {
+        const int got = engine_->read_triangles(pol, chunk.data(), kChunk);
+        if (got <= 0) break;
+        const std::size_t n = static_cast<std::size_t>(got), t0 = tris;
+        makeRoom(t0 + n);
+        for (std::size_t i = 0; i < n; ++i) {
+            const SimplifyTriangle& r = chunk[i];
+            uvOf[t0 + i] = {r.corners[0][3], r.corners[0][4], r.corners[1][3], r.corners[1][4], r.corners[2][3], r.corners[2][4]};
+            planeOf[t0 + i] = {r.plane[0], r.plane[1], r.plane[2], r.plane[3]};
+            bitmapOf[t0 + i] = r.bitmap;
+            brightOf[t0 + i] = r.brightness;
+            colorOf[t0 + i] = {r.color[0], r.color[1], r.color[2]};
+            for (std::size_t k = 0; k < 3; ++k) hashes[i * 3 + k] = positionHash(r.corners[k]);
+            ++done;
+            if (progress_) progress_->setValue(done);
+        }
+        tris += n;
+        // points: each corner takes the point of the first corner at its position
+        const std::size_t corners = n * 3;
+        std::int32_t* cp = pid.data() + t0 * 3;
+        for (std::size_t c = 0; c < kAhead && c < corners; ++c) __builtin_prefetch(&pointAt.at[hashes[c] & pointAt.mask]);
+        for (std::size_t i = 0, c = 0; i < n; ++i)
+            for (std::size_t k = 0; k < 3; ++k, ++c) {
+                if (c + kAhead < corners) __builtin_prefetch(&pointAt.at[hashes[c + kAhead] & pointAt.mask]);
+                const double* x = chunk[i].corners[k];
+                std::int32_t p = 0;
+                std::size_t at = hashes[c] & pointAt.mask;
+                for (;; at = (at + 1) & pointAt.mask) { // a NaN coordinate never compares equal
+                    p = pointAt.at[at];
+                    if (p == 0) break;
+                    const Vec3& y = pr[static_cast<std::size_t>(p)].pos;
+                    if (y[0] == x[0] && y[1] == x[1] && y[2] == x[2]) break;
+                }
+                if (p == 0) { // a new point; one with a NaN coordinate is never found, so not entered
+                    p = static_cast<std::int32_t>(pr.size());
+                    pr.push_back(PointRead{Vec3{x[0], x[1], x[2]}, {}, hashes[c], 0, 0});
+                    if (!std::isnan(x[0]) && !std::isnan(x[1]) && !std::isnan(x[2])) {
+                        pointAt.at[at] = p;
+                        pointAt.grow(pr.size(), [&](std::size_t q) { return pr[q].hash; });
                     }
                 }
-                break;
+                cp[c] = p;
+                PointRead& P = pr[static_cast<std::size_t>(p)];
+                P.bn = {x[5], x[6], x[7], x[8]};
+                ++P.corners;
             }
-            const Vec3& y = pos[static_cast<std::size_t>(p)];
-            if (y[0] == x[0] && y[1] == x[1] && y[2] == x[2]) break;
+        // edges: the pairs 1-2, 2-3, 3-1 of each triangle take the edge of the first pair of the
+        // same two points, either way round
+        for (std::size_t i = 0; i < n; ++i) {
+            const std::int32_t* q = cp + i * 3;
+            hashes[i * 3] = pairHash(std::min(q[0], q[1]), std::max(q[0], q[1]));
+            hashes[i * 3 + 1] = pairHash(std::min(q[1], q[2]), std::max(q[1], q[2]));
+            hashes[i * 3 + 2] = pairHash(std::min(q[2], q[0]), std::max(q[2], q[0]));
         }
-        pid[c] = p;
-        last[static_cast<std::size_t>(p)] = static_cast<std::int32_t>(c);
-        ++cornersOf[static_cast<std::size_t>(p)];
+        std::int32_t* ep = es.data() + t0 * 3;
+        for (std::size_t s = 0; s < kAhead && s < corners; ++s) __builtin_prefetch(&edgeAt.at[hashes[s] & edgeAt.mask]);
+        for (std::size_t i = 0, s = 0; i < n; ++i)
+            for (std::size_t j = 0; j < 3; ++j, ++s) {
+                if (s + kAhead < corners) __builtin_prefetch(&edgeAt.at[hashes[s + kAhead] & edgeAt.mask]);
+                const std::int32_t a = cp[s], b = cp[i * 3 + static_cast<std::size_t>(kNext[j])];
+                std::int32_t e = 0;
+                std::size_t at = hashes[s] & edgeAt.mask;
+                for (;; at = (at + 1) & edgeAt.mask) {
+                    e = edgeAt.at[at];
+                    if (e == 0) break;
+                    const EdgeRead& x = er[static_cast<std::size_t>(e)];
+                    if ((x.a == a && x.b == b) || (x.a == b && x.b == a)) break;
+                }
+                if (e == 0) {
+                    e = static_cast<std::int32_t>(er.size());
+                    er.push_back(EdgeRead{a, b, 0});
+                    ++pr[static_cast<std::size_t>(a)].degree;
+                    if (b != a) ++pr[static_cast<std::size_t>(b)].degree;
+                    edgeAt.at[at] = e;
+                    edgeAt.grow(er.size(), [&](std::size_t f) {
+                        const EdgeRead& x = er[f];
+                        return pairHash(std::min(x.a, x.b), std::max(x.a, x.b));
+                    });
+                }
+                ep[s] = e;
+                ++er[static_cast<std::size_t>(e)].pairs;
+            }
     }
-    const std::size_t points = pos.size(); // with slot 0
-    notePeak(in.bytes() + bytesOf(hash) + bytesOf(table) + bytesOf(pos) + bytesOf(posHash) + bytesOf(last) +
-             bytesOf(cornersOf) + bytesOf(pid));
-    std::vector<std::uint32_t>().swap(hash);
-    std::vector<std::int32_t>().swap(table);
-    std::vector<std::uint32_t>().swap(posHash);
-    std::vector<Vec3>().swap(in.xyz);
-
-    // ---- edges: the pairs in AddTriangle's order; slot 3 t + j joins corners j and j + 1 ----
-    // Slots grouped by their lower point (counting sort, slot order kept), then by the other.
-    struct Pair {
-        std::int32_t hi, slot;
+    if (progress_) progress_->setValue(0);
+    const std::size_t n = tris, points = pr.size(), edges = er.size();
+    auto scratch = [&] {
+        return bytesOf(uvOf) + bytesOf(planeOf) + bytesOf(bitmapOf) + bytesOf(brightOf) + bytesOf(colorOf) + bytesOf(pid) +
+               bytesOf(es) + bytesOf(pr) + bytesOf(er) + bytesOf(pointAt.at) + bytesOf(edgeAt.at) + bytesOf(chunk) + bytesOf(hashes);
     };
-    std::vector<std::int32_t> at(points + 1, 0);
-    for (std::size_t t = 0; t < n; ++t)
-        for (int j = 0; j < 3; ++j)
-            ++at[static_cast<std::size_t>(std::min(pid[t * 3 + static_cast<std::size_t>(j)], pid[t * 3 + static_cast<std::size_t>(kNext[j])])) + 1];
-    for (std::size_t p = 0; p < points; ++p) at[p + 1] += at[p];
-    std::vector<Pair> byLow(corners);
-    for (std::size_t t = 0; t < n; ++t)
-        for (int j = 0; j < 3; ++j) {
-            const std::int32_t a = pid[t * 3 + static_cast<std::size_t>(j)], b = pid[t * 3 + static_cast<std::size_t>(kNext[j])];
-            byLow[static_cast<std::size_t>(at[static_cast<std::size_t>(std::min(a, b))]++)] =
-                Pair{std::max(a, b), static_cast<std::int32_t>(t * 3 + static_cast<std::size_t>(j))};
-        }
-    // es: first the first slot of the same pair of points, then the design edge of each slot
-    std::vector<std::int32_t> es(corners);
-    for (std::size_t p = 1, from = static_cast<std::size_t>(at[0]); p < points; from = static_cast<std::size_t>(at[p]), ++p) {
-        const std::size_t to = static_cast<std::size_t>(at[p]);
-        if (to - from <= 32) {
-            for (std::size_t i = from; i < to; ++i) {
-                std::int32_t first = byLow[i].slot;
-                for (std::size_t k = from; k < i; ++k)
-                    if (byLow[k].hi == byLow[i].hi) {
-                        first = byLow[k].slot;
-                        break;
-                    }
-                es[static_cast<std::size_t>(byLow[i].slot)] = first;
-            }
-        } else { // a point with many triangles: sorted by (other point, slot)
-            std::sort(byLow.begin() + static_cast<std::ptrdiff_t>(from), byLow.begin() + static_cast<std::ptrdiff_t>(to),
-                      [](const Pair& x, const Pair& y) { return x.hi != y.hi ? x.hi < y.hi : x.slot < y.slot; });
-            for (std::size_t i = from; i < to; ++i)
-                es[static_cast<std::size_t>(byLow[i].slot)] = i > from && byLow[i - 1].hi == byLow[i].hi
-                                                                  ? es[static_cast<std::size_t>(byLow[i - 1].slot)]
-                                                                  : byLow[i].slot;
-        }
-    }
-    std::vector<Pair>().swap(byLow);
-    std::vector<std::int32_t>().swap(at);
-    // numbered by their first slot; an edge has the ends of that slot's pair
-    std::vector<std::int32_t> ea(1, 0), eb(1, 0);
-    ea.reserve(corners / 2 + 16);
-    eb.reserve(corners / 2 + 16);
-    for (std::size_t t = 0; t < n; ++t)
-        for (int j = 0; j < 3; ++j) {
-            const std::size_t s = t * 3 + static_cast<std::size_t>(j);
-            const std::int32_t first = es[s];
-            if (static_cast<std::size_t>(first) == s) {
-                es[s] = static_cast<std::int32_t>(ea.size());
-                ea.push_back(pid[s]);
-                eb.push_back(pid[t * 3 + static_cast<std::size_t>(kNext[j])]);
-            } else {
-                es[s] = es[static_cast<std::size_t>(first)];
-            }
-        }
-    const std::size_t edges = ea.size(); // with slot 0
+    notePeak(scratch());
+    std::vector<std::int32_t>().swap(pointAt.at);
+    std::vector<std::int32_t>().swap(edgeAt.at);
 
     // ---- the records' own order (renumberForLocality) ----
     const bool renumber = RenumberRecords && points >= 3;
-    std::vector<std::int32_t> ptOrder = renumber ? order::mortonOrder(points, [&](std::size_t p) { return pos[p].data(); }) : identity(points);
+    std::vector<std::int32_t> ptOrder = renumber ? order::mortonOrder(points, [&](std::size_t p) { return pr[p].pos.data(); }) : identity(points);
     std::vector<std::int32_t> newPt = order::inverse(ptOrder);
     std::vector<std::int32_t> edgeOrder = renumber ? order::countingOrder(edges, points, [&](std::size_t e) {
-        return std::min(newPt[static_cast<std::size_t>(ea[e])], newPt[static_cast<std::size_t>(eb[e])]);
+        return std::min(newPt[static_cast<std::size_t>(er[e].a)], newPt[static_cast<std::size_t>(er[e].b)]);
     }) : identity(edges);
     std::vector<std::int32_t> triOrder = renumber ? order::countingOrder(n + 1, points, [&](std::size_t t) {
         const std::size_t c = (t - 1) * 3;
@@ -296,38 +309,30 @@ bool SurfSimpli::buildWhole(ReadTris& in) {
         normal.push_back(Vec3{0, 0, 0});
         for (std::size_t i = 1; i < points; ++i) {
             const std::size_t p = static_cast<std::size_t>(ptOrder[i]);
-            hot.push_back(PointHot{{}, {}, {pos[p][0], pos[p][1], pos[p][2]}});
-            const auto& b = in.bn[static_cast<std::size_t>(last[p])]; // the last corner's, as AddTriangle leaves it
-            bright.push_back(b[0]);
-            normal.push_back(Vec3{b[1], b[2], b[3]});
+            const PointRead& P = pr[p];
+            hot.push_back(PointHot{{}, {}, {P.pos[0], P.pos[1], P.pos[2]}});
+            bright.push_back(P.bn[0]);
+            normal.push_back(Vec3{P.bn[1], P.bn[2], P.bn[3]});
         }
         pts_.swap(hot);
         pBright_.swap(bright);
         pNormal_.swap(normal);
     }
-    std::vector<std::array<double, 4>>().swap(in.bn);
-    // triangles of each point, in corner order
     ListPool ptTris, ptEdges, edgeTris;
-    ptTris.shape(points, [&](std::size_t i) { return cornersOf[static_cast<std::size_t>(ptOrder[i])]; }, slack);
-    for (std::size_t c = 0; c < corners; ++c) ptTris.fill(static_cast<std::size_t>(np(pid[c])), newTri[c / 3 + 1]);
+    // triangles of each point, in corner order
+    ptTris.shape(points, [&](std::size_t i) { return pr[static_cast<std::size_t>(ptOrder[i])].corners; }, slack);
+    for (std::size_t t = 0; t < n; ++t)
+        for (std::size_t k = 0; k < 3; ++k) ptTris.fill(static_cast<std::size_t>(np(pid[t * 3 + k])), newTri[t + 1]);
     // edges of each point (once for an edge from a point to itself), in the order of the edges
-    std::vector<std::uint32_t> degree(points, 0);
+    ptEdges.shape(points, [&](std::size_t i) { return pr[static_cast<std::size_t>(ptOrder[i])].degree; }, slack);
     for (std::size_t e = 1; e < edges; ++e) {
-        ++degree[static_cast<std::size_t>(ea[e])];
-        if (eb[e] != ea[e]) ++degree[static_cast<std::size_t>(eb[e])];
+        ptEdges.fill(static_cast<std::size_t>(np(er[e].a)), newEdge[e]);
+        if (er[e].b != er[e].a) ptEdges.fill(static_cast<std::size_t>(np(er[e].b)), newEdge[e]);
     }
-    ptEdges.shape(points, [&](std::size_t i) { return degree[static_cast<std::size_t>(ptOrder[i])]; }, slack);
-    for (std::size_t e = 1; e < edges; ++e) {
-        ptEdges.fill(static_cast<std::size_t>(np(ea[e])), newEdge[e]);
-        if (eb[e] != ea[e]) ptEdges.fill(static_cast<std::size_t>(np(eb[e])), newEdge[e]);
-    }
-    std::vector<std::uint32_t>().swap(degree);
-    // triangles of each edge, in the order of the slots
-    std::vector<std::uint32_t> slotsOf(edges, 0);
-    for (std::size_t s = 0; s < corners; ++s) ++slotsOf[static_cast<std::size_t>(es[s])];
-    edgeTris.shape(edges, [&](std::size_t i) { return slotsOf[static_cast<std::size_t>(edgeOrder[i])]; }, 0);
-    for (std::size_t s = 0; s < corners; ++s) edgeTris.fill(static_cast<std::size_t>(ne(es[s])), newTri[s / 3 + 1]);
-    std::vector<std::uint32_t>().swap(slotsOf);
+    // triangles of each edge, in the order of the pairs
+    edgeTris.shape(edges, [&](std::size_t i) { return er[static_cast<std::size_t>(edgeOrder[i])].pairs; }, 0);
+    for (std::size_t t = 0; t < n; ++t)
+        for (std::size_t j = 0; j < 3; ++j) edgeTris.fill(static_cast<std::size_t>(ne(es[t * 3 + j])), newTri[t + 1]);
     if (!renumber) { // as compact leaves the pools of a group read one by one
         ptTris.setFirstRoom(8);
         ptEdges.setFirstRoom(8);
@@ -338,48 +343,48 @@ bool SurfSimpli::buildWhole(ReadTris& in) {
 
     // ---- edges ----
     {
-        BigVector<EdgeHot> hot;
-        hot.reserve(edges);
-        hot.push_back(EdgeHot{0, 0, 0.0, {0, 0, 0}, false, false});
+        BigVector<EdgeHot> hot(edges, EdgeHot{0, 0, 0.0, {0, 0, 0}, false, false});
         for (std::size_t i = 1; i < edges; ++i) {
-            const std::size_t e = static_cast<std::size_t>(edgeOrder[i]);
-            hot.push_back(EdgeHot{np(ea[e]), np(eb[e]), 0.0, {0, 0, 0}, true, false});
+            const EdgeRead& x = er[static_cast<std::size_t>(edgeOrder[i])];
+            EdgeHot& E = hot[i];
+            E.a = np(x.a);
+            E.b = np(x.b);
+            E.valid = true;
         }
         edges_.swap(hot);
     }
 
     // ---- triangles ----
     {
-        const std::size_t tris = n + 1;
+        const std::size_t records = n + 1;
         BigVector<TriHot> hot;
         BigVector<std::array<double, 6>> uv;
         BigVector<std::int32_t> bitmap;
         BigVector<double> bright;
         BigVector<std::array<std::int32_t, 3>> color;
-        hot.reserve(tris);
-        uv.reserve(tris);
-        bitmap.reserve(tris);
-        bright.reserve(tris);
-        color.reserve(tris);
+        hot.reserve(records);
+        uv.reserve(records);
+        bitmap.reserve(records);
+        bright.reserve(records);
+        color.reserve(records);
         hot.push_back(TriHot{});
         uv.push_back({});
         bitmap.push_back(0);
         bright.push_back(0.0);
         color.push_back({0, 0, 0});
-        for (std::size_t i = 1; i < tris; ++i) {
+        for (std::size_t i = 1; i < records; ++i) {
             const std::size_t t = static_cast<std::size_t>(triOrder[i]) - 1, c = t * 3;
-            TriHot T{};
-            for (int k = 0; k < 4; ++k) T.plane[k] = in.plane[t][static_cast<std::size_t>(k)];
+            TriHot& T = hot.emplace_back();
+            for (std::size_t k = 0; k < 4; ++k) T.plane[k] = planeOf[t][k];
             for (std::size_t k = 0; k < 3; ++k) {
                 T.pts[k] = np(pid[c + k]);
                 T.edges[k] = ne(es[c + k]);
             }
             T.valid = true;
-            hot.push_back(T);
-            uv.push_back(in.uv[t]);
-            bitmap.push_back(in.bitmap[t]);
-            bright.push_back(in.bright[t]);
-            color.push_back(in.color[t]);
+            uv.push_back(uvOf[t]);
+            bitmap.push_back(bitmapOf[t]);
+            bright.push_back(brightOf[t]);
+            color.push_back(colorOf[t]);
         }
         tris_.swap(hot);
         tUV_.swap(uv);
@@ -391,17 +396,19 @@ bool SurfSimpli::buildWhole(ReadTris& in) {
     // ---- the buckets of the simplification mesh: each point by its first corner, in order ----
     std::array<std::size_t, 8> inOctant{};
     std::vector<std::uint8_t> octant(points, 0);
-    for (std::size_t p = 1; p < points; ++p) ++inOctant[static_cast<std::size_t>(octant[p] = static_cast<std::uint8_t>(octantOf(pos[p].data(), octantCentre_)))];
+    for (std::size_t p = 1; p < points; ++p) {
+        octant[p] = static_cast<std::uint8_t>(octantOf(pr[p].pos.data(), octantCentre_));
+        ++inOctant[octant[p]];
+    }
     for (std::size_t o = 0; o < 8; ++o) buckets_[o].reserve(inOctant[o]);
     for (std::size_t p = 1; p < points; ++p) {
         SimpBucketEntry entry;
         entry.Point = static_cast<std::int32_t>(p);
-        for (std::size_t k = 0; k < 3; ++k) entry.Coords[k] = pos[p][k];
+        for (std::size_t k = 0; k < 3; ++k) entry.Coords[k] = pr[p].pos[k];
         buckets_[octant[p]].push_back(entry);
     }
 
-    notePeak(in.bytes() + bytesOf(pos) + bytesOf(last) + bytesOf(cornersOf) + bytesOf(pid) + bytesOf(es) + bytesOf(ea) +
-             bytesOf(eb) + bytesOf(octant) + (bytesOf(ptOrder) + bytesOf(newPt)) + bytesOf(edgeOrder) + bytesOf(newEdge) +
+    notePeak(scratch() + bytesOf(octant) + bytesOf(ptOrder) + bytesOf(newPt) + bytesOf(edgeOrder) + bytesOf(newEdge) +
              bytesOf(triOrder) + bytesOf(newTri));
     extOfPt_ = std::move(ptOrder);
     ptOfExt_ = std::move(newPt);

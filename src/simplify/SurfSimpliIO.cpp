@@ -19,19 +19,7 @@ void SurfSimpli::ExtractTriangles(int group) {
         }
         engine_->group_get_center_of_mass(group, octantCentre_);
         outputGroup_ = group;
-        // Every triangle is read first; then the model is made from the arrays at once, or,
-        // for an input the whole-array build does not cover, one triangle at a time.
-        ReadTris in;
-        readGroup(group, count, in);
-        if (progress_) progress_->setValue(0);
-        if (!buildWhole(in)) {
-            addReadTriangles(in);
-            notePeak(in.bytes());
-            in = ReadTris{};
-            dropIndexes();
-            // the records in an order of their own, with the lists packed, before the copy is made
-            renumberForLocality();
-        }
+        if (!extractWhole(group, count)) extractByTriangles(group, count);
         CopyGeomForRestore();
         triTotal_ = TriCount();
     });
