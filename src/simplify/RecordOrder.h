@@ -11,24 +11,37 @@ namespace simplify::order {
 
 // Spreads the low 21 bits of v to every third bit.
 inline std::uint64_t spread3(std::uint64_t v) {
-    v &= 0x1fffff;
-    v = (v | v << 32) & 0x1f00000000ffffULL;
-    v = (v | v << 16) & 0x1f0000ff0000ffULL;
-    v = (v | v << 8) & 0x100f00f00f00f00fULL;
-    v = (v | v << 4) & 0x10c30c30c30c30c3ULL;
-    v = (v | v << 2) & 0x1249249249249249ULL;
-    return v;
+    struct Table {
+        std::uint64_t of[256];
+        constexpr Table() : of{} {
+            for (unsigned i = 0; i < 256; ++i)
+                for (unsigned b = 0; b < 8; ++b)
+                    if (i >> b & 1u) of[i] |= std::uint64_t{1} << (3 * b);
+        }
+    };
+    static constexpr Table t;
+    return t.of[v & 0xff] | t.of[(v >> 8) & 0xff] << 24 | t.of[(v >> 16) & 0x1f] << 48;
 }
 
 // Records 1 .. records - 1 grouped by a key from 0 to keys - 1, in their present order within a
 // key: answers the old record number of each new one (slot 0 stays 0).
+// With `inverse`, also the new record of each old one.
 template <class Key>
-std::vector<std::int32_t> countingOrder(std::size_t records, std::size_t keys, Key key) {
-    std::vector<std::int32_t> start(keys + 1, 0);
-    for (std::size_t i = 1; i < records; ++i) ++start[static_cast<std::size_t>(key(i)) + 1];
+std::vector<std::int32_t> countingOrder(std::size_t records, std::size_t keys, Key key, std::vector<std::int32_t>* inverse = nullptr) {
+    std::vector<std::int32_t> start(keys + 1, 0), keyOf(records);
+    for (std::size_t i = 1; i < records; ++i) {
+        const auto k = static_cast<std::size_t>(key(i));
+        keyOf[i] = static_cast<std::int32_t>(k);
+        ++start[k + 1];
+    }
     for (std::size_t k = 0; k < keys; ++k) start[k + 1] += start[k];
     std::vector<std::int32_t> order(records, 0);
-    for (std::size_t i = 1; i < records; ++i) order[static_cast<std::size_t>(1 + start[static_cast<std::size_t>(key(i))]++)] = static_cast<std::int32_t>(i);
+    if (inverse) inverse->assign(records, 0);
+    for (std::size_t i = 1; i < records; ++i) {
+        const std::int32_t at = 1 + start[static_cast<std::size_t>(keyOf[i])]++;
+        order[static_cast<std::size_t>(at)] = static_cast<std::int32_t>(i);
+        if (inverse) (*inverse)[i] = at;
+    }
     return order;
 }
 

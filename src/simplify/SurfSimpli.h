@@ -451,6 +451,7 @@ private:
     bool cancelled_ = false;
     bool costlyContraction_ = false;
     bool pristine_ = false; // the arrays equal the copy for restarting (no restore copy needed)
+    bool extractedZero_ = false; // extractWhole left every quadric, placement and cost zero: the copy need not look
     int minEdge_ = -1;
     double minCost_ = 0;
     std::size_t peakBytes_ = 0;

@@ -17,6 +17,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <memory>
 
 namespace simplify {
 
@@ -70,6 +71,28 @@ std::vector<std::int32_t> identity(std::size_t n) {
     for (std::size_t i = 0; i < n; ++i) v[i] = static_cast<std::int32_t>(i);
     return v;
 }
+
+// A scratch array whose room is not cleared: every entry is written before it is read.
+template <class T> class Scratch {
+public:
+    // Room for n entries, keeping the first `used`.
+    void grow(std::size_t n, std::size_t used) {
+        if (n <= room_) return;
+        std::unique_ptr<T[]> more = std::make_unique_for_overwrite<T[]>(n);
+        std::copy(data_.get(), data_.get() + used, more.get());
+        data_ = std::move(more);
+        room_ = n;
+    }
+    std::size_t room() const { return room_; }
+    std::size_t bytes() const { return room_ * sizeof(T); }
+    T* data() { return data_.get(); }
+    T& operator[](std::size_t i) { return data_[i]; }
+    const T& operator[](std::size_t i) const { return data_[i]; }
+
+private:
+    std::unique_ptr<T[]> data_;
+    std::size_t room_ = 0;
+};
 
 constexpr int kNext[3] = {1, 2, 0}; // the pairs of AddTriangle: corners 1-2, 2-3, 3-1
 
@@ -133,19 +156,12 @@ bool SurfSimpli::extractWhole(int group, int count) {
     const std::size_t expectPoints = expected / 2 + 16, expectEdges = expected * 3 / 2 + 16;
 
     // per triangle, in the design's order (corner k of triangle t at 3 t + k, its pair k at 3 t + k)
-    std::vector<std::array<double, 6>> uvOf;
-    std::vector<std::array<double, 4>> planeOf;
-    std::vector<std::int32_t> bitmapOf;
-    std::vector<double> brightOf;
-    std::vector<std::array<std::int32_t, 3>> colorOf;
-    std::vector<std::int32_t> pid, es; // each corner's point, each pair's edge (design indices)
-    uvOf.resize(expected);
-    planeOf.resize(expected);
-    bitmapOf.resize(expected);
-    brightOf.resize(expected);
-    colorOf.resize(expected);
-    pid.resize(expected * 3);
-    es.resize(expected * 3);
+    Scratch<std::array<double, 6>> uvOf;
+    Scratch<std::array<double, 4>> planeOf;
+    Scratch<std::int32_t> bitmapOf;
+    Scratch<double> brightOf;
+    Scratch<std::array<std::int32_t, 3>> colorOf;
+    Scratch<std::int32_t> pid, es; // each corner's point, each pair's edge (design indices)
     // per point (slot 0 unused): position (its first corner's), the last corner's brightness and
     // normal (as AddTriangle leaves them), numbers of corners and of edges
     struct PointRead {
@@ -165,21 +181,20 @@ bool SurfSimpli::extractWhole(int group, int count) {
     Slots pointAt(expectPoints), edgeAt(expectEdges);
 
     constexpr int kChunk = 256;
-    constexpr std::size_t kAhead = 16;
     std::vector<SimplifyTriangle> chunk(kChunk);
     std::vector<std::uint32_t> hashes(kChunk * 3);
     int done = 0;
     std::size_t tris = 0; // read so far
     auto makeRoom = [&](std::size_t need) {
-        if (need <= planeOf.size()) return;
-        const std::size_t room = std::max(need, planeOf.size() * 2);
-        uvOf.resize(room);
-        planeOf.resize(room);
-        bitmapOf.resize(room);
-        brightOf.resize(room);
-        colorOf.resize(room);
-        pid.resize(room * 3);
-        es.resize(room * 3);
+        if (need <= planeOf.room()) return;
+        const std::size_t room = std::max({need, expected, planeOf.room() * 2});
+        uvOf.grow(room, tris);
+        planeOf.grow(room, tris);
+        bitmapOf.grow(room, tris);
+        brightOf.grow(room, tris);
+        colorOf.grow(room, tris);
+        pid.grow(room * 3, tris * 3);
+        es.grow(room * 3, tris * 3);
     };
     for (int pol = engine_->group_get_first_polygon(group); pol != 0;) {
         const int got = engine_->read_triangles(pol, chunk.data(), kChunk);
@@ -193,18 +208,19 @@ bool SurfSimpli::extractWhole(int group, int count) {
             bitmapOf[t0 + i] = r.bitmap;
             brightOf[t0 + i] = r.brightness;
             colorOf[t0 + i] = {r.color[0], r.color[1], r.color[2]};
-            for (std::size_t k = 0; k < 3; ++k) hashes[i * 3 + k] = positionHash(r.corners[k]);
+            for (std::size_t k = 0; k < 3; ++k) {
+                const std::uint32_t h = positionHash(r.corners[k]);
+                hashes[i * 3 + k] = h;
+                __builtin_prefetch(&pointAt.at[h & pointAt.mask]); // on its way in by the search below
+            }
             ++done;
             if (progress_) progress_->setValue(done);
         }
         tris += n;
         // points: each corner takes the point of the first corner at its position
-        const std::size_t corners = n * 3;
         std::int32_t* cp = pid.data() + t0 * 3;
-        for (std::size_t c = 0; c < kAhead && c < corners; ++c) __builtin_prefetch(&pointAt.at[hashes[c] & pointAt.mask]);
         for (std::size_t i = 0, c = 0; i < n; ++i)
             for (std::size_t k = 0; k < 3; ++k, ++c) {
-                if (c + kAhead < corners) __builtin_prefetch(&pointAt.at[hashes[c + kAhead] & pointAt.mask]);
                 const double* x = chunk[i].corners[k];
                 std::int32_t p = 0;
                 std::size_t at = hashes[c] & pointAt.mask;
@@ -234,12 +250,11 @@ bool SurfSimpli::extractWhole(int group, int count) {
             hashes[i * 3] = pairHash(std::min(q[0], q[1]), std::max(q[0], q[1]));
             hashes[i * 3 + 1] = pairHash(std::min(q[1], q[2]), std::max(q[1], q[2]));
             hashes[i * 3 + 2] = pairHash(std::min(q[2], q[0]), std::max(q[2], q[0]));
+            for (std::size_t j = 0; j < 3; ++j) __builtin_prefetch(&edgeAt.at[hashes[i * 3 + j] & edgeAt.mask]);
         }
         std::int32_t* ep = es.data() + t0 * 3;
-        for (std::size_t s = 0; s < kAhead && s < corners; ++s) __builtin_prefetch(&edgeAt.at[hashes[s] & edgeAt.mask]);
         for (std::size_t i = 0, s = 0; i < n; ++i)
             for (std::size_t j = 0; j < 3; ++j, ++s) {
-                if (s + kAhead < corners) __builtin_prefetch(&edgeAt.at[hashes[s + kAhead] & edgeAt.mask]);
                 const std::int32_t a = cp[s], b = cp[i * 3 + static_cast<std::size_t>(kNext[j])];
                 std::int32_t e = 0;
                 std::size_t at = hashes[s] & edgeAt.mask;
@@ -267,8 +282,8 @@ bool SurfSimpli::extractWhole(int group, int count) {
     if (progress_) progress_->setValue(0);
     const std::size_t n = tris, points = pr.size(), edges = er.size();
     auto scratch = [&] {
-        return bytesOf(uvOf) + bytesOf(planeOf) + bytesOf(bitmapOf) + bytesOf(brightOf) + bytesOf(colorOf) + bytesOf(pid) +
-               bytesOf(es) + bytesOf(pr) + bytesOf(er) + bytesOf(pointAt.at) + bytesOf(edgeAt.at) + bytesOf(chunk) + bytesOf(hashes);
+        return uvOf.bytes() + planeOf.bytes() + bitmapOf.bytes() + brightOf.bytes() + colorOf.bytes() + pid.bytes() + es.bytes() +
+               bytesOf(pr) + bytesOf(er) + bytesOf(pointAt.at) + bytesOf(edgeAt.at) + bytesOf(chunk) + bytesOf(hashes);
     };
     notePeak(scratch());
     std::vector<std::int32_t>().swap(pointAt.at);
@@ -278,15 +293,19 @@ bool SurfSimpli::extractWhole(int group, int count) {
     const bool renumber = RenumberRecords && points >= 3;
     std::vector<std::int32_t> ptOrder = renumber ? order::mortonOrder(points, [&](std::size_t p) { return pr[p].pos.data(); }) : identity(points);
     std::vector<std::int32_t> newPt = order::inverse(ptOrder);
+    std::vector<std::int32_t> newEdge, newTri;
     std::vector<std::int32_t> edgeOrder = renumber ? order::countingOrder(edges, points, [&](std::size_t e) {
         return std::min(newPt[static_cast<std::size_t>(er[e].a)], newPt[static_cast<std::size_t>(er[e].b)]);
-    }) : identity(edges);
+    }, &newEdge) : identity(edges);
     std::vector<std::int32_t> triOrder = renumber ? order::countingOrder(n + 1, points, [&](std::size_t t) {
         const std::size_t c = (t - 1) * 3;
         return std::min({newPt[static_cast<std::size_t>(pid[c])], newPt[static_cast<std::size_t>(pid[c + 1])],
                          newPt[static_cast<std::size_t>(pid[c + 2])]});
-    }) : identity(n + 1);
-    std::vector<std::int32_t> newEdge = order::inverse(edgeOrder), newTri = order::inverse(triOrder);
+    }, &newTri) : identity(n + 1);
+    if (!renumber) {
+        newEdge = edgeOrder;
+        newTri = triOrder;
+    }
     auto np = [&](std::int32_t p) { return newPt[static_cast<std::size_t>(p)]; };
     auto ne = [&](std::int32_t e) { return newEdge[static_cast<std::size_t>(e)]; };
     // A kept point's lists take in the gone point's: room for four more entries when renumbered
@@ -419,6 +438,7 @@ bool SurfSimpli::extractWhole(int group, int count) {
 
     // the state AddTriangle, dropIndexes and renumberForLocality leave
     pristine_ = false;
+    extractedZero_ = true;
     edgesInLists_ = false;
     pFar_ = ListPool{};
     pointIndex_.release();
