@@ -1,6 +1,8 @@
-// Extraction: the group's triangles are read into arrays first, then the model is made from them
-// at once, in the records' own order, instead of triangle by triangle and renumbered afterwards.
-// The result is the same, record for record and list for list (tests/simplify/ExtractionTests):
+// Extraction. A fresh model is made in one pass over the group's triangles (a few hundred at a
+// time as the engine gives them: each corner finds its point, each pair of corners its edge, by
+// compact tables), then every array and list is written once, in the records' own order,
+// instead of triangle by triangle and renumbered afterwards. The result is the same, record for
+// record and list for list (tests/simplify/ExtractionTests):
 //   - a point is made by the first corner at its position, in corner order (the bucket scan's
 //     first match; -0.0 and 0.0 are one position), and lists its triangles in corner order;
 //   - an edge is made by the first of the corner pairs 1-2, 2-3, 3-1 of the triangles, in
