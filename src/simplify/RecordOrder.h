@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace simplify::order {
@@ -28,7 +29,8 @@ inline std::uint64_t spread3(std::uint64_t v) {
 // With `inverse`, also the new record of each old one.
 template <class Key>
 std::vector<std::int32_t> countingOrder(std::size_t records, std::size_t keys, Key key, std::vector<std::int32_t>* inverse = nullptr) {
-    std::vector<std::int32_t> start(keys + 1, 0), keyOf(records);
+    std::vector<std::int32_t> start(keys + 1, 0);
+    const std::unique_ptr<std::int32_t[]> keyOf = std::make_unique_for_overwrite<std::int32_t[]>(records);
     for (std::size_t i = 1; i < records; ++i) {
         const auto k = static_cast<std::size_t>(key(i));
         keyOf[i] = static_cast<std::int32_t>(k);
@@ -71,7 +73,7 @@ template <class Xyz> std::vector<std::int32_t> mortonOrder(std::size_t points, X
         std::int32_t point;
     };
     const std::size_t n = points > 0 ? points - 1 : 0;
-    std::vector<Keyed> a(n), b(n);
+    std::unique_ptr<Keyed[]> a = std::make_unique_for_overwrite<Keyed[]>(n), b = std::make_unique_for_overwrite<Keyed[]>(n);
     std::uint64_t all = 0, common = ~std::uint64_t{0};
     for (std::size_t p = 1; p < points; ++p) {
         const double* c = xyz(p);
@@ -91,8 +93,8 @@ template <class Xyz> std::vector<std::int32_t> mortonOrder(std::size_t points, X
     constexpr int kBits = 11, kDigits = 6;
     constexpr std::uint64_t kMask = (1u << kBits) - 1;
     std::vector<std::uint32_t> counts(static_cast<std::size_t>(kDigits) << kBits, 0);
-    for (const Keyed& k : a)
-        for (int d = 0; d < kDigits; ++d) ++counts[(static_cast<std::size_t>(d) << kBits) + ((k.key >> (d * kBits)) & kMask)];
+    for (std::size_t i = 0; i < n; ++i)
+        for (int d = 0; d < kDigits; ++d) ++counts[(static_cast<std::size_t>(d) << kBits) + ((a[i].key >> (d * kBits)) & kMask)];
     for (int d = 0; d < kDigits; ++d) {
         const int shift = d * kBits;
         if (((varies >> shift) & kMask) == 0) continue; // order unchanged
@@ -103,7 +105,7 @@ template <class Xyz> std::vector<std::int32_t> mortonOrder(std::size_t points, X
             start[v] = sum;
             sum += c;
         }
-        for (const Keyed& k : a) b[start[(k.key >> shift) & kMask]++] = k;
+        for (std::size_t i = 0; i < n; ++i) b[start[(a[i].key >> shift) & kMask]++] = a[i];
         a.swap(b);
     }
     std::vector<std::int32_t> order(points, 0);
