@@ -158,11 +158,16 @@ bool SurfSimpli::extractWhole(int group, int count) {
     const std::size_t expectPoints = expected / 2 + 16, expectEdges = expected * 3 / 2 + 16;
 
     // per triangle, in the design's order (corner k of triangle t at 3 t + k, its pair k at 3 t + k)
-    Scratch<std::array<double, 6>> uvOf;
-    Scratch<std::array<double, 4>> planeOf;
-    Scratch<std::int32_t> bitmapOf;
-    Scratch<double> brightOf;
-    Scratch<std::array<std::int32_t, 3>> colorOf;
+    // what a triangle's records take from the engine, together: they are gathered in the records'
+    // own order, one random read each
+    struct TriRead {
+        double plane[4];
+        std::array<double, 6> uv;
+        double bright;
+        std::int32_t bitmap;
+        std::array<std::int32_t, 3> color;
+    };
+    Scratch<TriRead> triOf;
     Scratch<std::int32_t> pid, es; // each corner's point, each pair's edge (design indices)
     // per point (slot 0 unused): position (its first corner's), the last corner's brightness and
     // normal (as AddTriangle leaves them), numbers of corners and of edges
@@ -188,13 +193,9 @@ bool SurfSimpli::extractWhole(int group, int count) {
     int done = 0;
     std::size_t tris = 0; // read so far
     auto makeRoom = [&](std::size_t need) {
-        if (need <= planeOf.room()) return;
-        const std::size_t room = std::max({need, expected, planeOf.room() * 2});
-        uvOf.grow(room, tris);
-        planeOf.grow(room, tris);
-        bitmapOf.grow(room, tris);
-        brightOf.grow(room, tris);
-        colorOf.grow(room, tris);
+        if (need <= triOf.room()) return;
+        const std::size_t room = std::max({need, expected, triOf.room() * 2});
+        triOf.grow(room, tris);
         pid.grow(room * 3, tris * 3);
         es.grow(room * 3, tris * 3);
     };
@@ -205,11 +206,12 @@ bool SurfSimpli::extractWhole(int group, int count) {
         makeRoom(t0 + n);
         for (std::size_t i = 0; i < n; ++i) {
             const SimplifyTriangle& r = chunk[i];
-            uvOf[t0 + i] = {r.corners[0][3], r.corners[0][4], r.corners[1][3], r.corners[1][4], r.corners[2][3], r.corners[2][4]};
-            planeOf[t0 + i] = {r.plane[0], r.plane[1], r.plane[2], r.plane[3]};
-            bitmapOf[t0 + i] = r.bitmap;
-            brightOf[t0 + i] = r.brightness;
-            colorOf[t0 + i] = {r.color[0], r.color[1], r.color[2]};
+            TriRead& T = triOf[t0 + i];
+            for (std::size_t k = 0; k < 4; ++k) T.plane[k] = r.plane[k];
+            T.uv = {r.corners[0][3], r.corners[0][4], r.corners[1][3], r.corners[1][4], r.corners[2][3], r.corners[2][4]};
+            T.bright = r.brightness;
+            T.bitmap = r.bitmap;
+            T.color = {r.color[0], r.color[1], r.color[2]};
             for (std::size_t k = 0; k < 3; ++k) {
                 const std::uint32_t h = positionHash(r.corners[k]);
                 hashes[i * 3 + k] = h;
@@ -284,7 +286,7 @@ bool SurfSimpli::extractWhole(int group, int count) {
     if (progress_) progress_->setValue(0);
     const std::size_t n = tris, points = pr.size(), edges = er.size();
     auto scratch = [&] {
-        return uvOf.bytes() + planeOf.bytes() + bitmapOf.bytes() + brightOf.bytes() + colorOf.bytes() + pid.bytes() + es.bytes() +
+        return triOf.bytes() + pid.bytes() + es.bytes() +
                bytesOf(pr) + bytesOf(er) + bytesOf(pointAt.at) + bytesOf(edgeAt.at) + bytesOf(chunk) + bytesOf(hashes);
     };
     notePeak(scratch());
@@ -396,16 +398,17 @@ bool SurfSimpli::extractWhole(int group, int count) {
         for (std::size_t i = 1; i < records; ++i) {
             const std::size_t t = static_cast<std::size_t>(triOrder[i]) - 1, c = t * 3;
             TriHot& T = hot.emplace_back();
-            for (std::size_t k = 0; k < 4; ++k) T.plane[k] = planeOf[t][k];
+            const TriRead& R = triOf[t];
+            for (std::size_t k = 0; k < 4; ++k) T.plane[k] = R.plane[k];
             for (std::size_t k = 0; k < 3; ++k) {
                 T.pts[k] = np(pid[c + k]);
                 T.edges[k] = ne(es[c + k]);
             }
             T.valid = true;
-            uv.push_back(uvOf[t]);
-            bitmap.push_back(bitmapOf[t]);
-            bright.push_back(brightOf[t]);
-            color.push_back(colorOf[t]);
+            uv.push_back(R.uv);
+            bitmap.push_back(R.bitmap);
+            bright.push_back(R.bright);
+            color.push_back(R.color);
         }
         tris_.swap(hot);
         tUV_.swap(uv);
