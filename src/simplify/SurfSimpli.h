@@ -257,6 +257,9 @@ public:
     // Renumber the records for locality when a group is read (on by default; the design's
     // indices stay at the interface either way, and the tests compare both settings).
     bool RenumberRecords = true;
+    // Read a group into a fresh model as whole arrays (on by default; the tests compare it with
+    // AddTriangle one triangle at a time, which it must equal record for record).
+    bool WholeExtraction = true;
 
     // Bytes held by the model now (arrays, lists, the copy for restarting, indexes, heap), and the
     // most it held since it was made.
@@ -343,6 +346,11 @@ private:
     static std::vector<std::int32_t> mapList(const std::vector<std::int32_t>& m, const std::int32_t* from, const std::int32_t* to);
     void pushIdentity(std::vector<std::int32_t>& ext, std::vector<std::int32_t>& in);
     void renumberForLocality();
+    // Extraction (SurfSimpliExtract.cpp): the whole group read into a fresh model at once, in the
+    // records' own order, equal to what AddTriangle one by one and renumberForLocality make;
+    // false (nothing read) when the model is not fresh. Otherwise the triangles are added one by one.
+    bool extractWhole(int group, int count);
+    void extractByTriangles(int group, int count);
 
     // The work of the public operations on the arrays' own record numbers.
     int bucketPoint(const double coords[3], int tri);
@@ -396,6 +404,7 @@ private:
     bool selectedFast(int point) const;
     void project(int point, double& x, double& y, bool& ok) const;
     void notePeak() { peakBytes_ = std::max(peakBytes_, MemoryBytes()); }
+    void notePeak(std::size_t scratch) { peakBytes_ = std::max(peakBytes_, MemoryBytes() + scratch); }
     void copyColdForRestore();
 
     bigarray::CacheUser arrayCache_; // first: outlives the arrays
@@ -442,6 +451,7 @@ private:
     bool cancelled_ = false;
     bool costlyContraction_ = false;
     bool pristine_ = false; // the arrays equal the copy for restarting (no restore copy needed)
+    bool extractedZero_ = false; // extractWhole left every quadric, placement and cost zero: the copy need not look
     int minEdge_ = -1;
     double minCost_ = 0;
     std::size_t peakBytes_ = 0;

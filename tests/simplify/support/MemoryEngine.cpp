@@ -200,6 +200,47 @@ void MemoryEngine::polygon_get_plane(int polygon, double plane[4]) {
     planeOf(p, points_, plane);
 }
 
+// The values of the single calls (readTrianglesByCalls), read from the arrays directly: a ring's
+// corners are its first three points, and point handle 0 (zeros, brightness 0) past its end.
+int MemoryEngine::read_triangles(int& polygon, simplify::SimplifyTriangle* out, int max) {
+    int n = 0;
+    const MemGroup* walked = nullptr;
+    int walkedId = 0;
+    for (; polygon != 0 && n < max; ++n) {
+        calls += 20; // the single calls this stands for
+        const MemPolygon& P = polys_.at(static_cast<std::size_t>(polygon));
+        simplify::SimplifyTriangle& r = out[n];
+        r.bitmap = P.bitmap;
+        for (int k = 0; k < 3; ++k) r.color[k] = P.color[k];
+        for (std::size_t k = 0; k < 3; ++k) {
+            const int pt = k < P.points.size() ? P.points[k] : 0;
+            const MemPoint& m = points_[static_cast<std::size_t>(pt)];
+            double* c = r.corners[k];
+            for (int i = 0; i < 5; ++i) c[i] = m.v[i];
+            c[5] = pt == 0 ? 0.0 : m.v[5];
+            for (int i = 0; i < 3; ++i) c[6 + i] = m.normal[i];
+        }
+        r.brightness = r.corners[2][5];
+        if (P.planeSet)
+            for (int k = 0; k < 4; ++k) r.plane[k] = P.plane[k];
+        else
+            planeOf(P, points_, r.plane);
+        // group_get_next_polygon
+        if (!walked || walkedId != P.group) {
+            auto it = groups_.find(P.group);
+            walked = it == groups_.end() ? nullptr : &it->second;
+            walkedId = P.group;
+        }
+        if (!walked) {
+            polygon = 0;
+        } else {
+            const std::size_t i = static_cast<std::size_t>(polyIndexInGroup_[static_cast<std::size_t>(polygon)]) + 1;
+            polygon = i < walked->polygons.size() ? walked->polygons[i] : 0;
+        }
+    }
+    return n;
+}
+
 int MemoryEngine::group_create(const char* name) {
     ++calls;
     const int g = nextGroup_++;
