@@ -257,6 +257,12 @@ public:
     // Renumber the records for locality when a group is read (on by default; the design's
     // indices stay at the interface either way, and the tests compare both settings).
     bool RenumberRecords = true;
+    // How edges are re-costed: four at a time with AVX2 (where the processor has it), four at a
+    // time on two-lane halves (any x86-64), or one at a time. All give the same bits (the tests
+    // compare them); the default is the fastest the processor can run.
+    enum class Costing { Avx2, Portable, Scalar };
+    Costing CostingPath = DefaultCosting();
+    static Costing DefaultCosting();
 
     // Bytes held by the model now (arrays, lists, the copy for restarting, indexes, heap), and the
     // most it held since it was made.
@@ -386,6 +392,13 @@ private:
     // can ever be chosen: valid, -1e21 <= cost < 1e32 (NaN never)
     static bool eligible(const EdgeHot& E) { return E.valid && E.cost >= -1e21 && E.cost < 1e32; }
     void heapUpdate(int edge, double oldCost);
+    // Placement and cost of a list of edges, four at a time; each edge's heap update follows in
+    // order when withHeap. Edges the batches cannot finish go through the scalar code in turn.
+    void evaluateList(const std::int32_t* edges, std::size_t n, bool withHeap);
+    void evaluateOne(int edge, bool withHeap);
+    std::vector<const double*> laneEnds_;   // evaluateList's scratch: the ends' records,
+    std::vector<double> laneOut_;           // each edge's (cost, x, y, z)
+    std::vector<unsigned char> laneClean_;  // and the clean lanes of each four
     void rebuildHeap();
     void fillHeap(std::size_t excludedFrom);
     void rebuildPointIndex();
