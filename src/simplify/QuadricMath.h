@@ -198,13 +198,32 @@ template <bool Optimal>
     return static_cast<unsigned>((clean[0] & 1) | (clean[1] & 2) | (clean[2] & 4) | (clean[3] & 8));
 }
 
-// costFour over a list: edge i's ends are a[i] and b[i] (the count a multiple of four), its
-// (cost, x, y, z) goes to res[4 i .. 4 i + 3] and its clean bit to bit i % 4 of clean[i / 4].
+// The edges of a list as costList reads them: edge e's record lies at edges + e * stride and
+// starts with the indices of its two ends (32 bits each); point p's record (PointHot, sixteen
+// doubles) lies at points + 16 p.
+struct EdgeList {
+    const std::int32_t* list;
+    std::size_t count;
+    const unsigned char* edges;
+    std::size_t stride;
+    const double* points;
+};
+
+// costFour over a list, four edges at a time (a short last four repeats its first edge): edge i's
+// (cost, x, y, z) goes to res[4 i .. 4 i + 3], its clean bit to bit i % 4 of clean[i / 4].
 template <bool Optimal>
-[[gnu::always_inline]] inline void costList(const double* const* a, const double* const* b, std::size_t count,
-                                            double* res, unsigned char* clean) {
-    for (std::size_t i = 0; i < count; i += 4)
-        clean[i / 4] = static_cast<unsigned char>(costFour<Optimal>(a + i, b + i, reinterpret_cast<double (*)[4]>(res + 4 * i)));
+[[gnu::always_inline]] inline void costList(const EdgeList& l, double* res, unsigned char* clean) {
+    for (std::size_t i = 0; i < l.count; i += 4) {
+        const double* a[4];
+        const double* b[4];
+        for (std::size_t k = 0; k < 4; ++k) {
+            const std::int32_t* ends =
+                reinterpret_cast<const std::int32_t*>(l.edges + static_cast<std::size_t>(l.list[i + k < l.count ? i + k : i]) * l.stride);
+            a[k] = l.points + 16 * static_cast<std::size_t>(ends[0]);
+            b[k] = l.points + 16 * static_cast<std::size_t>(ends[1]);
+        }
+        clean[i / 4] = static_cast<unsigned char>(costFour<Optimal>(a, b, reinterpret_cast<double (*)[4]>(res + 4 * i)));
+    }
 }
 
 } // namespace simplify::qm

@@ -396,9 +396,8 @@ private:
     // order when withHeap. Edges the batches cannot finish go through the scalar code in turn.
     void evaluateList(const std::int32_t* edges, std::size_t n, bool withHeap);
     void evaluateOne(int edge, bool withHeap);
-    std::vector<const double*> laneEnds_;   // evaluateList's scratch: the ends' records,
-    std::vector<double> laneOut_;           // each edge's (cost, x, y, z)
-    std::vector<unsigned char> laneClean_;  // and the clean lanes of each four
+    std::vector<double> laneOut_;          // evaluateList's scratch: each edge's (cost, x, y, z)
+    std::vector<unsigned char> laneClean_; // and the clean lanes of each four
     void rebuildHeap();
     void fillHeap(std::size_t excludedFrom);
     void rebuildPointIndex();

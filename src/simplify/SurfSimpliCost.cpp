@@ -507,21 +507,15 @@ void SurfSimpli::evaluateOne(int edge, bool withHeap) {
 }
 
 namespace {
-using ListKernel = void (*)(const double* const*, const double* const*, std::size_t, double*, unsigned char*);
-void segmentListPortable(const double* const* a, const double* const* b, std::size_t n, double* res, unsigned char* clean) {
-    qm::costList<false>(a, b, n, res, clean);
-}
-void optimalListPortable(const double* const* a, const double* const* b, std::size_t n, double* res, unsigned char* clean) {
-    qm::costList<true>(a, b, n, res, clean);
-}
+using ListKernel = void (*)(const qm::EdgeList&, double*, unsigned char*);
+void segmentListPortable(const qm::EdgeList& l, double* res, unsigned char* clean) { qm::costList<false>(l, res, clean); }
+void optimalListPortable(const qm::EdgeList& l, double* res, unsigned char* clean) { qm::costList<true>(l, res, clean); }
 #if defined(__x86_64__)
-__attribute__((target("avx2"))) void segmentListAvx2(const double* const* a, const double* const* b, std::size_t n,
-                                                     double* res, unsigned char* clean) {
-    qm::costList<false>(a, b, n, res, clean);
+__attribute__((target("avx2"))) void segmentListAvx2(const qm::EdgeList& l, double* res, unsigned char* clean) {
+    qm::costList<false>(l, res, clean);
 }
-__attribute__((target("avx2"))) void optimalListAvx2(const double* const* a, const double* const* b, std::size_t n,
-                                                     double* res, unsigned char* clean) {
-    qm::costList<true>(a, b, n, res, clean);
+__attribute__((target("avx2"))) void optimalListAvx2(const qm::EdgeList& l, double* res, unsigned char* clean) {
+    qm::costList<true>(l, res, clean);
 }
 #endif
 } // namespace
@@ -560,21 +554,16 @@ void SurfSimpli::evaluateList(const std::int32_t* list, std::size_t n, bool with
     case Costing::Portable:
         break;
     }
-    const std::size_t padded = (n + 3) & ~std::size_t{3};
-    if (laneEnds_.size() < 2 * padded) {
-        laneEnds_.resize(2 * padded);
-        laneOut_.resize(4 * padded);
-        laneClean_.resize(padded / 4);
+    const std::size_t fours = (n + 3) / 4;
+    if (laneClean_.size() < fours) {
+        laneClean_.resize(fours);
+        laneOut_.resize(16 * fours);
     }
-    const double** a = laneEnds_.data();
-    const double** b = a + padded;
+    static_assert(offsetof(EdgeHot, a) == 0 && offsetof(EdgeHot, b) == sizeof(std::int32_t), "the ends first");
+    static_assert(sizeof(PointHot) == 16 * sizeof(double) && offsetof(PointHot, s) == 0, "sixteen doubles a point");
+    const qm::EdgeList l{list, n, reinterpret_cast<const unsigned char*>(edges_.data()), sizeof(EdgeHot), pts_.data()->s};
+    kernel(l, laneOut_.data(), laneClean_.data());
     const bool heapLive = withHeap && !heapDirty_;
-    for (std::size_t i = 0; i < padded; ++i) { // a short last four repeats the first edge
-        const EdgeHot& E = edges_[static_cast<std::size_t>(list[i < n ? i : 0])];
-        a[i] = pts_[static_cast<std::size_t>(E.a)].s;
-        b[i] = pts_[static_cast<std::size_t>(E.b)].s;
-    }
-    kernel(a, b, padded, laneOut_.data(), laneClean_.data());
     static_assert(offsetof(EdgeHot, nc) == offsetof(EdgeHot, cost) + sizeof(double), "cost and placement side by side");
     for (std::size_t i = 0; i < n; ++i) {
         const std::int32_t e = list[i];
