@@ -258,7 +258,7 @@ public:
     // indices stay at the interface either way, and the tests compare both settings).
     bool RenumberRecords = true;
     // How edges are re-costed: four at a time with AVX2 (where the processor has it), four at a
-    // time on two-lane halves (any x86-64), or one at a time. All give the same bits (the tests
+    // time on two-lane halves (any processor), or one at a time. All give the same bits (the tests
     // compare them); the default is the fastest the processor can run.
     enum class Costing { Avx2, Portable, Scalar };
     Costing CostingPath = DefaultCosting();

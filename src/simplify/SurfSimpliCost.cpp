@@ -561,7 +561,7 @@ void SurfSimpli::evaluateList(const std::int32_t* list, std::size_t n, bool with
     }
     static_assert(offsetof(EdgeHot, a) == 0 && offsetof(EdgeHot, b) == sizeof(std::int32_t), "the ends first");
     static_assert(sizeof(PointHot) == 16 * sizeof(double) && offsetof(PointHot, s) == 0, "sixteen doubles a point");
-    const qm::EdgeList l{list, n, reinterpret_cast<const unsigned char*>(edges_.data()), sizeof(EdgeHot), pts_.data()->s};
+    const qm::EdgeList l{list, n, reinterpret_cast<const unsigned char*>(edges_.data()), sizeof(EdgeHot), reinterpret_cast<const double*>(pts_.data())};
     kernel(l, laneOut_.data(), laneClean_.data());
     const bool heapLive = withHeap && !heapDirty_;
     static_assert(offsetof(EdgeHot, nc) == offsetof(EdgeHot, cost) + sizeof(double), "cost and placement side by side");
