@@ -257,9 +257,9 @@ public:
     // Renumber the records for locality when a group is read (on by default; the design's
     // indices stay at the interface either way, and the tests compare both settings).
     bool RenumberRecords = true;
-    // How edges are re-costed: four at a time with AVX2 (where the processor has it), four at a
-    // time on two-lane halves (any processor), or one at a time. All give the same bits (the tests
-    // compare them); the default is the fastest the processor can run.
+    // How edges are re-costed: four at a time with AVX2, four at a time on two-lane halves (any
+    // processor), or one at a time. All give the same bits (the tests compare them); the default
+    // is AVX2 where the processor has it, one at a time otherwise.
     enum class Costing { Avx2, Portable, Scalar };
     Costing CostingPath = DefaultCosting();
     static Costing DefaultCosting();
