@@ -545,9 +545,33 @@ void SurfSimpli::evaluateList(const std::int32_t* list, std::size_t n, bool with
     if (n == 0) return;
     ListKernel kernel = geomOnly_ ? optimalListPortable : segmentListPortable;
     switch (CostingPath) {
-    case Costing::Scalar:
-        for (std::size_t i = 0; i < n; ++i) evaluateOne(list[i], withHeap);
+    case Costing::Scalar: {
+        // The records of a neighbourhood lie anywhere in the arrays: ask for the next edges'
+        // ends and heap slots ahead of their turn.
+        auto ahead = [&](std::size_t i) {
+            const EdgeHot& E = edges_[static_cast<std::size_t>(list[i])];
+            const double* a = pts_[static_cast<std::size_t>(E.a)].s;
+            const double* b = pts_[static_cast<std::size_t>(E.b)].s;
+            __builtin_prefetch(a);
+            __builtin_prefetch(a + 8);
+            __builtin_prefetch(b);
+            __builtin_prefetch(b + 8);
+            heap_.prefetch(list[i]);
+        };
+        for (std::size_t i = 0; i < n && i < 3; ++i) __builtin_prefetch(&edges_[static_cast<std::size_t>(list[i])]);
+        for (std::size_t i = 0; i < n && i < 2; ++i) ahead(i);
+        for (std::size_t i = 0; i < n; ++i) {
+            if (i + 3 < n) __builtin_prefetch(&edges_[static_cast<std::size_t>(list[i + 3])]);
+            if (i + 2 < n) ahead(i + 2);
+            const std::int32_t e = list[i]; // evaluateOne, inlined
+            const double oldCost = edges_[static_cast<std::size_t>(e)].cost;
+            QSum q;
+            sumEdgeQuadric(e, q);
+            evaluateEdge(e, q);
+            if (withHeap) heapUpdate(e, oldCost);
+        }
         return;
+    }
     case Costing::Avx2:
 #if defined(__x86_64__)
         kernel = geomOnly_ ? optimalListAvx2 : segmentListAvx2;
