@@ -260,6 +260,12 @@ public:
     // Read a group into a fresh model as whole arrays (on by default; the tests compare it with
     // AddTriangle one triangle at a time, which it must equal record for record).
     bool WholeExtraction = true;
+    // How edges are re-costed: four at a time with AVX2, four at a time on two-lane halves (any
+    // processor), or one at a time. All give the same bits (the tests compare them); the default
+    // is AVX2 where the processor has it, one at a time otherwise.
+    enum class Costing { Avx2, Portable, Scalar };
+    Costing CostingPath = DefaultCosting();
+    static Costing DefaultCosting();
 
     // Bytes held by the model now (arrays, lists, the copy for restarting, indexes, heap), and the
     // most it held since it was made.
@@ -394,6 +400,12 @@ private:
     // can ever be chosen: valid, -1e21 <= cost < 1e32 (NaN never)
     static bool eligible(const EdgeHot& E) { return E.valid && E.cost >= -1e21 && E.cost < 1e32; }
     void heapUpdate(int edge, double oldCost);
+    // Placement and cost of a list of edges, four at a time; each edge's heap update follows in
+    // order when withHeap. Edges the batches cannot finish go through the scalar code in turn.
+    void evaluateList(const std::int32_t* edges, std::size_t n, bool withHeap);
+    void evaluateOne(int edge, bool withHeap);
+    std::vector<double> laneOut_;          // evaluateList's scratch: each edge's (cost, x, y, z)
+    std::vector<unsigned char> laneClean_; // and the clean lanes of each four
     void rebuildHeap();
     void fillHeap(std::size_t excludedFrom);
     void rebuildPointIndex();
