@@ -372,6 +372,7 @@ void SurfSimpli::clearArrays() {
 
 void SurfSimpli::Reset() {
     pristine_ = false;
+    copyColdForRestore(); // the copy for restarting shares these arrays until now
     clearArrays();
     for (auto& b : buckets_) b.clear();
     minEdge_ = -1;
