@@ -434,6 +434,7 @@ private:
     std::vector<std::int32_t> selectedPts_;
     int triCursor_ = 0, edgeCursor_ = 0, ptCursor_ = 0, outCursor_ = 1;
     std::vector<std::int32_t> affectedPts_, affectedEdges_;
+    std::vector<char> affectedBorder_; // for each affected point: has it a valid border edge
     int sourceGroup_ = 0;
     int outputGroup_ = 0; // the group read or being reduced: its location is the output's reference point
 
@@ -501,28 +502,26 @@ private:
     std::vector<std::uint32_t> ptStamp_;
     std::uint32_t stamp_ = 0;
     std::vector<char> selectedMark_;
-    // refusal cache: the contraction count at which each point last changed near it, and for a
-    // refused edge the count at its refusal and the ends it had then
+    // refusal cache: a refused edge is parked with the ends it had then (it keeps them while
+    // parked: a contraction that moves an end touches it first); each point counts the parked
+    // edges at it
     struct Refusal {
-        std::int32_t at = -1;
         std::int32_t a = 0, b = 0;
     };
-    std::vector<std::int32_t> ptChanged_;
-    std::unordered_map<std::int32_t, Refusal> refusals_; // few: only refused edges have one
+    std::unordered_map<std::int32_t, Refusal> refusals_; // few: only parked edges have one
     std::int32_t contractions_ = 0;
     std::vector<char> parked_; // refused edges held out of the heap
     std::vector<std::int32_t> ptParked_; // parked edges at each point
-    std::vector<int> toPark_, stale_;
+    std::vector<int> stale_;
     void unpark(int edge);
     void clearPark(std::size_t edge);
+    // Something near p changed: the edges parked at p come back. A point is touched many
+    // times a contraction; after the first touch it has no parked edge left.
     void touchPoint(int p) {
-        if (p < 0 || static_cast<std::size_t>(p) >= ptChanged_.size()) return;
-        if (ptChanged_[static_cast<std::size_t>(p)] == contractions_) return; // touched already
-        ptChanged_[static_cast<std::size_t>(p)] = contractions_;
-        if (!heapDirty_ && ptParked_[static_cast<std::size_t>(p)] > 0)
-            for (const std::int32_t* e = pEdges_.begin(static_cast<std::size_t>(p)); e != pEdges_.end(static_cast<std::size_t>(p)); ++e)
-                unpark(*e);
+        if (static_cast<std::size_t>(p) < ptParked_.size() && ptParked_[static_cast<std::size_t>(p)] > 0 && !heapDirty_)
+            unparkAt(p);
     }
+    void unparkAt(int p);
     void touchTriCorners(int t) {
         const TriHot& T = tris_[static_cast<std::size_t>(t)];
         for (int k = 0; k < 3; ++k) touchPoint(T.pts[k]);
@@ -533,7 +532,6 @@ private:
         touchPoint(E.b);
     }
     void clearRefusals();
-    bool knownRefused(int edge) const;
 };
 
 } // namespace simplify

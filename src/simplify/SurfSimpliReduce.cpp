@@ -138,7 +138,6 @@ int SurfSimpli::ContractEdge() {
     const std::size_t k = static_cast<std::size_t>(kept), g = static_cast<std::size_t>(gone);
     // the points whose tests may read something this contraction changes (refusal cache)
     ++contractions_;
-    if (ptChanged_.size() < pValid_.size()) ptChanged_.resize(pValid_.size(), 0);
     if (ptParked_.size() < pValid_.size()) ptParked_.resize(pValid_.size(), 0);
     for (const std::int32_t* t = eTris_.begin(ei); t != eTris_.end(ei); ++t) {
         touchTriCorners(*t);
@@ -249,7 +248,11 @@ int SurfSimpli::ContractEdge() {
         });
         q.store(pts_[pi].s, pts_[pi].u);
     }
-    for (const std::int32_t p : affectedPts_) {
+    // (collectAffected noted which points have a valid border edge; nothing since changed an
+    // edge or an edge list)
+    for (std::size_t a = 0; a < affectedPts_.size(); ++a) {
+        if (!affectedBorder_[a]) continue;
+        const std::int32_t p = affectedPts_[a];
         const std::size_t pi = static_cast<std::size_t>(p);
         for (std::uint32_t i = 0; i < pEdges_.size(pi); ++i) {
             const std::int32_t e = pEdges_.at(pi, i);
@@ -355,12 +358,15 @@ void SurfSimpli::collectAffected(int kept) {
         for (const std::int32_t* e = pEdges_.begin(pi); e != pEdges_.end(pi); ++e)
             __builtin_prefetch(&edges_[static_cast<std::size_t>(*e)]);
     }
+    affectedBorder_.assign(affectedPts_.size(), 0);
     for (std::size_t i = 0; i < affectedPts_.size(); ++i) {
         const std::size_t p = static_cast<std::size_t>(affectedPts_[i]);
         // dead edges leave the list as it is read
+        bool border = false;
         pEdges_.filter(p, [&](std::int32_t e) {
             EdgeHot& X = edges_[static_cast<std::size_t>(e)];
             if (!X.valid) return false;
+            border |= X.border;
             if (X.stamp != stamp_) {
                 X.stamp = stamp_;
                 affectedEdges_.push_back(e);
@@ -372,6 +378,7 @@ void SurfSimpli::collectAffected(int kept) {
             }
             return true;
         });
+        affectedBorder_[i] = border;
     }
 }
 

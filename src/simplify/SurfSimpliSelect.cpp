@@ -87,7 +87,6 @@ void SurfSimpli::fillHeap(std::size_t excludedFrom) {
 int SurfSimpli::SelectContractibleEdge() { return exEdge(selectEdge()); }
 
 int SurfSimpli::selectEdge() {
-    toPark_.clear();
     refusedNow_.clear();
     if (++selId_ == 0) { // wrapped: the marks start afresh
         std::fill(selStamp_.begin(), selStamp_.end(), 0u);
@@ -104,21 +103,9 @@ int SurfSimpli::selectEdge() {
             result = heap_.visitInOrder([&](int e) { return edges_[static_cast<std::size_t>(e)].cost; }, [&](const EdgeHeap::Entry& top) {
                 ++CandidateCount;
                 minCost_ = top.cost;
-                if (CacheRefusals && knownRefused(top.edge)) {
-                    ++CachedRefusals;
-                    toPark_.push_back(top.edge);
-                    refusedNow_.push_back(top.edge);
-                    return false;
-                }
+                // (a parked edge is never in the heap: no refusal here is known already)
                 const bool ok = !degeneratesOrFlips(top.edge) && keepsManifold(top.edge);
-                if (!ok) {
-                    refusedNow_.push_back(top.edge);
-                    if (CacheRefusals) {
-                        const EdgeHot& E = edges_[static_cast<std::size_t>(top.edge)];
-                        refusals_[top.edge] = Refusal{contractions_, E.a, E.b};
-                        toPark_.push_back(top.edge);
-                    }
-                }
+                if (!ok) refusedNow_.push_back(top.edge);
                 return ok;
             }, stale_, heapLimit_);
             // an empty heap or a visit to its end means the limit is reached as well
@@ -144,15 +131,17 @@ int SurfSimpli::selectEdge() {
     // candidates (they all cost less than the limit)
     if (refilled && !CacheRefusals)
         for (const int e : refusedNow_) heap_.set(e, edges_[static_cast<std::size_t>(e)].cost);
-    for (const int e : toPark_) {
-        heap_.remove(e);
-        const std::size_t x = static_cast<std::size_t>(e);
-        if (parked_[x]) continue;
-        parked_[x] = 1; // its refusal holds the ends it has now, and keeps them while parked
-        const Refusal& r = refusals_.at(e);
-        ++ptParked_[static_cast<std::size_t>(r.a)];
-        ++ptParked_[static_cast<std::size_t>(r.b)];
-    }
+    if (CacheRefusals)
+        for (const int e : refusedNow_) {
+            heap_.remove(e);
+            const std::size_t x = static_cast<std::size_t>(e);
+            if (parked_[x]) continue;
+            parked_[x] = 1; // with the ends it has now, which it keeps while parked
+            const EdgeHot& E = edges_[x];
+            refusals_[e] = Refusal{E.a, E.b};
+            ++ptParked_[static_cast<std::size_t>(E.a)];
+            ++ptParked_[static_cast<std::size_t>(E.b)];
+        }
     if (result == -1 && CacheRefusals) {
         // every chosen-able edge was refused: the scans' last candidate is the greatest in
         // (cost, design index) order
@@ -171,9 +160,15 @@ int SurfSimpli::selectEdge() {
 void SurfSimpli::clearPark(std::size_t edge) {
     if (edge >= parked_.size() || !parked_[edge]) return;
     parked_[edge] = 0;
-    const Refusal& r = refusals_.at(static_cast<std::int32_t>(edge));
-    --ptParked_[static_cast<std::size_t>(r.a)];
-    --ptParked_[static_cast<std::size_t>(r.b)];
+    const auto found = refusals_.find(static_cast<std::int32_t>(edge));
+    --ptParked_[static_cast<std::size_t>(found->second.a)];
+    --ptParked_[static_cast<std::size_t>(found->second.b)];
+    refusals_.erase(found);
+}
+
+void SurfSimpli::unparkAt(int p) {
+    const std::size_t pi = static_cast<std::size_t>(p);
+    for (const std::int32_t* e = pEdges_.begin(pi); e != pEdges_.end(pi); ++e) unpark(*e);
 }
 
 void SurfSimpli::unpark(int edge) {
@@ -187,20 +182,13 @@ void SurfSimpli::unpark(int edge) {
 // AssTris; the valid triangles of A and B with their corners, positions and planes; the valid
 // edges of A and B with their ends and their triangles' validity. A contraction changes these
 // only for edges with an end among the points it touches (touchPoint in ContractEdge), so a
-// refusal stands while neither end has been touched since and the ends are the same.
+// refusal stands while neither end has been touched since: a parked edge comes back when one
+// of its ends is touched (it is in both ends' edge lists), or when it is re-costed (then an end
+// of it is an affected point, touched as well), and only then. So an edge in the heap never
+// has a standing refusal, and nothing needs to remember when a point was touched.
 void SurfSimpli::clearRefusals() {
-    ptChanged_.assign(pValid_.size(), 0);
     ptParked_.assign(pValid_.size(), 0);
     refusals_.clear();
-}
-
-bool SurfSimpli::knownRefused(int edge) const {
-    const auto found = refusals_.find(edge);
-    if (found == refusals_.end()) return false;
-    const Refusal& r = found->second;
-    const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
-    return E.a == r.a && E.b == r.b && ptChanged_[static_cast<std::size_t>(r.a)] <= r.at &&
-           ptChanged_[static_cast<std::size_t>(r.b)] <= r.at;
 }
 
 // ---- the refusal tests ----
