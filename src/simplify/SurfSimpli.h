@@ -387,7 +387,7 @@ private:
     static bool eligible(const EdgeHot& E) { return E.valid && E.cost >= -1e21 && E.cost < 1e32; }
     void heapUpdate(int edge, double oldCost);
     void rebuildHeap();
-    void fillHeap(std::size_t excludedFrom);
+    void fillHeap();
     void rebuildPointIndex();
     void rebuildEdgeIndex();
     void dropIndexes();
@@ -483,8 +483,6 @@ private:
     bool heapDirty_ = true;
     double heapLimit_ = EdgeHeap::kNoLimit;
     std::vector<int> refusedNow_;          // candidates refused by the running selection
-    std::vector<std::uint32_t> selStamp_;  // marks them while the heap is filled again
-    std::uint32_t selId_ = 0;
     std::vector<double> costScratch_;
     struct EdgeEnds {
         std::int32_t edge, a, b;

@@ -41,41 +41,50 @@ void SurfSimpli::rebuildHeap() {
     clearRefusals();
     parked_.assign(edges_.size(), 0);
     refusedNow_.clear();
-    fillHeap(0);
+    fillHeap();
     heapDirty_ = false;
 }
 
 // Fills the heap afresh with the cheapest chosen-able edges that are not parked and not refused
-// by the running selection (refusedNow_ from excludedFrom on; those before were marked already),
-// and sets heapLimit_ so that the heap holds exactly the ones that cost less. Every edge below
-// the old limit was visited then (refused or parked), so those taken in cost at least as much.
-void SurfSimpli::fillHeap(std::size_t excludedFrom) {
+// by the running selection, and sets heapLimit_ so that the heap holds exactly the ones that
+// cost less. Every edge below the old limit was visited then (refused or parked), so those
+// taken in cost at least as much. Which limit is taken does not change the order of the visit
+// (a visit that reaches the limit fills the heap again and goes on): about the keep-th cheapest
+// cost, from every eighth waiting edge, is enough.
+void SurfSimpli::fillHeap() {
     ++HeapFills;
-    if (selStamp_.size() < edges_.size()) selStamp_.resize(edges_.size(), 0);
-    for (std::size_t i = excludedFrom; i < refusedNow_.size(); ++i) selStamp_[static_cast<std::size_t>(refusedNow_[i])] = selId_;
-    auto waiting = [&](std::size_t e) {
+    // the running selection's refused edges wait outside while the heap is filled, as the parked ones
+    for (const int e : refusedNow_)
+        if (!parked_[static_cast<std::size_t>(e)]) parked_[static_cast<std::size_t>(e)] = 2;
+    std::vector<EdgeHeap::Entry> waiting;
+    waiting.reserve(edges_.size());
+    for (std::size_t e = 1; e < edges_.size(); ++e) {
         const EdgeHot& E = edges_[e];
-        return eligible(E) && !(e < parked_.size() && parked_[e]) && !(selId_ != 0 && selStamp_[e] == selId_);
-    };
-    costScratch_.clear();
-    for (std::size_t e = 1; e < edges_.size(); ++e)
-        if (waiting(e)) costScratch_.push_back(edges_[e].cost);
+        if (eligible(E) && !parked_[e]) waiting.push_back({E.cost, static_cast<int>(e)});
+    }
+    for (const int e : refusedNow_)
+        if (parked_[static_cast<std::size_t>(e)] == 2) parked_[static_cast<std::size_t>(e)] = 0;
     // A few thousand or an eighth of the waiting edges: the heap stays small enough for the
     // caches, and is filled again rarely (each time costs one pass over the edges).
-    const std::size_t keep = std::max<std::size_t>(4096, costScratch_.size() / 8);
+    const std::size_t keep = std::max<std::size_t>(4096, waiting.size() / 8);
     heapLimit_ = EdgeHeap::kNoLimit;
-    if (costScratch_.size() > keep) {
-        std::nth_element(costScratch_.begin(), costScratch_.begin() + static_cast<std::ptrdiff_t>(keep), costScratch_.end(),
+    std::size_t n = waiting.size();
+    if (n > keep) {
+        std::vector<double>& sample = costScratch_;
+        sample.clear();
+        for (std::size_t i = 0; i < n; i += 8) sample.push_back(waiting[i].cost);
+        const std::size_t k = keep / 8; // below sample.size(): n > keep
+        std::nth_element(sample.begin(), sample.begin() + static_cast<std::ptrdiff_t>(k), sample.end(),
                          [](double a, double b) { return a < b; });
-        // everything that costs no more than the keep-th cheapest (ties included)
-        heapLimit_ = std::nextafter(costScratch_[keep], EdgeHeap::kNoLimit);
+        // everything that costs no more than that sample (ties included)
+        heapLimit_ = std::nextafter(sample[k], EdgeHeap::kNoLimit);
+        std::size_t w = 0;
+        for (std::size_t i = 0; i < n; ++i)
+            if (waiting[i].cost < heapLimit_) waiting[w++] = waiting[i];
+        n = w;
     }
-    std::vector<EdgeHeap::Entry> entries;
-    entries.reserve(std::min(costScratch_.size(), keep * 2));
-    for (std::size_t e = 1; e < edges_.size(); ++e)
-        if (waiting(e) && edges_[e].cost < heapLimit_) entries.push_back({edges_[e].cost, static_cast<int>(e)});
     heap_.setOrder(&extOfEdge_); // ties go to the lower design index
-    heap_.build(std::move(entries), EdgeCount());
+    heap_.build(std::vector<EdgeHeap::Entry>(waiting.begin(), waiting.begin() + static_cast<std::ptrdiff_t>(n)), EdgeCount());
 }
 
 // The scans of NextCheapestEdge, with the floor raised to each refused candidate's cost and the
@@ -88,17 +97,12 @@ int SurfSimpli::SelectContractibleEdge() { return exEdge(selectEdge()); }
 
 int SurfSimpli::selectEdge() {
     refusedNow_.clear();
-    if (++selId_ == 0) { // wrapped: the marks start afresh
-        std::fill(selStamp_.begin(), selStamp_.end(), 0u);
-        selId_ = 1;
-    }
     if (heapDirty_) rebuildHeap();
     ++SelectionCount;
     int result = -1;
     bool refilled = false;
     try {
         stale_.clear();
-        std::size_t marked = 0;
         for (;;) {
             result = heap_.visitInOrder([&](int e) { return edges_[static_cast<std::size_t>(e)].cost; }, [&](const EdgeHeap::Entry& top) {
                 ++CandidateCount;
@@ -112,8 +116,7 @@ int SurfSimpli::selectEdge() {
             if (result >= 0 || heapLimit_ == EdgeHeap::kNoLimit) break;
             // every edge below the limit was refused: the next cheapest come in, and the visit
             // goes on in order from them
-            fillHeap(marked);
-            marked = refusedNow_.size();
+            fillHeap();
             refilled = true;
             stale_.clear(); // the heap was made afresh from the true costs
         }
