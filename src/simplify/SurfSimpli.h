@@ -358,7 +358,8 @@ private:
     void mergeEdgeTris(int e1, int e2);
     void repointTriEdges(int from, int to);
     void collectAffected(int kept);
-    void evaluatePlanes(int kept);
+    struct MovedPlane;
+    void evaluatePlanes(int kept, const std::vector<MovedPlane>* moved = nullptr);
     void buildPointQuadric(int point);
     int countValidTris(int edge) const;
     bool hasBitmapBorder(int edge) const;
@@ -497,6 +498,17 @@ private:
     static FlipCheck flipCheck(const double* plane, const double* const* c);
     static bool flips(const FlipCheck& f); // raises Overflow, or asks angleBetVectors
     std::vector<FlipCheck> flipChecks_;    // degeneratesOrFlips' scratch
+    // The moved triangles' planes before their normalisation (PlaneFromPoints), as the flip test
+    // of the last candidate walked made them: the same operations on the same positions as
+    // evaluatePlanes when that candidate is contracted next, which takes them from here.
+    struct MovedPlane {
+        std::int32_t tri;
+        std::int32_t pts[3]; // its corners, -1 for an end of the edge
+        double a, b, c, d;
+    };
+    std::vector<MovedPlane> movedPlanes_;
+    int movedPlanesEdge_ = -1; // the candidate whose walk made them all (-1: none)
+    bool reusePlanes_ = false; // SimplifyLoop contracts the edge it has just selected
     std::vector<std::uint32_t> ptStamp_;
     std::uint32_t stamp_ = 0;
     std::vector<char> selectedMark_;

@@ -92,6 +92,7 @@ void SurfSimpli::SimplifyLoop(int target) {
             return;
         }
     }
+    bool selectedHere = !continueRun_;
     const int progressMax = triTotal_ - target + 1;
     if (progress_) {
         progress_->setMaximum(progressMax);
@@ -101,6 +102,7 @@ void SurfSimpli::SimplifyLoop(int target) {
         if (ZeroErrorMode && roundsAboveZero(minCost_)) break;
         if (triCurrent_ <= target) break;
         if (roundsAboveZero(minCost_)) costlyContraction_ = true;
+        reusePlanes_ = selectedHere; // nothing changed since this loop's selection
         const int removed = ContractEdge();
         triCurrent_ -= removed;
         if (progress_ && triTotal_ - triCurrent_ <= progressMax) progress_->setValue(triTotal_ - triCurrent_);
@@ -115,6 +117,7 @@ void SurfSimpli::SimplifyLoop(int target) {
         minCost_ = kFloor;
         minEdge_ = 0;
         minEdge_ = selectEdge();
+        selectedHere = true;
         if (minEdge_ == -1) {
             showMessage(msg(messages_.cantSimplify, "Can't simplify further!"));
             break;
@@ -128,6 +131,8 @@ void SurfSimpli::SimplifyLoop(int target) {
 int SurfSimpli::ContractEdge() {
     pristine_ = false;
     const int edge = minEdge_;
+    const bool reusePlanes = reusePlanes_ && movedPlanesEdge_ == edge;
+    reusePlanes_ = false;
     if (edge < 1 || edge > EdgeCount()) return 0; // e.g. -1 after "Can't simplify further!"
     const std::size_t ei = static_cast<std::size_t>(edge);
     if (!edges_[ei].valid) return 0;
@@ -231,7 +236,7 @@ int SurfSimpli::ContractEdge() {
         __builtin_prefetch(pts_[pi].s);
         __builtin_prefetch(pts_[pi].s + 8);
     }
-    evaluatePlanes(kept);
+    evaluatePlanes(kept, reusePlanes ? &movedPlanes_ : nullptr);
     // Each affected point's quadric afresh: its valid triangles' planes, then its borders'
     // penalties, in list order (ClearPointQuadric, BuildPointQuadric, AddBorderPenaltyToPoint
     // point by point; a point's sum reads no other point's quadric, and only the penalties can
@@ -382,23 +387,47 @@ void SurfSimpli::collectAffected(int kept) {
     }
 }
 
-void SurfSimpli::evaluatePlanes(int kept) {
+// moved: the planes the flip test made for the moved triangles of this contraction's edge
+// (degeneratesOrFlips), taken for a triangle whose corners are those it had there.
+void SurfSimpli::evaluatePlanes(int kept, const std::vector<MovedPlane>* moved) {
     pristine_ = false;
     const std::size_t k = static_cast<std::size_t>(kept);
     if (k >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+    std::size_t next = 0; // they come in the order of the kept point's list, as a rule
     for (const std::int32_t* t = pTris_.begin(k); t != pTris_.end(k); ++t) {
         TriHot& T = tris_[static_cast<std::size_t>(*t)];
         if (!T.valid) continue;
-        const double* c1 = pts_[static_cast<std::size_t>(T.pts[0])].xyz;
-        const double* c2 = pts_[static_cast<std::size_t>(T.pts[1])].xyz;
-        const double* c3 = pts_[static_cast<std::size_t>(T.pts[2])].xyz;
-        const double x1 = c1[0], y1 = c1[1], z1 = c1[2];
-        const double x2 = c2[0], y2 = c2[1], z2 = c2[2];
-        const double x3 = c3[0], y3 = c3[1], z3 = c3[2];
-        const double A = fin(y1 * (z2 - z3) + y2 * (z3 - z1) + y3 * (z1 - z2));
-        const double B = fin(z1 * (x2 - x3) + z2 * (x3 - x1) + z3 * (x1 - x2));
-        const double C = fin(x1 * (y2 - y3) + x2 * (y3 - y1) + x3 * (y1 - y2));
-        const double D = fin(-(x1 * (y2 * z3 - y3 * z2) + x2 * (y3 * z1 - y1 * z3) + x3 * (y1 * z2 - y2 * z1)));
+        const MovedPlane* found = nullptr;
+        if (moved) {
+            const MovedPlane* m = moved->data();
+            const std::size_t n = moved->size();
+            std::size_t i = next < n && m[next].tri == *t ? next : 0;
+            while (i < n && m[i].tri != *t) ++i;
+            if (i < n) {
+                found = &m[i];
+                next = i + 1;
+                for (int c = 0; c < 3; ++c)
+                    if (found->pts[c] != (T.pts[c] == kept ? -1 : T.pts[c])) found = nullptr;
+            }
+        }
+        double A, B, C, D;
+        if (found) {
+            A = fin(found->a);
+            B = fin(found->b);
+            C = fin(found->c);
+            D = fin(found->d);
+        } else {
+            const double* c1 = pts_[static_cast<std::size_t>(T.pts[0])].xyz;
+            const double* c2 = pts_[static_cast<std::size_t>(T.pts[1])].xyz;
+            const double* c3 = pts_[static_cast<std::size_t>(T.pts[2])].xyz;
+            const double x1 = c1[0], y1 = c1[1], z1 = c1[2];
+            const double x2 = c2[0], y2 = c2[1], z2 = c2[2];
+            const double x3 = c3[0], y3 = c3[1], z3 = c3[2];
+            A = fin(y1 * (z2 - z3) + y2 * (z3 - z1) + y3 * (z1 - z2));
+            B = fin(z1 * (x2 - x3) + z2 * (x3 - x1) + z3 * (x1 - x2));
+            C = fin(x1 * (y2 - y3) + x2 * (y3 - y1) + x3 * (y1 - y2));
+            D = fin(-(x1 * (y2 * z3 - y3 * z2) + x2 * (y3 * z1 - y1 * z3) + x3 * (y1 * z2 - y2 * z1)));
+        }
         auto sq = [](double v) { return fin(v * v); };
         const double m = fin(std::sqrt(fin(sq(A) + sq(B) + sq(C)))); // VectorLength
         if (m != 0.0) {
@@ -448,17 +477,23 @@ void SurfSimpli::interpolateTexCoords(const double newCoords[3], int kept, int g
         tri2 = eTris_.at(ei, 1);
         interpolate(tri2, uvK2, uvG2, new2);
     }
+    // (cornerUV and setCornerUV of the first corner that is the point, found once)
     auto apply = [&](int point, const double uv1[2], const double uv2[2]) {
         const std::size_t p = static_cast<std::size_t>(point);
         for (const std::int32_t* tp = pTris_.begin(p); tp != pTris_.end(p); ++tp) {
             const int T = *tp;
             const TriHot& tr = tris_[static_cast<std::size_t>(T)];
             if (!tr.valid || T == tri1 || T == tri2) continue;
-            if (tr.pts[0] != point && tr.pts[1] != point && tr.pts[2] != point) continue;
-            double uv[2];
-            cornerUV(T, point, uv);
-            if (uv[0] == uv1[0] && uv[1] == uv1[1]) setCornerUV(T, point, new1);
-            else if (uv[0] == uv2[0] && uv[1] == uv2[1]) setCornerUV(T, point, new2);
+            const int corner = tr.pts[0] == point ? 0 : tr.pts[1] == point ? 1 : tr.pts[2] == point ? 2 : -1;
+            if (corner < 0) continue;
+            double* uv = tUV_[static_cast<std::size_t>(T)].data() + corner * 2;
+            const double* to = nullptr;
+            if (uv[0] == uv1[0] && uv[1] == uv1[1]) to = new1;
+            else if (uv[0] == uv2[0] && uv[1] == uv2[1]) to = new2;
+            if (to) {
+                uv[0] = to[0];
+                uv[1] = to[1];
+            }
         }
     };
     apply(kept, uvK1, uvK2);

@@ -296,19 +296,74 @@ bool SurfSimpli::wouldFlipNormal(int edge) {
 bool SurfSimpli::degeneratesOrFlips(int edge) {
     std::vector<FlipCheck>& kept = flipChecks_;
     kept.clear();
+    movedPlanes_.clear();
+    movedPlanesEdge_ = -1;
     bool flipSettled = false;
-    const bool degenerates = anyMovedTri(edge, [&](const TriHot& T, const double* const* c) {
-        if (degenerate(c)) return true;
-        if (flipSettled) return false;
-        const FlipCheck f = flipCheck(T.plane, c);
-        if (f.kind == FlipCheck::Keeps) return false;
-        flipSettled = f.kind != FlipCheck::Ask;
-        kept.push_back(f);
-        return false;
-    });
-    if (degenerates) return true;
+    const EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
+    const std::int32_t* edgeTris = eTris_.begin(static_cast<std::size_t>(edge));
+    const std::int32_t* edgeTrisEnd = eTris_.end(static_cast<std::size_t>(edge));
+    const int ends[2] = {E.a, E.b};
+    for (const int end : ends) { // the walk of anyMovedTri
+        const std::size_t pe = static_cast<std::size_t>(end);
+        if (pe >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+        for (const std::int32_t* t = pTris_.begin(pe); t != pTris_.end(pe); ++t) {
+            const TriHot& T = tris_[static_cast<std::size_t>(*t)];
+            if (!T.valid || std::find(edgeTris, edgeTrisEnd, *t) != edgeTrisEnd) continue;
+            const double* c[3];
+            std::int32_t ids[3];
+            for (int k = 0; k < 3; ++k) {
+                const bool moved = T.pts[k] == E.a || T.pts[k] == E.b;
+                c[k] = moved ? E.nc : pts_[static_cast<std::size_t>(T.pts[k])].xyz;
+                ids[k] = moved ? -1 : T.pts[k];
+            }
+            // degenerate(c), its tests of finiteness in one: a side that is not finite makes a
+            // component of the cross product not finite (inf times a side's component is inf or
+            // NaN, and so is any sum with it), so the components stand for all nine
+            const double s1x = c[1][0] - c[0][0], s1y = c[1][1] - c[0][1], s1z = c[1][2] - c[0][2];
+            const double s2x = c[2][0] - c[0][0], s2y = c[2][1] - c[0][1], s2z = c[2][2] - c[0][2];
+            const double x = s1y * s2z - s1z * s2y;
+            const double y = s1z * s2x - s1x * s2z;
+            const double z = s1x * s2y - s1y * s2x;
+            if (!(x * 0.0 + y * 0.0 + z * 0.0 == 0.0)) vexil::raiseOverflow();
+            if (x == 0.0 && y == 0.0 && z == 0.0) return true;
+            if (flipSettled) continue;
+            // flipCheck(T.plane, c): PlaneFromPoints, as the maths library writes it
+            const double x1 = c[0][0], y1 = c[0][1], z1 = c[0][2];
+            const double x2 = c[1][0], y2 = c[1][1], z2 = c[1][2];
+            const double x3 = c[2][0], y3 = c[2][1], z3 = c[2][2];
+            const double a = y1 * (z2 - z3) + y2 * (z3 - z1) + y3 * (z1 - z2);
+            const double b = z1 * (x2 - x3) + z2 * (x3 - x1) + z3 * (x1 - x2);
+            const double cc = x1 * (y2 - y3) + x2 * (y3 - y1) + x3 * (y1 - y2);
+            const double d = -(x1 * (y2 * z3 - y3 * z2) + x2 * (y3 * z1 - y1 * z3) + x3 * (y1 * z2 - y2 * z1));
+            movedPlanes_.push_back(MovedPlane{*t, {ids[0], ids[1], ids[2]}, a, b, cc, d});
+            FlipCheck::Kind kind = FlipCheck::Ask;
+            const double* p = T.plane;
+            if (!(a * 0.0 + b * 0.0 + cc * 0.0 + d * 0.0 == 0.0)) {
+                kind = FlipCheck::Overflows;
+            } else {
+                // the negated normal n = -(a, b, cc): n[i] * n[i] is a * a
+                const double la2 = a * a + b * b + cc * cc;
+                const double lb2 = p[0] * p[0] + p[1] * p[1] + p[2] * p[2];
+                if (la2 >= 1e-250 && la2 <= 1e250 && lb2 >= 1e-250 && lb2 <= 1e250) {
+                    const double dot = -a * p[0] + -b * p[1] + -cc * p[2];
+                    // a non-finite product makes the sum non-finite
+                    if (!(dot * 0.0 == 0.0)) {
+                        kind = FlipCheck::Overflows;
+                    } else {
+                        const double m = std::sqrt(la2) * std::sqrt(lb2);
+                        if (dot <= -1e-6 * m) kind = FlipCheck::Flips;
+                        else if (dot >= 1e-6 * m) kind = FlipCheck::Keeps;
+                    }
+                }
+            }
+            if (kind == FlipCheck::Keeps) continue;
+            flipSettled = kind != FlipCheck::Ask;
+            kept.push_back(FlipCheck{kind, {-a, -b, -cc}, p});
+        }
+    }
     for (const FlipCheck& f : kept)
         if (flips(f)) return true;
+    movedPlanesEdge_ = edge; // (a settled flip answers or raises above) every moved triangle has its plane
     return false;
 }
 
