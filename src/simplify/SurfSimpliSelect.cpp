@@ -303,6 +303,23 @@ bool SurfSimpli::degeneratesOrFlips(int edge) {
     const std::int32_t* edgeTris = eTris_.begin(static_cast<std::size_t>(edge));
     const std::int32_t* edgeTrisEnd = eTris_.end(static_cast<std::size_t>(edge));
     const int ends[2] = {E.a, E.b};
+    // The candidate's neighbourhood lies anywhere in the arrays, and this is the first to read
+    // it: ask for all its triangles (and the edges keepsManifold reads next) at once, then for
+    // their corners, rather than one record after the other as the walk comes to them.
+    if (static_cast<std::size_t>(E.a) < pValid_.size() && static_cast<std::size_t>(E.b) < pValid_.size()) {
+        for (const int end : ends) {
+            const std::size_t pe = static_cast<std::size_t>(end);
+            for (const std::int32_t* t = pTris_.begin(pe); t != pTris_.end(pe); ++t) __builtin_prefetch(&tris_[static_cast<std::size_t>(*t)]);
+            for (const std::int32_t* e = pEdges_.begin(pe); e != pEdges_.end(pe); ++e) __builtin_prefetch(&edges_[static_cast<std::size_t>(*e)]);
+        }
+        for (const int end : ends) {
+            const std::size_t pe = static_cast<std::size_t>(end);
+            for (const std::int32_t* t = pTris_.begin(pe); t != pTris_.end(pe); ++t) {
+                const TriHot& T = tris_[static_cast<std::size_t>(*t)];
+                for (int k = 0; k < 3; ++k) __builtin_prefetch(pts_[static_cast<std::size_t>(T.pts[k])].xyz);
+            }
+        }
+    }
     for (const int end : ends) { // the walk of anyMovedTri
         const std::size_t pe = static_cast<std::size_t>(end);
         if (pe >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
