@@ -257,6 +257,9 @@ public:
     // Renumber the records for locality when a group is read (on by default; the design's
     // indices stay at the interface either way, and the tests compare both settings).
     bool RenumberRecords = true;
+    // Sum the neighbourhood's quadrics four lanes at a time where the processor can (on by
+    // default; the same bits either way, and the tests compare both settings).
+    bool WideSums = true;
 
     // Bytes held by the model now (arrays, lists, the copy for restarting, indexes, heap), and the
     // most it held since it was made.
@@ -358,6 +361,11 @@ private:
     void mergeEdgeTris(int e1, int e2);
     void repointTriEdges(int from, int to);
     void collectAffected(int kept);
+    // The affected points' quadrics afresh from their valid triangles' planes (one body, made
+    // for the plain processor and for one with 4-lane vectors, which gives the same bits).
+    template <class Acc> void sumAffectedQuadrics();
+    void sumAffectedQuadricsPlain();
+    void sumAffectedQuadricsWide();
     struct MovedPlane;
     void evaluatePlanes(int kept, const std::vector<MovedPlane>* moved = nullptr);
     void buildPointQuadric(int point);
