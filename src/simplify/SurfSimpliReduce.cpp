@@ -383,47 +383,57 @@ void SurfSimpli::collectAffected(int kept) {
         stamp_ = 1;
     }
     if (ptStamp_.size() < pValid_.size()) ptStamp_.resize(pValid_.size(), 0);
-    auto addPt = [&](int p) {
-        if (ptStamp_[static_cast<std::size_t>(p)] != stamp_) {
-            ptStamp_[static_cast<std::size_t>(p)] = stamp_;
-            affectedPts_.push_back(p);
-        }
-    };
+    const std::uint32_t stamp = stamp_;
+    std::uint32_t* const ptStamp = ptStamp_.data();
+    EdgeHot* const edges = edges_.data();
     const std::size_t k = static_cast<std::size_t>(kept);
     if (k >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
     for (const std::int32_t* e = pEdges_.begin(k); e != pEdges_.end(k); ++e) {
-        const EdgeHot& X = edges_[static_cast<std::size_t>(*e)];
+        const EdgeHot& X = edges[*e];
         if (!X.valid) continue;
-        addPt(X.a);
-        addPt(X.b);
+        for (const std::int32_t p : {X.a, X.b})
+            if (ptStamp[p] != stamp) {
+                ptStamp[p] = stamp;
+                affectedPts_.push_back(p);
+            }
     }
+    std::size_t room = 0;
     for (const std::int32_t p : affectedPts_) { // the edges of the neighbourhood, on their way in
         const std::size_t pi = static_cast<std::size_t>(p);
-        for (const std::int32_t* e = pEdges_.begin(pi); e != pEdges_.end(pi); ++e)
-            __builtin_prefetch(&edges_[static_cast<std::size_t>(*e)]);
+        for (const std::int32_t* e = pEdges_.begin(pi); e != pEdges_.end(pi); ++e) __builtin_prefetch(&edges[*e]);
+        room += pEdges_.size(pi);
     }
-    affectedBorder_.assign(affectedPts_.size(), 0);
+    affectedBorder_.resize(affectedPts_.size());
+    affectedEdges_.resize(room);
+    std::int32_t* const out = affectedEdges_.data();
+    std::size_t n = 0;
     for (std::size_t i = 0; i < affectedPts_.size(); ++i) {
-        const std::size_t p = static_cast<std::size_t>(affectedPts_[i]);
+        const std::int32_t p = affectedPts_[i];
+        const std::size_t pi = static_cast<std::size_t>(p);
         // dead edges leave the list as it is read
+        std::int32_t* const list = pEdges_.begin(pi);
+        const std::uint32_t size = pEdges_.size(pi);
+        std::uint32_t w = 0;
         bool border = false;
-        pEdges_.filter(p, [&](std::int32_t e) {
-            EdgeHot& X = edges_[static_cast<std::size_t>(e)];
-            if (!X.valid) return false;
+        for (std::uint32_t r = 0; r < size; ++r) {
+            const std::int32_t e = list[r];
+            EdgeHot& X = edges[e];
+            if (!X.valid) continue;
+            list[w++] = e;
             border |= X.border;
-            if (X.stamp != stamp_) {
-                X.stamp = stamp_;
-                affectedEdges_.push_back(e);
-                // the far end's quadric is summed when the edge is costed, after the planes and
-                // the neighbourhood's quadrics: time enough for it to come in
-                const double* far = pts_[static_cast<std::size_t>(X.a == static_cast<std::int32_t>(p) ? X.b : X.a)].s;
-                __builtin_prefetch(far);
-                __builtin_prefetch(far + 8);
-            }
-            return true;
-        });
+            if (X.stamp == stamp) continue;
+            X.stamp = stamp;
+            out[n++] = e;
+            // the far end's quadric is summed when the edge is costed, after the planes and
+            // the neighbourhood's quadrics: time enough for it to come in
+            const double* far = pts_[static_cast<std::size_t>(X.a == p ? X.b : X.a)].s;
+            __builtin_prefetch(far);
+            __builtin_prefetch(far + 8);
+        }
+        pEdges_.truncate(pi, w);
         affectedBorder_[i] = border;
     }
+    affectedEdges_.resize(n);
 }
 
 // moved: the planes the flip test made for the moved triangles of this contraction's edge
