@@ -540,15 +540,6 @@ private:
             unparkAt(p);
     }
     void unparkAt(int p);
-    void touchTriCorners(int t) {
-        const TriHot& T = tris_[static_cast<std::size_t>(t)];
-        for (int k = 0; k < 3; ++k) touchPoint(T.pts[k]);
-    }
-    void touchEdgeEnds(int e) {
-        const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
-        touchPoint(E.a);
-        touchPoint(E.b);
-    }
     void clearRefusals();
 };
 

@@ -142,13 +142,30 @@ int SurfSimpli::ContractEdge() {
     if (selectedMark_.size() != pValid_.size()) markSelected();
     if (selectedFast(gone)) std::swap(kept, gone);
     const std::size_t k = static_cast<std::size_t>(kept), g = static_cast<std::size_t>(gone);
-    // the points whose tests may read something this contraction changes (refusal cache)
+    // the points whose tests may read something this contraction changes (refusal cache):
+    // touched, the edges parked at them come back (none while the heap is to be made afresh,
+    // none when no edge is parked)
     ++contractions_;
     if (ptParked_.size() < pValid_.size()) ptParked_.resize(pValid_.size(), 0);
-    for (const std::int32_t* t = eTris_.begin(ei); t != eTris_.end(ei); ++t) {
-        touchTriCorners(*t);
-        for (const std::int32_t s : tris_[static_cast<std::size_t>(*t)].edges) touchEdgeEnds(s);
-    }
+    const bool watch = !heapDirty_ && !refusals_.empty();
+    const std::int32_t* const parkedAt = ptParked_.data(); // (unparking changes counts, not the array)
+    auto touch = [&](std::int32_t p) {
+        if (parkedAt[p] > 0) unparkAt(p);
+    };
+    auto touchCorners = [&](std::int32_t t) {
+        const TriHot& T = tris_[static_cast<std::size_t>(t)];
+        for (int c = 0; c < 3; ++c) touch(T.pts[c]);
+    };
+    auto touchEnds = [&](std::int32_t e) {
+        const EdgeHot& X = edges_[static_cast<std::size_t>(e)];
+        touch(X.a);
+        touch(X.b);
+    };
+    if (watch)
+        for (const std::int32_t* t = eTris_.begin(ei); t != eTris_.end(ei); ++t) {
+            touchCorners(*t);
+            for (const std::int32_t s : tris_[static_cast<std::size_t>(*t)].edges) touchEnds(s);
+        }
     for (const std::size_t p : {k, g}) {
         for (const std::int32_t* t = pTris_.begin(p); t != pTris_.end(p); ++t) {
             // the texture coordinates are read by the interpolation below: on their way in now
@@ -157,10 +174,10 @@ int SurfSimpli::ContractEdge() {
                 __builtin_prefetch(uv);
                 __builtin_prefetch(uv + 5);
             }
-            touchTriCorners(*t);
+            if (watch) touchCorners(*t);
         }
         for (const std::int32_t* e = pEdges_.begin(p); e != pEdges_.end(p); ++e) {
-            touchEdgeEnds(*e);
+            if (watch) touchEnds(*e);
             // the far ends are the neighbourhood whose quadrics and edges are made again below:
             // their list heads and records on their way in now
             const EdgeHot& X = edges_[static_cast<std::size_t>(*e)];
