@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace simplify {
 
@@ -219,6 +220,12 @@ bool SurfSimpli::WouldFlipNormal(int edge) { return wouldFlipNormal(inEdge(edge)
 bool SurfSimpli::KeepsManifold(int edge) { return keepsManifold(inEdge(edge)); }
 
 namespace {
+using v2d = double __attribute__((vector_size(16)));
+inline v2d ld2(const double* p) {
+    v2d r;
+    std::memcpy(&r, p, sizeof r);
+    return r;
+}
 // The moved triangle has no area (CrossProduct of its sides is zero); raises Overflow for a
 // side or a component that is not finite.
 inline bool degenerate(const double* const* c) {
@@ -336,20 +343,26 @@ bool SurfSimpli::degeneratesOrFlips(int edge) {
             // degenerate(c), its tests of finiteness in one: a side that is not finite makes a
             // component of the cross product not finite (inf times a side's component is inf or
             // NaN, and so is any sum with it), so the components stand for all nine
-            const double s1x = c[1][0] - c[0][0], s1y = c[1][1] - c[0][1], s1z = c[1][2] - c[0][2];
-            const double s2x = c[2][0] - c[0][0], s2y = c[2][1] - c[0][1], s2z = c[2][2] - c[0][2];
-            const double x = s1y * s2z - s1z * s2y;
-            const double y = s1z * s2x - s1x * s2z;
-            const double z = s1x * s2y - s1y * s2x;
-            if (!(x * 0.0 + y * 0.0 + z * 0.0 == 0.0)) vexil::raiseOverflow();
-            if (x == 0.0 && y == 0.0 && z == 0.0) return true;
+            // Two lanes where two terms have the same shape, each lane the scalar term's
+            // operations in order: with U = (y, z) and W = (z, x) of each corner, the sides'
+            // (y, z) and (z, x) are differences of them, (x, y) of the cross product is
+            // s1U * s2W - s1W * s2U, and PlaneFromPoints' (a, b) is
+            // U1 * (W2 - W3) + U2 * (W3 - W1) + U3 * (W1 - W2).
+            const v2d U0 = ld2(c[0] + 1), U1 = ld2(c[1] + 1), U2 = ld2(c[2] + 1);
+            const v2d W0 = v2d{c[0][2], c[0][0]}, W1 = v2d{c[1][2], c[1][0]}, W2 = v2d{c[2][2], c[2][0]};
+            const v2d s1U = U1 - U0, s1W = W1 - W0, s2U = U2 - U0, s2W = W2 - W0;
+            const v2d xy = s1U * s2W - s1W * s2U;
+            const double z = s1W[1] * s2U[0] - s1U[0] * s2W[1]; // s1x * s2y - s1y * s2x
+            const v2d xy0 = xy * 0.0;
+            if (!(xy0[0] + xy0[1] + z * 0.0 == 0.0)) vexil::raiseOverflow();
+            if (xy[0] == 0.0 && xy[1] == 0.0 && z == 0.0) return true;
             if (flipSettled) continue;
             // flipCheck(T.plane, c): PlaneFromPoints, as the maths library writes it
             const double x1 = c[0][0], y1 = c[0][1], z1 = c[0][2];
             const double x2 = c[1][0], y2 = c[1][1], z2 = c[1][2];
             const double x3 = c[2][0], y3 = c[2][1], z3 = c[2][2];
-            const double a = y1 * (z2 - z3) + y2 * (z3 - z1) + y3 * (z1 - z2);
-            const double b = z1 * (x2 - x3) + z2 * (x3 - x1) + z3 * (x1 - x2);
+            const v2d ab = U0 * (W1 - W2) + U1 * (W2 - W0) + U2 * (W0 - W1);
+            const double a = ab[0], b = ab[1];
             const double cc = x1 * (y2 - y3) + x2 * (y3 - y1) + x3 * (y1 - y2);
             const double d = -(x1 * (y2 * z3 - y3 * z2) + x2 * (y3 * z1 - y1 * z3) + x3 * (y1 * z2 - y2 * z1));
             movedPlanes_.push_back(MovedPlane{*t, {ids[0], ids[1], ids[2]}, a, b, cc, d});
