@@ -93,7 +93,9 @@ void SurfSimpli::SimplifyLoop(int target) {
             return;
         }
     }
-    bool selectedHere = !continueRun_;
+    // the first selection has the progress calls of the host after it: its contraction computes
+    // its planes itself
+    bool selectedHere = false;
     const int progressMax = triTotal_ - target + 1;
     if (progress_) {
         progress_->setMaximum(progressMax);
