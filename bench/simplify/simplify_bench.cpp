@@ -1,7 +1,7 @@
 // simplify_bench: the figures of docs/performance.md, "Simplification".
 //
 //   simplify_bench [--mesh FILE] [--subdivide N] [--keep 0.5,0.1] [--targets N,M] [--runs N] [--mode prod|ref]
-//                  [--faces N] [--plain] [--no-renumber] [--session]
+//                  [--faces N] [--plain] [--no-renumber] [--session] [--engine]
 //
 // prod: the production SurfSimpli, N runs per target in this process (a fresh object each run),
 //       median wall and CPU time of Reduce (extraction, restart copy, loop and output included),
@@ -13,7 +13,10 @@
 // --targets gives triangle counts instead of fractions; --plain runs the production without its
 // refusal cache (its candidate count is then that of the reference's scans); --no-renumber keeps
 // the records in the order extraction makes them.
-// Every run goes through the in-memory engine, so the engine's own cost is not measured.
+// Every run goes through the in-memory engine, so the engine's own cost is not measured; with
+// --engine the production reads and writes through libzelmar3 instead, as the editor does (each
+// run reads a fresh copy of the mesh, and its output group is deleted after it, untimed).
+#include "EngineMeshes.h"
 #include "MemoryEngine.h"
 #include "MeshData.h"
 #include "MeshMaker.h"
@@ -59,7 +62,7 @@ int main(int argc, char** argv) {
     int runs = 5;
     std::size_t faces = 0;
     int subdivisions = 0;
-    bool plain = false, session = false, renumber = true;
+    bool plain = false, session = false, renumber = true, viaEngine = false;
     std::vector<int> targets;
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
@@ -70,6 +73,7 @@ int main(int argc, char** argv) {
         else if (a == "--faces") faces = static_cast<std::size_t>(std::stol(next()));
         else if (a == "--plain") plain = true;
         else if (a == "--session") session = true;
+        else if (a == "--engine") viaEngine = true;
         else if (a == "--no-renumber") renumber = false;
         else if (a == "--subdivide") subdivisions = std::stoi(next());
         else if (a == "--targets") {
@@ -139,20 +143,25 @@ int main(int argc, char** argv) {
         std::size_t modelBytes = 0, peakBytes = 0;
         for (int r = 0; r < runs; ++r) {
             MemoryEngine eng;
-            const int g = eng.addMesh(mesh);
-            simplify::SurfSimpli s(&eng);
+            const int g = viaEngine ? toEngine(mesh) : eng.addMesh(mesh);
+            simplify::SurfSimpli s(viaEngine ? nullptr : &eng);
             s.SetHost(&host);
             s.ForceRestart = true;
             s.CacheRefusals = !plain;
             s.RenumberRecords = renumber;
             PhaseClock phases;
             const double w0 = bench::wallMs(), c0 = bench::processCpuMs();
+            int outGroup = 0;
             try {
-                s.Reduce(target, g, false, nullptr, &phases, false, false, false);
+                outGroup = s.Reduce(target, g, false, nullptr, &phases, false, false, false);
             } catch (const std::exception& e) {
                 std::printf("  production raised: %s\n", e.what());
             }
             const double w1 = bench::wallMs(), c1 = bench::processCpuMs();
+            if (viaEngine) {
+                ZELMAR_group_delete_members(outGroup);
+                ZELMAR_group_delete_members(g);
+            }
             wall.push_back(w1 - w0);
             cpu.push_back(c1 - c0);
             ex.push_back(phases.loop - phases.extract);
@@ -166,10 +175,10 @@ int main(int argc, char** argv) {
             modelBytes = s.MemoryBytes();
             peakBytes = s.PeakMemoryBytes();
         }
-        std::printf("production%s keep %.2f: %d -> %d triangles, median of %d: wall %.1f ms, cpu %.1f ms "
+        std::printf("production%s%s keep %.2f: %d -> %d triangles, median of %d: wall %.1f ms, cpu %.1f ms "
                     "(extract+copy %.1f, loop %.1f, output %.1f); %lld selections, %lld candidates, %lld refusals "
                     "from the cache, %lld heap fills\n",
-                    plain ? " (no refusal cache)" : "", keep, total, result, runs, bench::median(wall), bench::median(cpu), bench::median(ex), bench::median(lp), bench::median(out), selections,
+                    plain ? " (no refusal cache)" : "", viaEngine ? " via libzelmar3" : "", keep, total, result, runs, bench::median(wall), bench::median(cpu), bench::median(ex), bench::median(lp), bench::median(out), selections,
                     candidates, cached, fills);
         // the least CPU of the runs: on a shared machine the run least disturbed by others
         std::printf("  fastest run: cpu %.1f ms (extract+copy %.1f, loop %.1f)\n", *std::min_element(cpu.begin(), cpu.end()),

@@ -115,6 +115,25 @@ public:
         return r;
     }
 
+    // Empties the pool and lays out `lists` lists one after the other as reordered does, list i
+    // with room for size(i) + slack entries; fill() then writes them without moving any.
+    template <class Size> void shape(std::size_t lists, Size size, std::uint32_t slack) {
+        BigVector<Head>(lists).swap(heads_);
+        std::uint32_t off = 0;
+        for (std::size_t i = 0; i < lists; ++i) {
+            const std::uint32_t n = size(i);
+            heads_[i] = Head{off, 0, n + slack};
+            off += n + slack;
+        }
+        BigVector<std::int32_t>(off).swap(data_);
+        dead_ = 0;
+    }
+    // Appends to a list laid out by shape (its room is never exceeded).
+    void fill(std::size_t list, std::int32_t value) {
+        Head& h = heads_[list];
+        data_[h.off + h.size++] = value;
+    }
+
     std::size_t memoryBytes() const {
         return heads_.capacity() * sizeof(Head) + data_.capacity() * sizeof(std::int32_t);
     }

@@ -6,6 +6,16 @@
 
 namespace simplify {
 
+// One polygon of a group as the simplification reads it: three corners of x, y, z, u, v,
+// brightness and normal, the plane, bitmap, polygon brightness (the third corner's) and colour.
+struct SimplifyTriangle {
+    double corners[3][9];
+    double plane[4];
+    int bitmap;
+    double brightness;
+    int color[3];
+};
+
 class SimplifyEngine {
 public:
     virtual ~SimplifyEngine() = default;
@@ -24,6 +34,11 @@ public:
     virtual void point_get_normal(int point, double normal[3]) = 0;
     virtual void point_get_xyz(int point, double xyz[3]) = 0;
     virtual void polygon_get_plane(int polygon, double plane[4]) = 0;
+    // Reads up to `max` polygons of a group's walk, starting at `polygon`, into `out`; answers how
+    // many were read and leaves `polygon` at the next one (0 at the end of the walk). The default
+    // makes the calls above, in the order the simplification has always made them; an engine may
+    // answer the same values with fewer calls.
+    virtual int read_triangles(int& polygon, SimplifyTriangle* out, int max);
     // writing the output group
     virtual int group_create(const char* name) = 0;
     virtual void group_get_location(int group, double location[3]) = 0;
@@ -43,6 +58,47 @@ public:
         (void)points;
     }
 };
+
+// The walk of read_triangles through the single calls, in the order the simplification has
+// always made them. An engine class that is final calls it on itself to have the calls inlined.
+template <class Engine> int readTrianglesByCalls(Engine& e, int& polygon, SimplifyTriangle* out, int max) {
+    int n = 0;
+    for (; polygon != 0 && n < max; polygon = e.group_get_next_polygon(polygon), ++n) {
+        SimplifyTriangle& r = out[n];
+        const int pol = polygon;
+        r.bitmap = e.polygon_get_bitmap_handle(pol);
+        r.color[0] = r.color[1] = r.color[2] = 0;
+        e.polygon_get_color(pol, r.color);
+        double brightness = e.polygon_get_brightness(pol);
+        int pt = e.polygon_get_first_point(pol);
+        for (int k = 0; k < 3; ++k) {
+            if (k > 0) pt = e.point_get_next_point(pt);
+            double* c = r.corners[k];
+            double uv[2] = {0, 0}, normal[3] = {0, 0, 0}, xyz[3] = {0, 0, 0};
+            e.point_get_bitmap_xy(pt, uv);
+            brightness = e.point_get_brightness(pt); // the third corner's is the one passed on
+            e.point_get_normal(pt, normal);
+            e.point_get_xyz(pt, xyz);
+            c[0] = xyz[0];
+            c[1] = xyz[1];
+            c[2] = xyz[2];
+            c[3] = uv[0];
+            c[4] = uv[1];
+            c[5] = brightness;
+            c[6] = normal[0];
+            c[7] = normal[1];
+            c[8] = normal[2];
+        }
+        r.brightness = brightness;
+        r.plane[0] = r.plane[1] = r.plane[2] = r.plane[3] = 0;
+        e.polygon_get_plane(pol, r.plane);
+    }
+    return n;
+}
+
+inline int SimplifyEngine::read_triangles(int& polygon, SimplifyTriangle* out, int max) {
+    return readTrianglesByCalls(*this, polygon, out, max);
+}
 
 // Forwards to libzelmar3.
 class ZelmarSimplifyEngine final : public SimplifyEngine {

@@ -260,6 +260,15 @@ public:
     // Sum the neighbourhood's quadrics four lanes at a time where the processor can (on by
     // default; the same bits either way, and the tests compare both settings).
     bool WideSums = true;
+    // Read a group into a fresh model as whole arrays (on by default; the tests compare it with
+    // AddTriangle one triangle at a time, which it must equal record for record).
+    bool WholeExtraction = true;
+    // How edges are re-costed: four at a time with AVX2, four at a time on two-lane halves (any
+    // processor), or one at a time. All give the same bits (the tests compare them); the default
+    // is AVX2 where the processor has it, one at a time otherwise.
+    enum class Costing { Avx2, Portable, Scalar };
+    Costing CostingPath = DefaultCosting();
+    static Costing DefaultCosting();
 
     // Bytes held by the model now (arrays, lists, the copy for restarting, indexes, heap), and the
     // most it held since it was made.
@@ -346,6 +355,11 @@ private:
     static std::vector<std::int32_t> mapList(const std::vector<std::int32_t>& m, const std::int32_t* from, const std::int32_t* to);
     void pushIdentity(std::vector<std::int32_t>& ext, std::vector<std::int32_t>& in);
     void renumberForLocality();
+    // Extraction (SurfSimpliExtract.cpp): the whole group read into a fresh model at once, in the
+    // records' own order, equal to what AddTriangle one by one and renumberForLocality make;
+    // false (nothing read) when the model is not fresh. Otherwise the triangles are added one by one.
+    bool extractWhole(int group, int count);
+    void extractByTriangles(int group, int count);
 
     // The work of the public operations on the arrays' own record numbers.
     int bucketPoint(const double coords[3], int tri);
@@ -395,6 +409,12 @@ private:
     // can ever be chosen: valid, -1e21 <= cost < 1e32 (NaN never)
     static bool eligible(const EdgeHot& E) { return E.valid && E.cost >= -1e21 && E.cost < 1e32; }
     void heapUpdate(int edge, double oldCost);
+    // Placement and cost of a list of edges, four at a time; each edge's heap update follows in
+    // order when withHeap. Edges the batches cannot finish go through the scalar code in turn.
+    void evaluateList(const std::int32_t* edges, std::size_t n, bool withHeap);
+    void evaluateOne(int edge, bool withHeap);
+    std::vector<double> laneOut_;          // evaluateList's scratch: each edge's (cost, x, y, z)
+    std::vector<unsigned char> laneClean_; // and the clean lanes of each four
     void rebuildHeap();
     void fillHeap();
     void rebuildPointIndex();
@@ -405,6 +425,7 @@ private:
     bool selectedFast(int point) const;
     void project(int point, double& x, double& y, bool& ok) const;
     void notePeak() { peakBytes_ = std::max(peakBytes_, MemoryBytes()); }
+    void notePeak(std::size_t scratch) { peakBytes_ = std::max(peakBytes_, MemoryBytes() + scratch); }
     void copyColdForRestore();
 
     bigarray::CacheUser arrayCache_; // first: outlives the arrays
@@ -452,6 +473,7 @@ private:
     bool cancelled_ = false;
     bool costlyContraction_ = false;
     bool pristine_ = false; // the arrays equal the copy for restarting (no restore copy needed)
+    bool extractedZero_ = false; // extractWhole left every quadric, placement and cost zero: the copy need not look
     int minEdge_ = -1;
     double minCost_ = 0;
     std::size_t peakBytes_ = 0;

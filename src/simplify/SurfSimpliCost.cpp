@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstring>
 
 namespace simplify {
 
@@ -453,12 +455,17 @@ void SurfSimpli::PlaceOnSegment(int edge) {
 
 void SurfSimpli::EvaluateAllEdges() {
     pristine_ = false;
-    QSum q;
+    std::int32_t chunk[256];
+    std::size_t n = 0;
     for (int e = 1; e <= EdgeCount(); ++e) {
         if (!edges_[static_cast<std::size_t>(e)].valid) continue;
-        sumEdgeQuadric(e, q);
-        evaluateEdge(e, q);
+        chunk[n++] = e;
+        if (n == std::size(chunk)) {
+            evaluateList(chunk, n, false);
+            n = 0;
+        }
     }
+    evaluateList(chunk, n, false);
     heapDirty_ = true;
 }
 
@@ -480,32 +487,120 @@ void SurfSimpli::EvaluateAllEdges() {
     }
 }
 
+// The edges of a neighbourhood are independent: each reads its two ends' records (which no
+// re-costing writes) and writes its own placement and cost; a heap update reads only its own
+// edge's old and new cost. So four are costed at once, then their heap updates are made in
+// list order. A lane the batch cannot finish is done by the scalar code in its turn, so a
+// raise leaves what the one-by-one loop leaves: the edges before it costed and in the heap, the
+// raising edge placed but not costed, the ones after it untouched.
 void SurfSimpli::EvaluateAffectedEdges() {
     pristine_ = false;
+    evaluateList(affectedEdges_.data(), affectedEdges_.size(), true);
+}
+
+void SurfSimpli::evaluateOne(int edge, bool withHeap) {
+    const double oldCost = edges_[static_cast<std::size_t>(edge)].cost;
     QSum q;
-    const std::size_t n = affectedEdges_.size();
-    // The records of a neighbourhood lie anywhere in the arrays: ask for the next edges' ends
-    // and heap slots ahead of their turn.
-    auto ahead = [&](std::size_t i) {
-        const EdgeHot& E = edges_[static_cast<std::size_t>(affectedEdges_[i])];
-        const double* a = pts_[static_cast<std::size_t>(E.a)].s;
-        const double* b = pts_[static_cast<std::size_t>(E.b)].s;
-        __builtin_prefetch(a);
-        __builtin_prefetch(a + 8);
-        __builtin_prefetch(b);
-        __builtin_prefetch(b + 8);
-        heap_.prefetch(affectedEdges_[i]);
-    };
-    for (std::size_t i = 0; i < n && i < 3; ++i) __builtin_prefetch(&edges_[static_cast<std::size_t>(affectedEdges_[i])]);
-    for (std::size_t i = 0; i < n && i < 2; ++i) ahead(i);
+    sumEdgeQuadric(edge, q);
+    evaluateEdge(edge, q);
+    if (withHeap) heapUpdate(edge, oldCost);
+}
+
+namespace {
+using ListKernel = void (*)(const qm::EdgeList&, double*, unsigned char*);
+void segmentListPortable(const qm::EdgeList& l, double* res, unsigned char* clean) { qm::costList<false>(l, res, clean); }
+void optimalListPortable(const qm::EdgeList& l, double* res, unsigned char* clean) { qm::costList<true>(l, res, clean); }
+#if defined(__x86_64__)
+__attribute__((target("avx2"))) void segmentListAvx2(const qm::EdgeList& l, double* res, unsigned char* clean) {
+    qm::costList<false>(l, res, clean);
+}
+__attribute__((target("avx2"))) void optimalListAvx2(const qm::EdgeList& l, double* res, unsigned char* clean) {
+    qm::costList<true>(l, res, clean);
+}
+#endif
+} // namespace
+
+// Without AVX2 the one-by-one code: the two-lane build of the batch runs fewer instructions but
+// spills most of its values (sixteen 128-bit registers) and was measured slower.
+SurfSimpli::Costing SurfSimpli::DefaultCosting() {
+#if defined(__x86_64__)
+    static const Costing path = [] {
+        __builtin_cpu_init();
+        return __builtin_cpu_supports("avx2") ? Costing::Avx2 : Costing::Scalar;
+    }();
+    return path;
+#else
+    return Costing::Scalar;
+#endif
+}
+
+// The edges of a list are independent: each reads its two ends' records (which no re-costing
+// writes) and writes its own placement and cost, and a heap update reads only its own edge's
+// old and new cost. So all are costed first, four at a time, and then, in list order, each
+// edge's results are stored and its heap update made. An edge the batches cannot finish (a
+// fallback to the better end, or an Overflow) is done by the scalar code in its turn, so a
+// raise leaves what the one-by-one loop leaves: the edges before it costed and in the heap,
+// the raising edge as far as the scalar code got, the ones after it untouched.
+void SurfSimpli::evaluateList(const std::int32_t* list, std::size_t n, bool withHeap) {
+    if (n == 0) return;
+    ListKernel kernel = geomOnly_ ? optimalListPortable : segmentListPortable;
+    switch (CostingPath) {
+    case Costing::Scalar: {
+        // The records of a neighbourhood lie anywhere in the arrays: ask for the next edges'
+        // ends and heap slots ahead of their turn.
+        auto ahead = [&](std::size_t i) {
+            const EdgeHot& E = edges_[static_cast<std::size_t>(list[i])];
+            const double* a = pts_[static_cast<std::size_t>(E.a)].s;
+            const double* b = pts_[static_cast<std::size_t>(E.b)].s;
+            __builtin_prefetch(a);
+            __builtin_prefetch(a + 8);
+            __builtin_prefetch(b);
+            __builtin_prefetch(b + 8);
+            heap_.prefetch(list[i]);
+        };
+        for (std::size_t i = 0; i < n && i < 3; ++i) __builtin_prefetch(&edges_[static_cast<std::size_t>(list[i])]);
+        for (std::size_t i = 0; i < n && i < 2; ++i) ahead(i);
+        for (std::size_t i = 0; i < n; ++i) {
+            if (i + 3 < n) __builtin_prefetch(&edges_[static_cast<std::size_t>(list[i + 3])]);
+            if (i + 2 < n) ahead(i + 2);
+            const std::int32_t e = list[i]; // evaluateOne, inlined
+            const double oldCost = edges_[static_cast<std::size_t>(e)].cost;
+            QSum q;
+            sumEdgeQuadric(e, q);
+            evaluateEdge(e, q);
+            if (withHeap) heapUpdate(e, oldCost);
+        }
+        return;
+    }
+    case Costing::Avx2:
+#if defined(__x86_64__)
+        kernel = geomOnly_ ? optimalListAvx2 : segmentListAvx2;
+#endif
+        break;
+    case Costing::Portable:
+        break;
+    }
+    const std::size_t fours = (n + 3) / 4;
+    if (laneClean_.size() < fours) {
+        laneClean_.resize(fours);
+        laneOut_.resize(16 * fours);
+    }
+    static_assert(offsetof(EdgeHot, a) == 0 && offsetof(EdgeHot, b) == sizeof(std::int32_t), "the ends first");
+    static_assert(sizeof(PointHot) == 16 * sizeof(double) && offsetof(PointHot, s) == 0, "sixteen doubles a point");
+    const qm::EdgeList l{list, n, reinterpret_cast<const unsigned char*>(edges_.data()), sizeof(EdgeHot), reinterpret_cast<const double*>(pts_.data())};
+    kernel(l, laneOut_.data(), laneClean_.data());
+    const bool heapLive = withHeap && !heapDirty_;
+    static_assert(offsetof(EdgeHot, nc) == offsetof(EdgeHot, cost) + sizeof(double), "cost and placement side by side");
     for (std::size_t i = 0; i < n; ++i) {
-        if (i + 3 < n) __builtin_prefetch(&edges_[static_cast<std::size_t>(affectedEdges_[i + 3])]);
-        if (i + 2 < n) ahead(i + 2);
-        const std::int32_t e = affectedEdges_[i];
-        const double oldCost = edges_[static_cast<std::size_t>(e)].cost;
-        sumEdgeQuadric(e, q);
-        evaluateEdge(e, q);
-        heapUpdate(e, oldCost);
+        const std::int32_t e = list[i];
+        if (!(laneClean_[i / 4] >> (i % 4) & 1u)) {
+            evaluateOne(e, withHeap);
+            continue;
+        }
+        EdgeHot& E = edges_[static_cast<std::size_t>(e)];
+        const double oldCost = E.cost;
+        std::memcpy(reinterpret_cast<char*>(&E) + offsetof(EdgeHot, cost), &laneOut_[4 * i], 4 * sizeof(double));
+        if (heapLive) heapUpdate(e, oldCost);
     }
 }
 

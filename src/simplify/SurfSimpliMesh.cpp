@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <utility>
 
 namespace simplify {
 
@@ -400,7 +401,12 @@ void SurfSimpli::CopyGeomForRestore() {
     b.pts.clear();
     b.pCoords.reserve(pts_.size());
     bool zeroQ = true;
+    const bool knownZero = std::exchange(extractedZero_, false);
     for (const PointHot& q : pts_) {
+        if (knownZero) {
+            b.pCoords.push_back(Vec3{q.xyz[0], q.xyz[1], q.xyz[2]});
+            continue;
+        }
         std::uint64_t bits = 0;
         for (const double v : q.s) bits |= std::bit_cast<std::uint64_t>(v);
         for (const double v : q.u) bits |= std::bit_cast<std::uint64_t>(v);
@@ -421,7 +427,7 @@ void SurfSimpli::CopyGeomForRestore() {
     b.edgeEnds.reserve(edges_.size());
     bool placed = false;
     for (const EdgeHot& e : edges_) {
-        if ((std::bit_cast<std::uint64_t>(e.cost) | std::bit_cast<std::uint64_t>(e.nc[0]) | std::bit_cast<std::uint64_t>(e.nc[1]) |
+        if (!knownZero && (std::bit_cast<std::uint64_t>(e.cost) | std::bit_cast<std::uint64_t>(e.nc[0]) | std::bit_cast<std::uint64_t>(e.nc[1]) |
              std::bit_cast<std::uint64_t>(e.nc[2])) != 0) {
             placed = true;
             break;

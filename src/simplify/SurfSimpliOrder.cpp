@@ -6,6 +6,8 @@
 // stay at the interface (docs/simplify.md, "How the model is stored").
 #include "simplify/SurfSimpli.h"
 
+#include "simplify/RecordOrder.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -15,34 +17,8 @@ namespace simplify {
 
 namespace {
 
-// Spreads the low 21 bits of v to every third bit.
-std::uint64_t spread3(std::uint64_t v) {
-    v &= 0x1fffff;
-    v = (v | v << 32) & 0x1f00000000ffffULL;
-    v = (v | v << 16) & 0x1f0000ff0000ffULL;
-    v = (v | v << 8) & 0x100f00f00f00f00fULL;
-    v = (v | v << 4) & 0x10c30c30c30c30c3ULL;
-    v = (v | v << 2) & 0x1249249249249249ULL;
-    return v;
-}
-
-// Records grouped by a key from 0 to keys - 1, in their present order within a key: answers the
-// old record number of each new one (slot 0 stays 0).
-template <class Key>
-std::vector<std::int32_t> countingOrder(std::size_t records, std::size_t keys, Key key) {
-    std::vector<std::int32_t> start(keys + 1, 0);
-    for (std::size_t i = 1; i < records; ++i) ++start[static_cast<std::size_t>(key(i)) + 1];
-    for (std::size_t k = 0; k < keys; ++k) start[k + 1] += start[k];
-    std::vector<std::int32_t> order(records, 0);
-    for (std::size_t i = 1; i < records; ++i) order[static_cast<std::size_t>(1 + start[static_cast<std::size_t>(key(i))]++)] = static_cast<std::int32_t>(i);
-    return order;
-}
-
-std::vector<std::int32_t> inverse(const std::vector<std::int32_t>& order) {
-    std::vector<std::int32_t> of(order.size(), 0);
-    for (std::size_t i = 0; i < order.size(); ++i) of[static_cast<std::size_t>(order[i])] = static_cast<std::int32_t>(i);
-    return of;
-}
+using order::countingOrder;
+using order::inverse;
 
 template <class T, class A> void permute(std::vector<T, A>& v, const std::vector<std::int32_t>& order) {
     std::vector<T, A> out;
@@ -69,34 +45,7 @@ void SurfSimpli::renumberForLocality() {
         return;
     }
     // points: Morton order of their positions in the box of the finite ones
-    double lo[3] = {0, 0, 0}, hi[3] = {0, 0, 0};
-    bool any = false;
-    for (std::size_t p = 1; p < points; ++p) {
-        const double* c = pts_[p].xyz;
-        if (!std::isfinite(c[0]) || !std::isfinite(c[1]) || !std::isfinite(c[2])) continue;
-        for (int k = 0; k < 3; ++k) {
-            lo[k] = any ? std::min(lo[k], c[k]) : c[k];
-            hi[k] = any ? std::max(hi[k], c[k]) : c[k];
-        }
-        any = true;
-    }
-    std::vector<std::pair<std::uint64_t, std::int32_t>> keyed;
-    keyed.reserve(points - 1);
-    for (std::size_t p = 1; p < points; ++p) {
-        const double* c = pts_[p].xyz;
-        std::uint64_t key = 0;
-        for (int k = 0; k < 3; ++k) {
-            const double extent = hi[k] - lo[k];
-            double f = extent > 0 && std::isfinite(c[k]) ? (c[k] - lo[k]) / extent : 0.0;
-            f = std::clamp(f, 0.0, 1.0);
-            key |= spread3(static_cast<std::uint64_t>(f * 2097151.0)) << k;
-        }
-        keyed.emplace_back(key, static_cast<std::int32_t>(p));
-    }
-    std::sort(keyed.begin(), keyed.end());
-    std::vector<std::int32_t> ptOrder(points, 0);
-    for (std::size_t i = 0; i < keyed.size(); ++i) ptOrder[i + 1] = keyed[i].second;
-    std::vector<std::pair<std::uint64_t, std::int32_t>>().swap(keyed);
+    const std::vector<std::int32_t> ptOrder = order::mortonOrder(points, [&](std::size_t p) { return pts_[p].xyz; });
     const std::vector<std::int32_t> newPt = inverse(ptOrder);
 
     // edges by their lower end, triangles by their lowest corner

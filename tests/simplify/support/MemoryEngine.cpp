@@ -28,7 +28,7 @@ int MemoryEngine::addMesh(const MeshData& mesh, const char* name) {
 namespace {
 // The Newell normal of a ring and whether the ring has an area, as libzelmar3 decides it: a
 // normal of finite length above 1e-12 times the square of the ring's largest extent.
-bool newellWithArea(const MemPolygon& p, const std::vector<MemPoint>& pts, double& nx, double& ny, double& nz) {
+bool newellWithArea(const MemPolygon& p, const BlockArray<MemPoint>& pts, double& nx, double& ny, double& nz) {
     nx = ny = nz = 0;
     const std::size_t k = p.points.size();
     if (k < 3) return false;
@@ -81,7 +81,7 @@ int MemoryEngine::triangulatedCopy(int group, const char* name) {
 // turned over (the front is the side from which the ring runs clockwise), times the reciprocal
 // of its length, and D from the mean of the ring's points; all zero for a ring without area.
 // A mesh therefore reaches the simplification with the same bits through either engine.
-void MemoryEngine::planeOf(const MemPolygon& p, const std::vector<MemPoint>& pts, double plane[4]) {
+void MemoryEngine::planeOf(const MemPolygon& p, const BlockArray<MemPoint>& pts, double plane[4]) {
     plane[0] = plane[1] = plane[2] = plane[3] = 0;
     double nx, ny, nz;
     if (!newellWithArea(p, pts, nx, ny, nz)) return;
@@ -200,6 +200,47 @@ void MemoryEngine::polygon_get_plane(int polygon, double plane[4]) {
     planeOf(p, points_, plane);
 }
 
+// The values of the single calls (readTrianglesByCalls), read from the arrays directly: a ring's
+// corners are its first three points, and point handle 0 (zeros, brightness 0) past its end.
+int MemoryEngine::read_triangles(int& polygon, simplify::SimplifyTriangle* out, int max) {
+    int n = 0;
+    const MemGroup* walked = nullptr;
+    int walkedId = 0;
+    for (; polygon != 0 && n < max; ++n) {
+        calls += 20; // the single calls this stands for
+        const MemPolygon& P = polys_.at(static_cast<std::size_t>(polygon));
+        simplify::SimplifyTriangle& r = out[n];
+        r.bitmap = P.bitmap;
+        for (int k = 0; k < 3; ++k) r.color[k] = P.color[k];
+        for (std::size_t k = 0; k < 3; ++k) {
+            const int pt = k < P.points.size() ? P.points[k] : 0;
+            const MemPoint& m = points_[static_cast<std::size_t>(pt)];
+            double* c = r.corners[k];
+            for (int i = 0; i < 5; ++i) c[i] = m.v[i];
+            c[5] = pt == 0 ? 0.0 : m.v[5];
+            for (int i = 0; i < 3; ++i) c[6 + i] = m.normal[i];
+        }
+        r.brightness = r.corners[2][5];
+        if (P.planeSet)
+            for (int k = 0; k < 4; ++k) r.plane[k] = P.plane[k];
+        else
+            planeOf(P, points_, r.plane);
+        // group_get_next_polygon
+        if (!walked || walkedId != P.group) {
+            auto it = groups_.find(P.group);
+            walked = it == groups_.end() ? nullptr : &it->second;
+            walkedId = P.group;
+        }
+        if (!walked) {
+            polygon = 0;
+        } else {
+            const std::size_t i = static_cast<std::size_t>(polyIndexInGroup_[static_cast<std::size_t>(polygon)]) + 1;
+            polygon = i < walked->polygons.size() ? walked->polygons[i] : 0;
+        }
+    }
+    return n;
+}
+
 int MemoryEngine::group_create(const char* name) {
     ++calls;
     const int g = nextGroup_++;
@@ -243,7 +284,6 @@ int MemoryEngine::polygon_add_point(int polygon, const double vertex[6]) {
     MemPolygon& p = polys_.at(static_cast<std::size_t>(polygon));
     pointOwner_.push_back(polygon);
     pointIndexInRing_.push_back(static_cast<int>(p.points.size()));
-    if (p.points.empty()) p.points.reserve(3); // one block for a triangle's ring
     p.points.push_back(h);
     return h;
 }
@@ -267,14 +307,7 @@ void MemoryEngine::polygon_set_brightness(int polygon, double value) { ++calls; 
 
 void MemoryEngine::polygon_set_bitmap_fill(int polygon, int bitmap) { ++calls; polys_.at(static_cast<std::size_t>(polygon)).bitmap = bitmap; }
 
-void MemoryEngine::reserve_output(int polygons, int points) {
-    if (polygons <= 0 || points <= 0) return;
-    const auto morePolys = static_cast<std::size_t>(polygons), morePoints = static_cast<std::size_t>(points);
-    polys_.reserve(polys_.size() + morePolys);
-    polyIndexInGroup_.reserve(polyIndexInGroup_.size() + morePolys);
-    points_.reserve(points_.size() + morePoints);
-    pointOwner_.reserve(pointOwner_.size() + morePoints);
-    pointIndexInRing_.reserve(pointIndexInRing_.size() + morePoints);
-}
+// Nothing to make room for: the arrays grow in blocks that never move.
+void MemoryEngine::reserve_output(int, int) {}
 
 } // namespace simplify_test

@@ -5,6 +5,7 @@
 // rings give the simplification the same bits through either engine. Output groups are
 // recorded for comparison.
 #pragma once
+#include "BlockArray.h"
 #include "MeshData.h"
 #include "simplify/SimplifyEngine.h"
 
@@ -20,7 +21,7 @@ struct MemPoint {
 
 struct MemPolygon {
     int group = 0;
-    std::vector<int> points; // point handles
+    RingIds points; // point handles
     int bitmap = 0;
     int color[3] = {255, 255, 255};
     double brightness = 100;
@@ -46,7 +47,7 @@ public:
     // (libzelmar3 cuts concave rings otherwise; the tests' rings are triangles). Answers its handle.
     int triangulatedCopy(int group, const char* name);
     // Computes the plane of a polygon as libzelmar3 does.
-    static void planeOf(const MemPolygon& p, const std::vector<MemPoint>& pts, double plane[4]);
+    static void planeOf(const MemPolygon& p, const BlockArray<MemPoint>& pts, double plane[4]);
 
     const MemGroup& group(int g) const { return groups_.at(g); }
     std::size_t groupCount() const { return groups_.size(); }
@@ -73,6 +74,8 @@ public:
     void point_get_normal(int point, double normal[3]) override;
     void point_get_xyz(int point, double xyz[3]) override;
     void polygon_get_plane(int polygon, double plane[4]) override;
+    // The same calls, inlined (the class is final): the same values, without a dispatch each.
+    int read_triangles(int& polygon, simplify::SimplifyTriangle* out, int max) override;
     int group_create(const char* name) override;
     void group_get_location(int group, double location[3]) override;
     void group_set_rotate_reference_point(int group, const double point[3]) override;
@@ -87,11 +90,17 @@ public:
 
 private:
     std::map<int, MemGroup> groups_;
-    std::vector<MemPolygon> polys_ = std::vector<MemPolygon>(1);
-    std::vector<MemPoint> points_ = std::vector<MemPoint>(1);
-    std::vector<int> pointOwner_ = std::vector<int>(1, 0);
-    std::vector<int> pointIndexInRing_ = std::vector<int>(1, 0);
-    std::vector<int> polyIndexInGroup_ = std::vector<int>(1, 0);
+    // slot 0 of each is the dead handle 0
+    BlockArray<MemPolygon> polys_ = withDeadHandle<MemPolygon>();
+    BlockArray<MemPoint> points_ = withDeadHandle<MemPoint>();
+    BlockArray<int> pointOwner_ = withDeadHandle<int>();
+    BlockArray<int> pointIndexInRing_ = withDeadHandle<int>();
+    BlockArray<int> polyIndexInGroup_ = withDeadHandle<int>();
+    template <class T> static BlockArray<T> withDeadHandle() {
+        BlockArray<T> a;
+        a.emplace_back() = T{};
+        return a;
+    }
     int nextGroup_ = 1;
 };
 
