@@ -257,6 +257,9 @@ public:
     // Renumber the records for locality when a group is read (on by default; the design's
     // indices stay at the interface either way, and the tests compare both settings).
     bool RenumberRecords = true;
+    // Sum the neighbourhood's quadrics four lanes at a time where the processor can (on by
+    // default; the same bits either way, and the tests compare both settings).
+    bool WideSums = true;
     // Read a group into a fresh model as whole arrays (on by default; the tests compare it with
     // AddTriangle one triangle at a time, which it must equal record for record).
     bool WholeExtraction = true;
@@ -372,7 +375,13 @@ private:
     void mergeEdgeTris(int e1, int e2);
     void repointTriEdges(int from, int to);
     void collectAffected(int kept);
-    void evaluatePlanes(int kept);
+    // The affected points' quadrics afresh from their valid triangles' planes (one body, made
+    // for the plain processor and for one with 4-lane vectors, which gives the same bits).
+    template <class Acc> void sumAffectedQuadrics();
+    void sumAffectedQuadricsPlain();
+    void sumAffectedQuadricsWide();
+    struct MovedPlane;
+    void evaluatePlanes(int kept, const std::vector<MovedPlane>* moved = nullptr);
     void buildPointQuadric(int point);
     int countValidTris(int edge) const;
     bool hasBitmapBorder(int edge) const;
@@ -407,7 +416,7 @@ private:
     std::vector<double> laneOut_;          // evaluateList's scratch: each edge's (cost, x, y, z)
     std::vector<unsigned char> laneClean_; // and the clean lanes of each four
     void rebuildHeap();
-    void fillHeap(std::size_t excludedFrom);
+    void fillHeap();
     void rebuildPointIndex();
     void rebuildEdgeIndex();
     void dropIndexes();
@@ -455,6 +464,7 @@ private:
     std::vector<std::int32_t> selectedPts_;
     int triCursor_ = 0, edgeCursor_ = 0, ptCursor_ = 0, outCursor_ = 1;
     std::vector<std::int32_t> affectedPts_, affectedEdges_;
+    std::vector<char> affectedBorder_; // for each affected point: has it a valid border edge
     int sourceGroup_ = 0;
     int outputGroup_ = 0; // the group read or being reduced: its location is the output's reference point
 
@@ -504,8 +514,6 @@ private:
     bool heapDirty_ = true;
     double heapLimit_ = EdgeHeap::kNoLimit;
     std::vector<int> refusedNow_;          // candidates refused by the running selection
-    std::vector<std::uint32_t> selStamp_;  // marks them while the heap is filled again
-    std::uint32_t selId_ = 0;
     std::vector<double> costScratch_;
     struct EdgeEnds {
         std::int32_t edge, a, b;
@@ -520,42 +528,41 @@ private:
     static FlipCheck flipCheck(const double* plane, const double* const* c);
     static bool flips(const FlipCheck& f); // raises Overflow, or asks angleBetVectors
     std::vector<FlipCheck> flipChecks_;    // degeneratesOrFlips' scratch
+    // The moved triangles' planes before their normalisation (PlaneFromPoints), as the flip test
+    // of the last candidate walked made them: the same operations on the same positions as
+    // evaluatePlanes when that candidate is contracted next, which takes them from here.
+    struct MovedPlane {
+        std::int32_t tri;
+        std::int32_t pts[3]; // its corners, -1 for an end of the edge
+        double a, b, c, d;
+    };
+    std::vector<MovedPlane> movedPlanes_;
+    int movedPlanesEdge_ = -1; // the candidate whose walk made them all (-1: none)
+    bool reusePlanes_ = false; // SimplifyLoop contracts the edge it has just selected
     std::vector<std::uint32_t> ptStamp_;
     std::uint32_t stamp_ = 0;
     std::vector<char> selectedMark_;
-    // refusal cache: the contraction count at which each point last changed near it, and for a
-    // refused edge the count at its refusal and the ends it had then
+    // refusal cache: a refused edge is parked with the ends it had then (it keeps them while
+    // parked: a contraction that moves an end touches it first); each point counts the parked
+    // edges at it
     struct Refusal {
-        std::int32_t at = -1;
         std::int32_t a = 0, b = 0;
     };
-    std::vector<std::int32_t> ptChanged_;
-    std::unordered_map<std::int32_t, Refusal> refusals_; // few: only refused edges have one
+    std::unordered_map<std::int32_t, Refusal> refusals_; // few: only parked edges have one
     std::int32_t contractions_ = 0;
     std::vector<char> parked_; // refused edges held out of the heap
     std::vector<std::int32_t> ptParked_; // parked edges at each point
-    std::vector<int> toPark_, stale_;
+    std::vector<int> stale_;
     void unpark(int edge);
     void clearPark(std::size_t edge);
+    // Something near p changed: the edges parked at p come back. A point is touched many
+    // times a contraction; after the first touch it has no parked edge left.
     void touchPoint(int p) {
-        if (p < 0 || static_cast<std::size_t>(p) >= ptChanged_.size()) return;
-        if (ptChanged_[static_cast<std::size_t>(p)] == contractions_) return; // touched already
-        ptChanged_[static_cast<std::size_t>(p)] = contractions_;
-        if (!heapDirty_ && ptParked_[static_cast<std::size_t>(p)] > 0)
-            for (const std::int32_t* e = pEdges_.begin(static_cast<std::size_t>(p)); e != pEdges_.end(static_cast<std::size_t>(p)); ++e)
-                unpark(*e);
+        if (static_cast<std::size_t>(p) < ptParked_.size() && ptParked_[static_cast<std::size_t>(p)] > 0 && !heapDirty_)
+            unparkAt(p);
     }
-    void touchTriCorners(int t) {
-        const TriHot& T = tris_[static_cast<std::size_t>(t)];
-        for (int k = 0; k < 3; ++k) touchPoint(T.pts[k]);
-    }
-    void touchEdgeEnds(int e) {
-        const EdgeHot& E = edges_[static_cast<std::size_t>(e)];
-        touchPoint(E.a);
-        touchPoint(E.b);
-    }
+    void unparkAt(int p);
     void clearRefusals();
-    bool knownRefused(int edge) const;
 };
 
 } // namespace simplify

@@ -538,7 +538,7 @@ std::size_t SurfSimpli::MemoryBytes() const {
     for (const auto& bucket : buckets_) n += bytes(bucket);
     n += pointIndex_.memoryBytes() + edgeIndex_.memoryBytes() + heap_.memoryBytes();
     n += bytes(ptOfExt_) + bytes(extOfPt_) + bytes(edgeOfExt_) + bytes(extOfEdge_) + bytes(triOfExt_) + bytes(extOfTri_);
-    n += bytes(ptStamp_) + bytes(selectedMark_) + bytes(ptChanged_) +
+    n += bytes(ptStamp_) + bytes(selectedMark_) + bytes(ptParked_) +
          refusals_.size() * (sizeof(Refusal) + 2 * sizeof(void*)) + refusals_.bucket_count() * sizeof(void*) +
          bytes(parked_) + bytes(affectedPts_) + bytes(affectedEdges_);
     return n;

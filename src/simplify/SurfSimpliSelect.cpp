@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace simplify {
 
@@ -41,41 +42,50 @@ void SurfSimpli::rebuildHeap() {
     clearRefusals();
     parked_.assign(edges_.size(), 0);
     refusedNow_.clear();
-    fillHeap(0);
+    fillHeap();
     heapDirty_ = false;
 }
 
 // Fills the heap afresh with the cheapest chosen-able edges that are not parked and not refused
-// by the running selection (refusedNow_ from excludedFrom on; those before were marked already),
-// and sets heapLimit_ so that the heap holds exactly the ones that cost less. Every edge below
-// the old limit was visited then (refused or parked), so those taken in cost at least as much.
-void SurfSimpli::fillHeap(std::size_t excludedFrom) {
+// by the running selection, and sets heapLimit_ so that the heap holds exactly the ones that
+// cost less. Every edge below the old limit was visited then (refused or parked), so those
+// taken in cost at least as much. Which limit is taken does not change the order of the visit
+// (a visit that reaches the limit fills the heap again and goes on): about the keep-th cheapest
+// cost, from every eighth waiting edge, is enough.
+void SurfSimpli::fillHeap() {
     ++HeapFills;
-    if (selStamp_.size() < edges_.size()) selStamp_.resize(edges_.size(), 0);
-    for (std::size_t i = excludedFrom; i < refusedNow_.size(); ++i) selStamp_[static_cast<std::size_t>(refusedNow_[i])] = selId_;
-    auto waiting = [&](std::size_t e) {
+    // the running selection's refused edges wait outside while the heap is filled, as the parked ones
+    for (const int e : refusedNow_)
+        if (!parked_[static_cast<std::size_t>(e)]) parked_[static_cast<std::size_t>(e)] = 2;
+    std::vector<EdgeHeap::Entry> waiting;
+    waiting.reserve(edges_.size());
+    for (std::size_t e = 1; e < edges_.size(); ++e) {
         const EdgeHot& E = edges_[e];
-        return eligible(E) && !(e < parked_.size() && parked_[e]) && !(selId_ != 0 && selStamp_[e] == selId_);
-    };
-    costScratch_.clear();
-    for (std::size_t e = 1; e < edges_.size(); ++e)
-        if (waiting(e)) costScratch_.push_back(edges_[e].cost);
+        if (eligible(E) && !parked_[e]) waiting.push_back({E.cost, static_cast<int>(e)});
+    }
+    for (const int e : refusedNow_)
+        if (parked_[static_cast<std::size_t>(e)] == 2) parked_[static_cast<std::size_t>(e)] = 0;
     // A few thousand or an eighth of the waiting edges: the heap stays small enough for the
     // caches, and is filled again rarely (each time costs one pass over the edges).
-    const std::size_t keep = std::max<std::size_t>(4096, costScratch_.size() / 8);
+    const std::size_t keep = std::max<std::size_t>(4096, waiting.size() / 8);
     heapLimit_ = EdgeHeap::kNoLimit;
-    if (costScratch_.size() > keep) {
-        std::nth_element(costScratch_.begin(), costScratch_.begin() + static_cast<std::ptrdiff_t>(keep), costScratch_.end(),
+    std::size_t n = waiting.size();
+    if (n > keep) {
+        std::vector<double>& sample = costScratch_;
+        sample.clear();
+        for (std::size_t i = 0; i < n; i += 8) sample.push_back(waiting[i].cost);
+        const std::size_t k = keep / 8; // below sample.size(): n > keep
+        std::nth_element(sample.begin(), sample.begin() + static_cast<std::ptrdiff_t>(k), sample.end(),
                          [](double a, double b) { return a < b; });
-        // everything that costs no more than the keep-th cheapest (ties included)
-        heapLimit_ = std::nextafter(costScratch_[keep], EdgeHeap::kNoLimit);
+        // everything that costs no more than that sample (ties included)
+        heapLimit_ = std::nextafter(sample[k], EdgeHeap::kNoLimit);
+        std::size_t w = 0;
+        for (std::size_t i = 0; i < n; ++i)
+            if (waiting[i].cost < heapLimit_) waiting[w++] = waiting[i];
+        n = w;
     }
-    std::vector<EdgeHeap::Entry> entries;
-    entries.reserve(std::min(costScratch_.size(), keep * 2));
-    for (std::size_t e = 1; e < edges_.size(); ++e)
-        if (waiting(e) && edges_[e].cost < heapLimit_) entries.push_back({edges_[e].cost, static_cast<int>(e)});
     heap_.setOrder(&extOfEdge_); // ties go to the lower design index
-    heap_.build(std::move(entries), EdgeCount());
+    heap_.build(std::vector<EdgeHeap::Entry>(waiting.begin(), waiting.begin() + static_cast<std::ptrdiff_t>(n)), EdgeCount());
 }
 
 // The scans of NextCheapestEdge, with the floor raised to each refused candidate's cost and the
@@ -87,46 +97,27 @@ void SurfSimpli::fillHeap(std::size_t excludedFrom) {
 int SurfSimpli::SelectContractibleEdge() { return exEdge(selectEdge()); }
 
 int SurfSimpli::selectEdge() {
-    toPark_.clear();
     refusedNow_.clear();
-    if (++selId_ == 0) { // wrapped: the marks start afresh
-        std::fill(selStamp_.begin(), selStamp_.end(), 0u);
-        selId_ = 1;
-    }
     if (heapDirty_) rebuildHeap();
     ++SelectionCount;
     int result = -1;
     bool refilled = false;
     try {
         stale_.clear();
-        std::size_t marked = 0;
         for (;;) {
             result = heap_.visitInOrder([&](int e) { return edges_[static_cast<std::size_t>(e)].cost; }, [&](const EdgeHeap::Entry& top) {
                 ++CandidateCount;
                 minCost_ = top.cost;
-                if (CacheRefusals && knownRefused(top.edge)) {
-                    ++CachedRefusals;
-                    toPark_.push_back(top.edge);
-                    refusedNow_.push_back(top.edge);
-                    return false;
-                }
+                // (a parked edge is never in the heap: no refusal here is known already)
                 const bool ok = !degeneratesOrFlips(top.edge) && keepsManifold(top.edge);
-                if (!ok) {
-                    refusedNow_.push_back(top.edge);
-                    if (CacheRefusals) {
-                        const EdgeHot& E = edges_[static_cast<std::size_t>(top.edge)];
-                        refusals_[top.edge] = Refusal{contractions_, E.a, E.b};
-                        toPark_.push_back(top.edge);
-                    }
-                }
+                if (!ok) refusedNow_.push_back(top.edge);
                 return ok;
             }, stale_, heapLimit_);
             // an empty heap or a visit to its end means the limit is reached as well
             if (result >= 0 || heapLimit_ == EdgeHeap::kNoLimit) break;
             // every edge below the limit was refused: the next cheapest come in, and the visit
             // goes on in order from them
-            fillHeap(marked);
-            marked = refusedNow_.size();
+            fillHeap();
             refilled = true;
             stale_.clear(); // the heap was made afresh from the true costs
         }
@@ -144,15 +135,17 @@ int SurfSimpli::selectEdge() {
     // candidates (they all cost less than the limit)
     if (refilled && !CacheRefusals)
         for (const int e : refusedNow_) heap_.set(e, edges_[static_cast<std::size_t>(e)].cost);
-    for (const int e : toPark_) {
-        heap_.remove(e);
-        const std::size_t x = static_cast<std::size_t>(e);
-        if (parked_[x]) continue;
-        parked_[x] = 1; // its refusal holds the ends it has now, and keeps them while parked
-        const Refusal& r = refusals_.at(e);
-        ++ptParked_[static_cast<std::size_t>(r.a)];
-        ++ptParked_[static_cast<std::size_t>(r.b)];
-    }
+    if (CacheRefusals)
+        for (const int e : refusedNow_) {
+            heap_.remove(e);
+            const std::size_t x = static_cast<std::size_t>(e);
+            if (parked_[x]) continue;
+            parked_[x] = 1; // with the ends it has now, which it keeps while parked
+            const EdgeHot& E = edges_[x];
+            refusals_[e] = Refusal{E.a, E.b};
+            ++ptParked_[static_cast<std::size_t>(E.a)];
+            ++ptParked_[static_cast<std::size_t>(E.b)];
+        }
     if (result == -1 && CacheRefusals) {
         // every chosen-able edge was refused: the scans' last candidate is the greatest in
         // (cost, design index) order
@@ -171,9 +164,15 @@ int SurfSimpli::selectEdge() {
 void SurfSimpli::clearPark(std::size_t edge) {
     if (edge >= parked_.size() || !parked_[edge]) return;
     parked_[edge] = 0;
-    const Refusal& r = refusals_.at(static_cast<std::int32_t>(edge));
-    --ptParked_[static_cast<std::size_t>(r.a)];
-    --ptParked_[static_cast<std::size_t>(r.b)];
+    const auto found = refusals_.find(static_cast<std::int32_t>(edge));
+    --ptParked_[static_cast<std::size_t>(found->second.a)];
+    --ptParked_[static_cast<std::size_t>(found->second.b)];
+    refusals_.erase(found);
+}
+
+void SurfSimpli::unparkAt(int p) {
+    const std::size_t pi = static_cast<std::size_t>(p);
+    for (const std::int32_t* e = pEdges_.begin(pi); e != pEdges_.end(pi); ++e) unpark(*e);
 }
 
 void SurfSimpli::unpark(int edge) {
@@ -187,20 +186,13 @@ void SurfSimpli::unpark(int edge) {
 // AssTris; the valid triangles of A and B with their corners, positions and planes; the valid
 // edges of A and B with their ends and their triangles' validity. A contraction changes these
 // only for edges with an end among the points it touches (touchPoint in ContractEdge), so a
-// refusal stands while neither end has been touched since and the ends are the same.
+// refusal stands while neither end has been touched since: a parked edge comes back when one
+// of its ends is touched (it is in both ends' edge lists), or when it is re-costed (then an end
+// of it is an affected point, touched as well), and only then. So an edge in the heap never
+// has a standing refusal, and nothing needs to remember when a point was touched.
 void SurfSimpli::clearRefusals() {
-    ptChanged_.assign(pValid_.size(), 0);
     ptParked_.assign(pValid_.size(), 0);
     refusals_.clear();
-}
-
-bool SurfSimpli::knownRefused(int edge) const {
-    const auto found = refusals_.find(edge);
-    if (found == refusals_.end()) return false;
-    const Refusal& r = found->second;
-    const EdgeHot& E = edges_[static_cast<std::size_t>(edge)];
-    return E.a == r.a && E.b == r.b && ptChanged_[static_cast<std::size_t>(r.a)] <= r.at &&
-           ptChanged_[static_cast<std::size_t>(r.b)] <= r.at;
 }
 
 // ---- the refusal tests ----
@@ -228,6 +220,12 @@ bool SurfSimpli::WouldFlipNormal(int edge) { return wouldFlipNormal(inEdge(edge)
 bool SurfSimpli::KeepsManifold(int edge) { return keepsManifold(inEdge(edge)); }
 
 namespace {
+using v2d = double __attribute__((vector_size(16)));
+inline v2d ld2(const double* p) {
+    v2d r;
+    std::memcpy(&r, p, sizeof r);
+    return r;
+}
 // The moved triangle has no area (CrossProduct of its sides is zero); raises Overflow for a
 // side or a component that is not finite.
 inline bool degenerate(const double* const* c) {
@@ -305,19 +303,97 @@ bool SurfSimpli::wouldFlipNormal(int edge) {
 bool SurfSimpli::degeneratesOrFlips(int edge) {
     std::vector<FlipCheck>& kept = flipChecks_;
     kept.clear();
+    movedPlanes_.clear();
+    movedPlanesEdge_ = -1;
     bool flipSettled = false;
-    const bool degenerates = anyMovedTri(edge, [&](const TriHot& T, const double* const* c) {
-        if (degenerate(c)) return true;
-        if (flipSettled) return false;
-        const FlipCheck f = flipCheck(T.plane, c);
-        if (f.kind == FlipCheck::Keeps) return false;
-        flipSettled = f.kind != FlipCheck::Ask;
-        kept.push_back(f);
-        return false;
-    });
-    if (degenerates) return true;
+    const EdgeHot& E = edges_.at(static_cast<std::size_t>(edge));
+    const std::int32_t* edgeTris = eTris_.begin(static_cast<std::size_t>(edge));
+    const std::int32_t* edgeTrisEnd = eTris_.end(static_cast<std::size_t>(edge));
+    const int ends[2] = {E.a, E.b};
+    // The candidate's neighbourhood lies anywhere in the arrays, and this is the first to read
+    // it: ask for all its triangles (and the edges keepsManifold reads next) at once, then for
+    // their corners, rather than one record after the other as the walk comes to them.
+    if (static_cast<std::size_t>(E.a) < pValid_.size() && static_cast<std::size_t>(E.b) < pValid_.size()) {
+        for (const int end : ends) {
+            const std::size_t pe = static_cast<std::size_t>(end);
+            for (const std::int32_t* t = pTris_.begin(pe); t != pTris_.end(pe); ++t) __builtin_prefetch(&tris_[static_cast<std::size_t>(*t)]);
+            for (const std::int32_t* e = pEdges_.begin(pe); e != pEdges_.end(pe); ++e) __builtin_prefetch(&edges_[static_cast<std::size_t>(*e)]);
+        }
+        for (const int end : ends) {
+            const std::size_t pe = static_cast<std::size_t>(end);
+            for (const std::int32_t* t = pTris_.begin(pe); t != pTris_.end(pe); ++t) {
+                const TriHot& T = tris_[static_cast<std::size_t>(*t)];
+                for (int k = 0; k < 3; ++k) __builtin_prefetch(pts_[static_cast<std::size_t>(T.pts[k])].xyz);
+            }
+        }
+    }
+    for (const int end : ends) { // the walk of anyMovedTri
+        const std::size_t pe = static_cast<std::size_t>(end);
+        if (pe >= pValid_.size()) vexil::raiseError(vexil::ErrSubscript, "Subscript out of range");
+        for (const std::int32_t* t = pTris_.begin(pe); t != pTris_.end(pe); ++t) {
+            const TriHot& T = tris_[static_cast<std::size_t>(*t)];
+            if (!T.valid || std::find(edgeTris, edgeTrisEnd, *t) != edgeTrisEnd) continue;
+            const double* c[3];
+            std::int32_t ids[3];
+            for (int k = 0; k < 3; ++k) {
+                const bool moved = T.pts[k] == E.a || T.pts[k] == E.b;
+                c[k] = moved ? E.nc : pts_[static_cast<std::size_t>(T.pts[k])].xyz;
+                ids[k] = moved ? -1 : T.pts[k];
+            }
+            // degenerate(c), its tests of finiteness in one: a side that is not finite makes a
+            // component of the cross product not finite (inf times a side's component is inf or
+            // NaN, and so is any sum with it), so the components stand for all nine
+            // Two lanes where two terms have the same shape, each lane the scalar term's
+            // operations in order: with U = (y, z) and W = (z, x) of each corner, the sides'
+            // (y, z) and (z, x) are differences of them, (x, y) of the cross product is
+            // s1U * s2W - s1W * s2U, and PlaneFromPoints' (a, b) is
+            // U1 * (W2 - W3) + U2 * (W3 - W1) + U3 * (W1 - W2).
+            const v2d U0 = ld2(c[0] + 1), U1 = ld2(c[1] + 1), U2 = ld2(c[2] + 1);
+            const v2d W0 = v2d{c[0][2], c[0][0]}, W1 = v2d{c[1][2], c[1][0]}, W2 = v2d{c[2][2], c[2][0]};
+            const v2d s1U = U1 - U0, s1W = W1 - W0, s2U = U2 - U0, s2W = W2 - W0;
+            const v2d xy = s1U * s2W - s1W * s2U;
+            const double z = s1W[1] * s2U[0] - s1U[0] * s2W[1]; // s1x * s2y - s1y * s2x
+            const v2d xy0 = xy * 0.0;
+            if (!(xy0[0] + xy0[1] + z * 0.0 == 0.0)) vexil::raiseOverflow();
+            if (xy[0] == 0.0 && xy[1] == 0.0 && z == 0.0) return true;
+            if (flipSettled) continue;
+            // flipCheck(T.plane, c): PlaneFromPoints, as the maths library writes it
+            const double x1 = c[0][0], y1 = c[0][1], z1 = c[0][2];
+            const double x2 = c[1][0], y2 = c[1][1], z2 = c[1][2];
+            const double x3 = c[2][0], y3 = c[2][1], z3 = c[2][2];
+            const v2d ab = U0 * (W1 - W2) + U1 * (W2 - W0) + U2 * (W0 - W1);
+            const double a = ab[0], b = ab[1];
+            const double cc = x1 * (y2 - y3) + x2 * (y3 - y1) + x3 * (y1 - y2);
+            const double d = -(x1 * (y2 * z3 - y3 * z2) + x2 * (y3 * z1 - y1 * z3) + x3 * (y1 * z2 - y2 * z1));
+            movedPlanes_.push_back(MovedPlane{*t, {ids[0], ids[1], ids[2]}, a, b, cc, d});
+            FlipCheck::Kind kind = FlipCheck::Ask;
+            const double* p = T.plane;
+            if (!(a * 0.0 + b * 0.0 + cc * 0.0 + d * 0.0 == 0.0)) {
+                kind = FlipCheck::Overflows;
+            } else {
+                // the negated normal n = -(a, b, cc): n[i] * n[i] is a * a
+                const double la2 = a * a + b * b + cc * cc;
+                const double lb2 = p[0] * p[0] + p[1] * p[1] + p[2] * p[2];
+                if (la2 >= 1e-250 && la2 <= 1e250 && lb2 >= 1e-250 && lb2 <= 1e250) {
+                    const double dot = -a * p[0] + -b * p[1] + -cc * p[2];
+                    // a non-finite product makes the sum non-finite
+                    if (!(dot * 0.0 == 0.0)) {
+                        kind = FlipCheck::Overflows;
+                    } else {
+                        const double m = std::sqrt(la2) * std::sqrt(lb2);
+                        if (dot <= -1e-6 * m) kind = FlipCheck::Flips;
+                        else if (dot >= 1e-6 * m) kind = FlipCheck::Keeps;
+                    }
+                }
+            }
+            if (kind == FlipCheck::Keeps) continue;
+            flipSettled = kind != FlipCheck::Ask;
+            kept.push_back(FlipCheck{kind, {-a, -b, -cc}, p});
+        }
+    }
     for (const FlipCheck& f : kept)
         if (flips(f)) return true;
+    movedPlanesEdge_ = edge; // (a settled flip answers or raises above) every moved triangle has its plane
     return false;
 }
 
