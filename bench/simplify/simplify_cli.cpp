@@ -14,6 +14,7 @@
 // builds and implementations on meshes too large for the tests). Exit codes: 0 done, 1 the
 // input could not be read (one line on stderr naming the file and why) or the reduction
 // failed, 2 bad command line (the reason and the usage on stderr).
+#include "Fnv.h"
 #include "MemoryEngine.h"
 #include "MeshData.h"
 #include "MeshMaker.h"
@@ -60,18 +61,6 @@ const char* const kUsage =
     "  --checksum          print hashes of the contraction sequence and of the output\n"
     "  --out FILE          write the result (OBJ, or a world with --engine)\n"
     "  --help              this text\n";
-
-// FNV-1a over 64-bit words.
-struct Hash {
-    std::uint64_t h = 1469598103934665603ULL;
-    void add(std::uint64_t v) {
-        for (int i = 0; i < 8; ++i) {
-            h ^= (v >> (i * 8)) & 0xff;
-            h *= 1099511628211ULL;
-        }
-    }
-    void add(double d) { add(std::bit_cast<std::uint64_t>(d)); }
-};
 
 double ms(Clock::time_point a, Clock::time_point b) { return std::chrono::duration<double, std::milli>(b - a).count(); }
 

@@ -1,6 +1,7 @@
 // Re-costing four edges at once (AVX2, or the same kernel on two-lane halves) against the
 // one-by-one code: the same placement and cost bits on every edge, the same Overflow raised at
 // the same edge with the same model left behind, and the same whole runs.
+#include "Fnv.h"
 #include "Harness.h"
 #include "MeshMaker.h"
 
@@ -300,18 +301,6 @@ TEST(BatchCosting, AnOverflowRaisesAtTheSameEdgeAndLeavesTheSameModel) {
             ms.step([](SurfSimpli& s) { s.EvaluateAllEdges(); }, what + ", all edges again");
         }
 }
-
-// FNV-1a over 64-bit words, as simplify_cli --checksum prints it.
-struct Hash {
-    std::uint64_t h = 1469598103934665603ULL;
-    void add(std::uint64_t v) {
-        for (int i = 0; i < 8; ++i) {
-            h ^= (v >> (i * 8)) & 0xff;
-            h *= 1099511628211ULL;
-        }
-    }
-    void add(double d) { add(std::bit_cast<std::uint64_t>(d)); }
-};
 
 struct RunSums {
     std::uint64_t trace = 0, output = 0;
