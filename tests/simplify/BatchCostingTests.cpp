@@ -194,7 +194,7 @@ TEST(BatchCosting, SameBitsAsTheScalarCodeOnRandomAndAdversarialEdges) {
         for (bool geomOnly : {false, true}) {
             const std::vector<Tri> tris = makeTris(g);
             Models ms(tris, geomOnly);
-            const std::string what = "spec " + std::to_string(g.seed) + (geomOnly ? " geometry only" : "");
+            const std::string what = "grid " + std::to_string(g.seed) + (geomOnly ? " geometry only" : "");
             ms.step([](SurfSimpli& s) { s.BuildAllQuadrics(); }, what + ", quadrics");
             const long r = ms.step([](SurfSimpli& s) { s.EvaluateAllEdges(); }, what + ", all edges");
             (r ? raisedRuns : cleanRuns) += 1;
