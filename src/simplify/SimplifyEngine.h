@@ -3,6 +3,7 @@
 // in-memory implementation). ZelmarSimplifyEngine forwards each call to the ZELMAR_* function
 // of the same name; it is what SurfSimpli uses when it is given no engine.
 #pragma once
+#include <vector>
 
 namespace simplify {
 
@@ -103,6 +104,11 @@ inline int SimplifyEngine::read_triangles(int& polygon, SimplifyTriangle* out, i
 // Forwards to libzelmar3.
 class ZelmarSimplifyEngine final : public SimplifyEngine {
 public:
+    // Reads a batch's rings and its points' locations, bitmap coordinates and normals with the
+    // engine's bulk operations (two calls instead of eleven a triangle); false: the single calls.
+    // Both give the same values (the tests compare them).
+    bool BulkReads = true;
+    int read_triangles(int& polygon, SimplifyTriangle* out, int max) override;
     int group_get_number_of_polygons(int group) override;
     void group_get_center_of_mass(int group, double out[3]) override;
     int group_get_first_polygon(int group) override;
@@ -127,6 +133,10 @@ public:
     void polygon_set_color_fill(int polygon, int red, int green, int blue) override;
     void polygon_set_brightness(int polygon, double value) override;
     void polygon_set_bitmap_fill(int polygon, int bitmap) override;
+
+private:
+    std::vector<int> batch_, ring_, owners_, corners_;
+    std::vector<double> values_;
 };
 
 } // namespace simplify

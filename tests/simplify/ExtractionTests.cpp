@@ -1,6 +1,7 @@
 // Extraction as whole arrays (SurfSimpli::WholeExtraction, the default) must make the model that
 // AddTriangle one triangle at a time and the renumbering make: every record, list and bucket
 // entry, the host calls, and what runs from it (contractions, output, restarts from the copy).
+#include "EngineMeshes.h"
 #include "Harness.h"
 #include "MeshMaker.h"
 
@@ -240,6 +241,27 @@ TEST(WholeExtraction, TheCopyForRestartingOutlivesAReset) {
     EXPECT_EQ(kept.PointCount(), 3);
     kept.RestoreGeomFromCopy();
     EXPECT_EQ(kept.PointCount(), fresh.PointCount());
+}
+
+// libzelmar3's batch read (its bulk operations) gives the model its single calls give: rings of
+// every length, batches of 256 and a last short one, brightness, normals, colours, seams.
+TEST(WholeExtraction, TheEnginesBulkReadsGiveWhatItsSingleCallsGive) {
+    ZELMAR_engine_close();
+    MeshData m = makeSeamGrid(16, 12, 0.3, 4); // 384 triangles
+    for (std::size_t i = 0; i < m.vertices.size(); ++i) {
+        m.vertices[i].brightness = 30.0 + static_cast<double>(i % 11);
+        m.vertices[i].normal[i % 3] = 0.5 + static_cast<double>(i % 5);
+    }
+    m = withFaces(m, {{0, 1}, {2}, {3, 4, 5, 6}, {7, 8, 9, 10, 11}});
+    const int g = toEngine(m);
+    simplify::ZelmarSimplifyEngine bulk, single;
+    single.BulkReads = false;
+    simplify::SurfSimpli a(&bulk), b(&single);
+    a.Load(g);
+    b.Load(g);
+    EXPECT_EQ(a.TriCount(), static_cast<int>(m.faces.size()));
+    EXPECT_EQ(compareModels(a, b), "");
+    ZELMAR_engine_close();
 }
 
 TEST(WholeExtraction, TheBunnyGivesTheModelOfOneByOne) {
