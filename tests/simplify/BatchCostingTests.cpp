@@ -14,6 +14,7 @@
 #include <limits>
 #include <random>
 #include <sstream>
+#include <string>
 
 #if !defined(NDEBUG) || defined(__SANITIZE_ADDRESS__)
 #define SIMPLIFY_SLOW_BUILD 1
@@ -305,6 +306,7 @@ TEST(BatchCosting, AnOverflowRaisesAtTheSameEdgeAndLeavesTheSameModel) {
 struct RunSums {
     std::uint64_t trace = 0, output = 0;
     std::size_t contractions = 0, triangles = 0;
+    std::string raised; // an open part of the mesh may raise (border penalties): at the same contraction on every path
     bool operator==(const RunSums&) const = default;
 };
 
@@ -316,19 +318,26 @@ RunSums runBunny(const MeshData& rings, Costing path, double keep, bool geomOnly
     s.ForceRestart = true;
     s.TraceContractions = true;
     const int total = static_cast<int>(rings.faces.size());
-    const int out = s.Reduce(static_cast<int>(total * keep + 0.5), g, false, nullptr, nullptr, geomOnly, false, false);
     RunSums r;
+    int out = 0;
+    try {
+        out = s.Reduce(static_cast<int>(total * keep + 0.5), g, false, nullptr, nullptr, geomOnly, false, false);
+    } catch (const std::exception& e) {
+        r.raised = e.what();
+    }
     Hash t, o;
     for (const std::int32_t e : s.ContractionTrace) t.add(static_cast<std::uint64_t>(e));
-    for (int poly : eng.group(out).polygons)
-        for (int pt : eng.polygon(poly).points) {
-            const double* v = eng.point(pt).v;
-            for (int k = 0; k < 5; ++k) o.add(v[k]);
-        }
+    if (out != 0) {
+        for (int poly : eng.group(out).polygons)
+            for (int pt : eng.polygon(poly).points) {
+                const double* v = eng.point(pt).v;
+                for (int k = 0; k < 5; ++k) o.add(v[k]);
+            }
+        r.triangles = eng.group(out).polygons.size();
+    }
     r.trace = t.h;
     r.output = o.h;
     r.contractions = s.ContractionTrace.size();
-    r.triangles = eng.group(out).polygons.size();
     return r;
 }
 
@@ -347,8 +356,8 @@ TEST(BatchCosting, TheWholeBunnyGivesTheSameChecksumsOnEveryPath) {
         RunSums expected;
     };
     const Case cases[] = {
-        {false, {0x6cfaaf80d82d5753ULL, 0xab4f1ed39202af03ULL, 31350, 6966}},
-        {true, {0xdb2c7d5cbf9d8652ULL, 0x09d140040b415cd2ULL, 31350, 6966}},
+        {false, {0x6cfaaf80d82d5753ULL, 0xab4f1ed39202af03ULL, 31350, 6966, ""}},
+        {true, {0xdb2c7d5cbf9d8652ULL, 0x09d140040b415cd2ULL, 31350, 6966, ""}},
     };
     for (const Case& c : cases) {
         const RunSums scalar = runBunny(mesh, Costing::Scalar, 0.1, c.geomOnly);
