@@ -549,7 +549,6 @@ private:
         std::int32_t a = 0, b = 0;
     };
     std::unordered_map<std::int32_t, Refusal> refusals_; // few: only parked edges have one
-    std::int32_t contractions_ = 0;
     std::vector<char> parked_; // refused edges held out of the heap
     std::vector<std::int32_t> ptParked_; // parked edges at each point
     std::vector<int> stale_;

@@ -147,7 +147,6 @@ int SurfSimpli::ContractEdge() {
     // the points whose tests may read something this contraction changes (refusal cache):
     // touched, the edges parked at them come back (none while the heap is to be made afresh,
     // none when no edge is parked)
-    ++contractions_;
     if (ptParked_.size() < pValid_.size()) ptParked_.resize(pValid_.size(), 0);
     const bool watch = !heapDirty_ && !refusals_.empty();
     const std::int32_t* const parkedAt = ptParked_.data(); // (unparking changes counts, not the array)

@@ -14,7 +14,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
-#include <chrono>
 
 using namespace vexil;
 using namespace vexil::test;
@@ -272,10 +271,7 @@ TEST_F(LightMaps, AWorldWithoutLightsBakesDarkMaps) {
 }
 
 TEST_F(LightMaps, TheDefaultBakeOfTheSampleWorldAndRemoveLightMaps) {
-    const auto t0 = std::chrono::steady_clock::now();
     run([](frmLightMapParameterInput& f) { f.cmdCompute->click(); });
-    const double s = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-    std::printf("default bake of the sample world: %.2f s\n", s);
     EXPECT_EQ(polygonsWithLightMaps(root), total());
     // The group menu's Remove Light Maps: the current group's polygons lose them.
     const int house = GroupUsingName("House");
