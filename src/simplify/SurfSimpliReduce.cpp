@@ -260,7 +260,7 @@ int SurfSimpli::ContractEdge() {
     // penalties, in list order (ClearPointQuadric, BuildPointQuadric, AddBorderPenaltyToPoint
     // point by point; a point's sum reads no other point's quadric, and only the penalties can
     // raise, in the same order as when the three passes run one after the other).
-    static const bool wide = __builtin_cpu_supports("avx2");
+    static const bool wide = DefaultCosting() == Costing::Avx2; // the processor has AVX2
     if (wide && WideSums) sumAffectedQuadricsWide();
     else sumAffectedQuadricsPlain();
     // (collectAffected noted which points have a valid border edge; nothing since changed an
